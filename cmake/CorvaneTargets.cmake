@@ -1,0 +1,52 @@
+# Build settings that every target of this project shares.
+
+option(CORVANE_TESTS "Build the tests" ON)
+option(CORVANE_BENCHMARKS "Build the benchmarks" OFF)
+option(CORVANE_FUZZERS "Build the fuzz targets (clang)" OFF)
+set(CORVANE_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+# Program, plug-in and modules stand side by side, and find each other there wherever they are moved.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(CMAKE_BUILD_RPATH "$ORIGIN")
+
+find_program(CORVANE_CCACHE ccache)
+if(CORVANE_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CORVANE_CCACHE}")
+endif()
+
+add_compile_options(
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Wold-style-cast
+  -Wcast-align -Wformat=2 -Wimplicit-fallthrough -Werror)
+add_link_options(-Wl,--as-needed -Wl,-O1)
+
+if(CORVANE_SANITIZE)
+  add_compile_options(-fsanitize=${CORVANE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${CORVANE_SANITIZE})
+endif()
+
+# A layer of the product: a static library named corvane_NAME of the sources in its folder.
+function(corvane_layer name)
+  cmake_parse_arguments(PARSE_ARGV 1 LAYER "" "" "SOURCES;LINKS")
+  add_library(corvane_${name} STATIC ${LAYER_SOURCES})
+  target_include_directories(corvane_${name} PUBLIC "${CMAKE_SOURCE_DIR}")
+  target_link_libraries(corvane_${name} PUBLIC ${LAYER_LINKS})
+endfunction()
+
+# A module that the plug-in loads at first use: corvane-NAME.so beside the plug-in, exporting one function.
+function(corvane_module name)
+  cmake_parse_arguments(PARSE_ARGV 1 MODULE "" "" "SOURCES;LINKS")
+  add_library(corvane-${name} MODULE ${MODULE_SOURCES})
+  set_target_properties(corvane-${name} PROPERTIES PREFIX "")
+  target_include_directories(corvane-${name} PRIVATE "${CMAKE_SOURCE_DIR}")
+  target_link_libraries(corvane-${name} PRIVATE ${MODULE_LINKS})
+endfunction()

@@ -1,0 +1,79 @@
+#include "platform/fmwrapper/session.h"
+
+#include <filesystem>
+
+namespace fm {
+namespace {
+
+bool IsLetter(char character) {
+    return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
+}
+
+bool IsDriveRoot(std::string_view root) {
+    return root.size() == 2 && IsLetter(root[0]) && root[1] == ':';
+}
+
+// "\\server\share": two non-empty names.
+bool IsShareRoot(std::string_view root) {
+    if (root.substr(0, 2) != "\\\\") return false;
+    const std::string_view names = root.substr(2);
+    const auto separator = names.find('\\');
+    return separator != std::string_view::npos && separator > 0 && separator + 1 < names.size() &&
+           names.find('\\', separator + 1) == std::string_view::npos;
+}
+
+std::string WithSlashes(std::string text) {
+    for (char& character : text)
+        if (character == '\\') character = '/';
+    return text;
+}
+
+} // namespace
+
+Session& CurrentSession() {
+    static Session session;
+    return session;
+}
+
+std::optional<Drive> ParseDrive(std::string_view text) {
+    constexpr std::string_view kRemote = "remote:";
+    const auto equals = text.find('=');
+    if (equals == std::string_view::npos) return std::nullopt;
+    Drive drive;
+    drive.root = text.substr(0, equals);
+    std::string_view folder = text.substr(equals + 1);
+    if (IsShareRoot(drive.root)) {
+        drive.remote = true;
+    } else if (IsDriveRoot(drive.root)) {
+        if (drive.root[0] >= 'a') drive.root[0] = static_cast<char>(drive.root[0] - 'a' + 'A');
+    } else {
+        return std::nullopt;
+    }
+    if (folder.substr(0, kRemote.size()) == kRemote) {
+        drive.remote = true;
+        folder.remove_prefix(kRemote.size());
+    }
+    if (folder.empty()) return std::nullopt;
+    std::error_code error;
+    drive.folder =
+        std::filesystem::absolute(std::filesystem::path(folder), error).lexically_normal().string();
+    if (error) return std::nullopt;
+    while (!drive.folder.empty() && drive.folder.back() == '/') drive.folder.pop_back();
+    return drive;
+}
+
+std::optional<std::string> HostPath(const std::vector<Drive>& drives, std::string_view unix_path) {
+    const Drive* closest = nullptr;
+    for (const Drive& drive : drives) {
+        const std::size_t length = drive.folder.size();
+        const bool covers = unix_path.substr(0, length) == drive.folder &&
+                            (unix_path.size() == length || unix_path[length] == '/');
+        if (covers && (closest == nullptr || length > closest->folder.size())) closest = &drive;
+    }
+    if (closest == nullptr) return std::nullopt;
+    const std::string rest(unix_path.substr(closest->folder.size()));
+    const std::string root = WithSlashes(closest->root);
+    return (IsDriveRoot(closest->root) ? "/" + root : root) + (rest == "/" ? "" : rest);
+}
+
+} // namespace fm

@@ -1,0 +1,163 @@
+#include "platform/text/utf.h"
+
+#include <clocale>
+#include <cwctype>
+#include <locale.h>
+
+namespace utf {
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+bool IsContinuation(unsigned char byte) {
+    return (byte & 0xC0) == 0x80;
+}
+
+// The C library's own Unicode tables; C.UTF-8 is built into it.
+locale_t UnicodeLocale() {
+    static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    return locale;
+}
+
+template <char32_t (*Map)(char32_t), class String, class View>
+String MapCase(View text) {
+    String mapped;
+    mapped.reserve(text.size());
+    for (std::size_t position = 0; position < text.size();) Append(mapped, Map(Next(text, position)));
+    return mapped;
+}
+
+} // namespace
+
+char32_t Next(std::string_view utf8, std::size_t& position) {
+    const auto first = static_cast<unsigned char>(utf8[position++]);
+    if (first < 0x80) return first;
+    int length = 0;
+    char32_t character = 0;
+    char32_t smallest = 0;
+    if (first >= 0xC2 && first <= 0xDF) {
+        length = 1, character = first & 0x1FU, smallest = 0x80;
+    } else if ((first & 0xF0) == 0xE0) {
+        length = 2, character = first & 0x0FU, smallest = 0x800;
+    } else if (first >= 0xF0 && first <= 0xF4) {
+        length = 3, character = first & 0x07U, smallest = 0x10000;
+    } else {
+        return kReplacement;
+    }
+    for (int i = 0; i < length; ++i) {
+        if (position >= utf8.size() || !IsContinuation(static_cast<unsigned char>(utf8[position])))
+            return kReplacement;
+        character = (character << 6) | (static_cast<unsigned char>(utf8[position++]) & 0x3FU);
+    }
+    const bool surrogate = character >= 0xD800 && character <= 0xDFFF;
+    return character < smallest || character > 0x10FFFF || surrogate ? kReplacement : character;
+}
+
+char32_t Next(std::u16string_view utf16, std::size_t& position) {
+    const char32_t unit = utf16[position++];
+    if (unit < 0xD800 || unit > 0xDFFF) return unit;
+    if (unit <= 0xDBFF && position < utf16.size()) {
+        const char32_t low = utf16[position];
+        if (low >= 0xDC00 && low <= 0xDFFF) {
+            ++position;
+            return 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
+        }
+    }
+    return kReplacement;
+}
+
+void Append(std::string& utf8, char32_t character) {
+    if (character < 0x80) {
+        utf8.push_back(static_cast<char>(character));
+        return;
+    }
+    if (character < 0x800) {
+        utf8.push_back(static_cast<char>(0xC0 | (character >> 6)));
+    } else {
+        if (character < 0x10000) {
+            utf8.push_back(static_cast<char>(0xE0 | (character >> 12)));
+        } else {
+            utf8.push_back(static_cast<char>(0xF0 | (character >> 18)));
+            utf8.push_back(static_cast<char>(0x80 | ((character >> 12) & 0x3F)));
+        }
+        utf8.push_back(static_cast<char>(0x80 | ((character >> 6) & 0x3F)));
+    }
+    utf8.push_back(static_cast<char>(0x80 | (character & 0x3F)));
+}
+
+void Append(std::u16string& utf16, char32_t character) {
+    if (character < 0x10000) {
+        utf16.push_back(static_cast<char16_t>(character));
+        return;
+    }
+    utf16.push_back(static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10)));
+    utf16.push_back(static_cast<char16_t>(0xDC00 + ((character - 0x10000) & 0x3FF)));
+}
+
+std::u16string ToUtf16(std::string_view utf8) {
+    std::u16string utf16;
+    utf16.reserve(utf8.size());
+    for (std::size_t position = 0; position < utf8.size();) {
+        const auto byte = static_cast<unsigned char>(utf8[position]);
+        if (byte < 0x80) {
+            utf16.push_back(byte);
+            ++position;
+        } else {
+            Append(utf16, Next(utf8, position));
+        }
+    }
+    return utf16;
+}
+
+std::string ToUtf8(std::u16string_view utf16) {
+    std::string utf8;
+    utf8.reserve(utf16.size());
+    for (std::size_t position = 0; position < utf16.size();) Append(utf8, Next(utf16, position));
+    return utf8;
+}
+
+bool IsValid(std::string_view utf8) {
+    for (std::size_t position = 0; position < utf8.size();) {
+        const std::size_t start = position;
+        const char32_t character = Next(utf8, position);
+        if (character == kReplacement && utf8.substr(start, position - start) != "\xEF\xBF\xBD") return false;
+    }
+    return true;
+}
+
+std::string_view CutAtCharacter(std::string_view utf8, std::size_t limit) {
+    if (utf8.size() <= limit) return utf8;
+    std::size_t end = limit;
+    // A character has at most three continuation bytes; more of them are malformed and may be cut anywhere.
+    while (end > 0 && limit - end < 3 && IsContinuation(static_cast<unsigned char>(utf8[end]))) --end;
+    if (IsContinuation(static_cast<unsigned char>(utf8[end]))) end = limit;
+    return utf8.substr(0, end);
+}
+
+char32_t ToLower(char32_t character) {
+    if (character < 0x80) return character >= 'A' && character <= 'Z' ? character + 32 : character;
+    return static_cast<char32_t>(towlower_l(static_cast<wint_t>(character), UnicodeLocale()));
+}
+
+char32_t ToUpper(char32_t character) {
+    if (character < 0x80) return character >= 'a' && character <= 'z' ? character - 32 : character;
+    return static_cast<char32_t>(towupper_l(static_cast<wint_t>(character), UnicodeLocale()));
+}
+
+std::string ToLower(std::string_view utf8) {
+    return MapCase<ToLower, std::string>(utf8);
+}
+
+std::string ToUpper(std::string_view utf8) {
+    return MapCase<ToUpper, std::string>(utf8);
+}
+
+std::u16string ToLower(std::u16string_view utf16) {
+    return MapCase<ToLower, std::u16string>(utf16);
+}
+
+std::u16string ToUpper(std::u16string_view utf16) {
+    return MapCase<ToUpper, std::u16string>(utf16);
+}
+
+} // namespace utf
