@@ -27,6 +27,9 @@ endif()
 add_compile_options(
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Wold-style-cast
   -Wcast-align -Wformat=2 -Wimplicit-fallthrough -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  add_compile_options(-Wno-restrict) # false alarms on std::string, GCC bug 105651
+endif()
 add_link_options(-Wl,--as-needed -Wl,-O1)
 
 if(CORVANE_SANITIZE)
