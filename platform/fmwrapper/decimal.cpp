@@ -1,5 +1,7 @@
 #include "platform/fmwrapper/decimal.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -98,13 +100,18 @@ std::optional<Decimal> Decimal::FromText(std::string_view utf8) {
 
 std::optional<Decimal> Decimal::FromDouble(double value) {
     if (!std::isfinite(value)) return std::nullopt;
-    char buffer[1100]; // the longest fixed form has 309 digits before and 1074 after the point
-    const auto [end, error] = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed);
-    if (error != std::errc()) return std::nullopt;
-    std::string_view digits(buffer, static_cast<std::size_t>(end - buffer));
-    const auto point = digits.find('.');
-    if (point != std::string_view::npos) digits = digits.substr(0, point + 1 + kMaxPlaces);
-    return Parse(digits);
+    // The fixed form is no choice: it writes large values out in full, past the shortest digits.
+    std::array<char, 32> buffer{};
+    const char* end =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::scientific).ptr;
+    const char* mark = std::find(buffer.data(), end, 'e');
+    int exponent = 0;
+    std::from_chars(mark[1] == '+' ? mark + 2 : mark + 1, end, exponent);
+    const auto digits = Parse({buffer.data(), static_cast<std::size_t>(mark - buffer.data())});
+    if (!digits) return std::nullopt;
+    const int scale = digits->scale_ - exponent;
+    if (scale >= 0) return Decimal(digits->units_, scale);
+    return Decimal(mpz_class(digits->units_ * PowerOfTen(-scale)), 0);
 }
 
 std::string Decimal::ToText() const {
