@@ -104,7 +104,7 @@ std::optional<Decimal> Decimal::FromDouble(double value) {
     std::array<char, 32> buffer{};
     const char* end =
         std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::scientific).ptr;
-    const char* mark = std::find(buffer.data(), end, 'e');
+    const char* mark = std::find<const char*>(buffer.data(), end, 'e');
     int exponent = 0;
     std::from_chars(mark[1] == '+' ? mark + 2 : mark + 1, end, exponent);
     const auto digits = Parse({buffer.data(), static_cast<std::size_t>(mark - buffer.data())});
