@@ -18,8 +18,9 @@ UINT GetWindowsDirectoryW(WCHAR* buffer, UINT size);
 /// TMPDIR, else /tmp, with a "\" at its end; error 3 when no drive covers it.
 DWORD GetTempPathW(DWORD size, WCHAR* buffer);
 
-/// The host application's executable; `module` is null. Answers the length, 0 on failure. A path that does
-/// not fit is cut, at a character boundary in the 8-bit (UTF-8) form; the last error is then 122.
+/// The host application's executable; `module` is null. Answers the length, 0 on failure. Outside every drive
+/// it stands in "C:\Program Files". A path that does not fit is cut, at a character boundary in the 8-bit
+/// (UTF-8) form; the last error is then 122.
 DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD size);
 DWORD GetModuleFileNameA(HINSTANCE module, char* buffer, DWORD size);
 
