@@ -2,8 +2,8 @@
 
 namespace {
 
-constexpr OSType kVersionSelector = 0x7174696D; // 'qtim'
-constexpr std::int32_t kVersion = 0x07698000;   // 7.6.9, final
+constexpr OSType kVersionSelector = qt::Code("qtim");
+constexpr std::int32_t kVersion = 0x07698000; // 7.6.9, final
 constexpr OSErr kUnknownSelector = -5551;
 
 int g_layer_starts = 0;

@@ -1,10 +1,7 @@
 // Start, stop and version of the media layer.
 #pragma once
 
-#include <cstdint>
-
-using OSErr = std::int16_t;
-using OSType = std::uint32_t; ///< four-character code, first character in the most significant byte
+#include "platform/quicktime/types.h"
 
 /// Starts the media layer; then the movie toolbox. 0 on success. Each start has its stop, in reverse order.
 OSErr InitializeQTML(std::int32_t flags);

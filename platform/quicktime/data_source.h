@@ -1,0 +1,46 @@
+// Bytes that codecs read: a file, memory, or what an address on the web gave.
+#pragma once
+
+#include "platform/quicktime/types.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace qt {
+
+/// A run of bytes of known size, read at any offset.
+class DataSource {
+public:
+    DataSource() = default;
+    DataSource(const DataSource&) = delete;
+    DataSource& operator=(const DataSource&) = delete;
+    virtual ~DataSource() = default;
+
+    [[nodiscard]] virtual std::uint64_t GetSize() const noexcept = 0;
+
+    /// Fills the buffer from `offset` on and answers how many bytes it got: fewer than asked at the end of
+    /// the data, and where reading fails or a file has become shorter meanwhile. Never throws: codecs call
+    /// it from inside C libraries.
+    virtual std::size_t Read(std::uint64_t offset, std::span<std::byte> buffer) noexcept = 0;
+};
+
+/// A source, or why there is none. The source is null when the code is not 0.
+struct OpenedSource {
+    OSErr code = noErr;
+    std::unique_ptr<DataSource> source;
+};
+
+/// A regular file. Small reads go through a buffer of some KB, so that a header costs one or two reads.
+/// The file is not mapped: one that is cut meanwhile only ends early.
+OpenedSource OpenFileSource(const std::string& unix_path);
+
+/// Borrowed memory, which must outlive the source.
+std::unique_ptr<DataSource> MemorySource(std::span<const std::byte> bytes);
+/// Memory that the source owns.
+std::unique_ptr<DataSource> MemorySource(std::vector<std::byte> bytes);
+
+} // namespace qt

@@ -1,0 +1,53 @@
+// What an image format supplies: one file here and one row in table.cpp.
+#pragma once
+
+#include "platform/quicktime/data_source.h"
+#include "platform/quicktime/image_description.h"
+
+#include <span>
+
+namespace qt {
+
+inline constexpr std::uint32_t kMaximumDimension = 30'000; ///< pixels, either way
+
+struct ImageFacts {
+    ImageDescription description;
+    std::uint32_t image_count = 1;
+    std::uint64_t data_offset = 0; ///< of the image's data in its source, and its size, in bytes
+    std::uint64_t data_size = 0;
+};
+
+struct ImageCodec {
+    std::span<const OSType> types; ///< subtypes of the format's importer
+    /// Whether data that begins so (kSniffedBytes, or all of shorter data) is of this format.
+    bool (*sniff)(std::span<const std::byte> head);
+    /// Reads as much of the source as the facts need: headers, not pixels. codecBadDataErr for broken data,
+    /// codecSizeErr for dimensions above the limit, memFullErr.
+    ComponentResult (*read_facts)(DataSource& source, ImageFacts& facts);
+    bool validates; ///< read_facts fails on data that can't be decoded; else the format has no validation
+};
+
+inline constexpr std::size_t kSniffedBytes = 1024;
+
+std::span<const ImageCodec* const> ImageCodecs();
+/// The codec for data that begins so, or for a type; null when there is none.
+const ImageCodec* FindImageCodec(std::span<const std::byte> head);
+const ImageCodec* FindImageCodec(OSType type);
+
+/// Takes over the dimensions when they are within the limits.
+ComponentResult SetDimensions(ImageDescription& description, std::uint32_t width, std::uint32_t height);
+/// Dots per inch as fixed point; 72 for what is no positive number, and held at 32,767.
+Fixed FixedResolution(double dots_per_inch);
+
+/// Unsigned integers of files, most significant byte first.
+constexpr std::uint32_t BigEndian16(const std::byte* bytes) {
+    return std::to_integer<std::uint32_t>(bytes[0]) << 8 | std::to_integer<std::uint32_t>(bytes[1]);
+}
+constexpr std::uint32_t BigEndian32(const std::byte* bytes) {
+    return BigEndian16(bytes) << 16 | BigEndian16(bytes + 2);
+}
+
+extern const ImageCodec kJpegCodec;
+extern const ImageCodec kPngCodec;
+
+} // namespace qt

@@ -1,0 +1,49 @@
+#include "platform/quicktime/url_source.h"
+
+#include "platform/quicktime/modules/http_module.h"
+#include "platform/win32/modules.h"
+
+#include <new>
+#include <utility>
+
+namespace qt {
+namespace {
+
+bool Append(void* context, const char* bytes, std::size_t size) {
+    auto& body = *static_cast<std::vector<std::byte>*>(context);
+    const auto* first = reinterpret_cast<const std::byte*>(bytes);
+    try {
+        body.insert(body.end(), first, first + size);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    return true;
+}
+
+OSErr CodeOf(HttpOutcome outcome) {
+    switch (outcome) {
+    case kHttpOk: return noErr;
+    case kHttpBadAddress: return cantFindHandler;
+    case kHttpNotFound: return fnfErr;
+    case kHttpRefused: return cantOpenHandler;
+    case kHttpBroken: return ioErr;
+    case kHttpStopped: return memFullErr;
+    }
+    return cantOpenHandler;
+}
+
+} // namespace
+
+OpenedSource OpenUrlSource(const std::string& url, const UrlLimits& limits) {
+    // An address without its scheme would be taken for http by the library.
+    if (!url.starts_with("http://")) return {cantFindHandler, nullptr};
+    const auto* module = static_cast<const HttpModule*>(win32::LoadModule("http").table);
+    if (module == nullptr) return {cantFindHandler, nullptr};
+    const HttpLimits http_limits = {limits.bytes, limits.time.count(), limits.stall.count()};
+    std::vector<std::byte> body;
+    const OSErr code = CodeOf(module->fetch(url.c_str(), &http_limits, Append, &body));
+    if (code != noErr) return {code, nullptr};
+    return {noErr, MemorySource(std::move(body))};
+}
+
+} // namespace qt
