@@ -7,6 +7,7 @@
 #include "platform/fmwrapper/objects.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -61,7 +62,7 @@ public:
 
 private:
     std::vector<std::unique_ptr<Registration>> registrations_;
-    std::vector<std::pair<std::string, std::unique_ptr<FM_Data>>> variables_;
+    std::map<std::string, FM_Data> variables_;
 };
 
 } // namespace host

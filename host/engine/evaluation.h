@@ -1,0 +1,54 @@
+// Works out the value of a tree.
+#pragma once
+
+#include "host/engine/syntax.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace host {
+
+class Engine;
+
+/// One run of one calculation. A failure does not stop it: the failing part gives its value (mostly the
+/// empty text), and the first code stands for the whole.
+class Evaluation {
+public:
+    explicit Evaluation(Engine& engine) : engine_(engine) {}
+
+    FM_Data Value(const Expression& expression);
+
+    /// Takes `units` of text from the calculation's allowance (kMaxText in all, so that no calculation
+    /// grows without bounds). False, with the code kFM_ErrorOutOfMemory, when it is used up.
+    [[nodiscard]] bool Charge(std::size_t units);
+    /// Notes a code of the host, and for a helper's a message; the first one stands. Gives the empty text.
+    FM_Data Fail(FM_Error code, std::string message);
+
+    [[nodiscard]] Engine& GetEngine() { return engine_; }
+    [[nodiscard]] FM_Error Error() const { return error_; }
+    [[nodiscard]] const std::string& Message() const { return message_; }
+
+    static constexpr std::size_t kMaxText = std::size_t{512} << 20; ///< UTF-16 units: 1 GiB
+
+private:
+    FM_Data ValueOf(const Literal& literal);
+    FM_Data ValueOf(const LocalVariable& variable);
+    FM_Data ValueOf(const SessionVariable& variable);
+    FM_Data ValueOf(const Not& operation);
+    FM_Data ValueOf(const Negation& operation);
+    FM_Data ValueOf(const Chain& chain);
+    FM_Data ValueOf(const Let& let);
+    FM_Data ValueOf(const BuiltinCall& call);
+    FM_Data ValueOf(const ExternalCall& call);
+    FM_Data Joined(const Chain& chain);
+    FM_Data CopyOf(const FM_Data& value);
+
+    Engine& engine_;
+    std::vector<FM_Data> locals_;
+    std::size_t allowance_ = kMaxText;
+    FM_Error error_ = kFM_ErrorNone;
+    std::string message_;
+};
+
+} // namespace host
