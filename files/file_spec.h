@@ -41,7 +41,7 @@ public:
 
     /// Host path text: "filewin:/C:/Pictures/x.jpg", "image:x.jpg", "/C:/x", "//server/share/x", "x/y". With
     /// `has_prefix` a path-type word must be there, without it none may be (-50). Relative texts count from
-    /// the folder `base`; without one they give -120. The empty text is the base itself.
+    /// the folder `base`, which may be this object; without one they give -120. The empty text is the base.
     std::int32_t SetFromFileMakerPath(std::string_view text, const XFileSpec* base, bool has_prefix);
     std::int32_t SetFromFileMakerPath(std::string_view text, bool has_prefix);
 
@@ -86,6 +86,14 @@ public:
 
     [[nodiscard]] bool IsDirectory() const;
     [[nodiscard]] std::int32_t CheckExists() const;
+
+private:
+    /// The native path without a look at the disk: whether a folder's ends with "\" is open.
+    [[nodiscard]] std::string PlainNativePath() const;
+    /// CheckExists of a path that came as native one: the platform's numbers stand, but for -43 and -120.
+    [[nodiscard]] std::int32_t CheckNativeItem() const;
+    /// Takes folders and name from a text that begins with the separator.
+    void SplitPath(std::string_view text, char separator);
 };
 
 /// Drive letter and colon of the system folder; empty when the system does not tell.
