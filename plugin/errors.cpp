@@ -142,6 +142,12 @@ void CVSError::AppendMessage(std::string_view text) {
     if (!text.empty()) message_.append(" ").append(text);
 }
 
+std::int16_t CVSError::Fail(std::int32_t code, std::string_view detail) {
+    SetCode(code);
+    AppendMessage(detail);
+    return HostCode();
+}
+
 CVSError& LastError() {
     return g_last_error;
 }

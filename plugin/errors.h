@@ -8,6 +8,7 @@
 namespace corvane {
 
 inline constexpr std::int32_t kErrorUnknown = -1;
+inline constexpr std::int32_t kErrorUnknown2 = -2;
 inline constexpr std::int32_t kErrorNotImplemented = -4;
 inline constexpr std::int32_t kErrorOpenFailed = -34;
 inline constexpr std::int32_t kErrorNoSuchVolume = -35;
@@ -42,6 +43,9 @@ public:
     void SetMessage(std::string_view text);
     /// Adds a detail after a blank; an empty one changes nothing.
     void AppendMessage(std::string_view text);
+
+    /// Takes the code and adds a detail; answers what the handler answers the host.
+    std::int16_t Fail(std::int32_t code, std::string_view detail);
 
     [[nodiscard]] std::int32_t GetCode() const { return code_; }
     [[nodiscard]] const std::string& GetMessage() const { return message_; }

@@ -2,6 +2,8 @@
 
 #include "plugin/call_block.h"
 
+#include <limits>
+
 namespace corvane {
 namespace {
 
@@ -27,8 +29,9 @@ Text TextFromBytes(std::string_view bytes, FM_Encoding encoding) {
 }
 
 std::string TextAsUtf8(const FM_Text* text) {
-    // Four bytes a unit hold any text uncut.
+    // Four bytes a unit hold any text uncut, up to what the host can be asked for.
     const std::int32_t units = Host(FM_Text_GetSize, text);
+    if (units > (std::numeric_limits<std::int32_t>::max() - 1) / 4) throw std::bad_alloc();
     std::string bytes(static_cast<std::size_t>(units) * 4 + 1, '\0');
     Host(FM_Text_GetBytes, text, bytes.data(), static_cast<std::int32_t>(bytes.size()), 0, kFM_ToEnd,
          kFM_EncodingUTF8);
@@ -60,6 +63,10 @@ FM_Error SetResultNumber(FM_Data& result, double value) {
     const FixPt number(Host(FM_FixPt_Constructor1));
     Host(FM_FixPt_AssignDouble, number.get(), value);
     return Host(FM_Data_SetAsNumber, &result, number.get(), kFM_TypeNumber);
+}
+
+void ClearResult(FM_Data& result) {
+    SetResultText(result, NewText().get());
 }
 
 std::optional<std::string> EvaluateFilePath() {

@@ -108,6 +108,9 @@ FM_Error SetResultText(FM_Data& result, const FM_Text* text);
 FM_Error SetResultText(FM_Data& result, std::string_view utf8);
 FM_Error SetResultNumber(FM_Data& result, double value);
 
+/// Makes the result the empty text.
+void ClearResult(FM_Data& result);
+
 /// Path of the current database as host path text, asked of the running calculation; nothing when the host
 /// can't tell. Longer than 4,095 bytes is cut.
 std::optional<std::string> EvaluateFilePath();

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <string_view>
 
 namespace corvane {
@@ -36,7 +37,9 @@ Read<std::int32_t> ReadLongParameter(const FM_DataVect& parameters, std::int32_t
 
 Read<float> ReadNumberParameter(const FM_DataVect& parameters, std::int32_t index) {
     if (!HasParameter(parameters, index)) return {kErrorWrongParameter, 0};
-    return {0, static_cast<float>(Host(FM_FixPt_AsFloat, Host(FM_DataVect_AtAsNumber, &parameters, index)))};
+    const double number = Host(FM_FixPt_AsFloat, Host(FM_DataVect_AtAsNumber, &parameters, index));
+    constexpr double kLargest = std::numeric_limits<float>::max();
+    return {0, static_cast<float>(std::clamp(number, -kLargest, kLargest))};
 }
 
 Read<bool> ReadBooleanParameter(const FM_DataVect& parameters, std::int32_t index) {

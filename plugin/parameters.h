@@ -18,6 +18,7 @@ struct Read {
 /// Any value, in the host's conversion to text, as UTF-8.
 Read<std::string> ReadTextParameter(const FM_DataVect& parameters, std::int32_t index);
 Read<std::int32_t> ReadLongParameter(const FM_DataVect& parameters, std::int32_t index);
+/// Held at the ends of a float's range.
 Read<float> ReadNumberParameter(const FM_DataVect& parameters, std::int32_t index);
 
 /// "1", "true", "yes", "ja", "o", "j" and "y" in any case are true; every other text is false.

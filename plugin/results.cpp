@@ -5,6 +5,7 @@
 #include "plugin/host_data.h"
 
 #include <cstring>
+#include <limits>
 #include <string>
 #include <utility>
 
@@ -49,6 +50,7 @@ void AppendResultBufferText(std::string_view utf8) {
     if (g_buffer == nullptr) g_buffer = host.new_memory_block(0);
     if (g_buffer == nullptr) return;
     const std::int32_t size = host.memory_block_size(g_buffer);
+    if (utf8.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max() - size)) return;
     host.resize_memory_block(g_buffer, size + static_cast<std::int32_t>(utf8.size()));
     if (host.last_memory_error() != 0 || utf8.empty()) return;
     host.lock_memory_block(g_buffer);

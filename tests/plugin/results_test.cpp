@@ -1,0 +1,101 @@
+#include "plugin/results.h"
+
+#include "platform/fmwrapper/fault.h"
+#include "tests/support/calls.h"
+#include "tests/support/fake_host.h"
+
+#include <gtest/gtest.h>
+
+namespace corvane {
+namespace {
+
+class Results : public testing::Test {
+protected:
+    std::string Finish() {
+        FM_Data result;
+        FinishResult(result);
+        return utf::ToUtf8(result.AsText().units);
+    }
+    static FM_DataVect List(std::initializer_list<FM_Data> values) {
+        FM_DataVect list;
+        list.values = values;
+        return list;
+    }
+
+    test::FakeHost host;
+    std::int64_t objects_before = fm::LiveObjects();
+};
+
+TEST_F(Results, ABufferLivesFromItsFirstTextToItsDelivery) {
+    EXPECT_EQ(Finish(), "");
+    AppendResultBufferText("a");
+    AppendResultBufferText("");
+    AppendResultBufferText("\xC3\xA4\r");
+    EXPECT_EQ(ResultBufferSize(), 4);
+    EXPECT_EQ(Finish(), "a\xC3\xA4\r");
+    EXPECT_EQ(ResultBufferSize(), 0);
+    EXPECT_EQ(Finish(), "") << "nothing is left of the earlier text";
+    EXPECT_EQ(fm::LiveObjects(), objects_before);
+}
+
+TEST_F(Results, TheLastErrorStands) {
+    AppendResultBufferText("half a result");
+    ReportError(-43, "first");
+    ReportError(20103, "Empty Container");
+    EXPECT_EQ(Finish(), "$20103:Empty Container");
+    ReportError(0, "Cancel");
+    EXPECT_EQ(Finish(), "$0:Cancel");
+}
+
+TEST_F(Results, AnErrorTextIsCutAtACharacter) {
+    ReportError(-43, std::string(300, 'x'));
+    EXPECT_EQ(Finish(), "$-43:" + std::string(194, 'x'));
+    ReportError(-43, std::string(193, 'x') + "\xE2\x82\xAC" + "y");
+    EXPECT_EQ(Finish(), "$-43:" + std::string(193, 'x'));
+}
+
+TEST_F(Results, TextThatTheHostHasNoMemoryForIsLeftOut) {
+    SetResultBufferText("kept");
+    fm::FailOperation(0, kFM_StatusNoMemory, "ResizeMemoryBlock");
+    AppendResultBufferText(" lost");
+    EXPECT_EQ(Finish(), "kept");
+    fm::FailOperation(0, kFM_StatusNoMemory, "NewMemoryBlock");
+    AppendResultBufferText("lost");
+    EXPECT_EQ(Finish(), "");
+}
+
+TEST_F(Results, AContainerDropsTheText) {
+    SetResultBufferText("text");
+    FM_BinaryData container;
+    container.reference = u"image:a.jpg";
+    FM_Data result;
+    SetContainerResult(result, &container);
+    EXPECT_EQ(result.Type(), kFM_TypeContainer);
+    EXPECT_EQ(utf::ToUtf8(result.AsContainer().reference), "image:a.jpg");
+    EXPECT_EQ(ResultBufferSize(), 0);
+}
+
+TEST_F(Results, ChecksParameterCounts) {
+    const FM_DataVect none = List({});
+    const FM_DataVect two = List({test::TextValue("a"), test::TextValue("b")});
+    EXPECT_FALSE(CheckParameterCount(none, 0));
+    EXPECT_FALSE(CheckParameterCount(two, 2));
+    EXPECT_FALSE(CheckParameterCount(two, -1));
+    EXPECT_EQ(ResultBufferSize(), 0);
+    EXPECT_TRUE(CheckParameterCount(two, 0));
+    EXPECT_EQ(Finish(), "$20100:Requires no parameters");
+    EXPECT_TRUE(CheckParameterCount(two, 1));
+    EXPECT_EQ(Finish(), "$20100:Requires exactly one parameter");
+    EXPECT_TRUE(CheckParameterCount(none, 9));
+    EXPECT_EQ(Finish(), "$20100:Requires exactly 9 parameters");
+}
+
+TEST_F(Results, WantsTextWhereTextIsDue) {
+    const FM_DataVect list = List({test::TextValue("12"), test::NumberValue("12"), FM_Data()});
+    EXPECT_FALSE(RequireTextParameter(list, 0, "Parameter (path) must be text"));
+    EXPECT_TRUE(RequireTextParameter(list, 1, "Parameter (path) must be text"));
+    EXPECT_EQ(Finish(), "$20102:Parameter (path) must be text");
+}
+
+} // namespace
+} // namespace corvane
