@@ -1,0 +1,84 @@
+// Whatever operation of the host fails in whatever function: a code for the host, nothing leaked, nothing
+// left in the result, and the next call works.
+#include "platform/fmwrapper/fault.h"
+#include "plugin/errors.h"
+#include "plugin/results.h"
+#include "tests/plugin/started_host.h"
+
+#include <gtest/gtest.h>
+
+namespace corvane {
+namespace {
+
+struct Example {
+    std::int16_t id;
+    std::initializer_list<FM_Data> values;
+    std::string text; ///< of the result when nothing fails
+    FM_Error error = 0;
+};
+
+void SweepFailures(test::StartedHost& host, const Example& example, FM_Status status) {
+    const FM_Error code = status == kFM_StatusNoMemory ? FM_Error{-108} : FM_Error{-1};
+    const auto call = [&] { return host.CallFunction(example.id, example.values); };
+    const std::int64_t before = fm::OperationCount();
+    const test::Outcome usual = call();
+    const std::int64_t operations = fm::OperationCount() - before;
+    ASSERT_EQ(usual.text, example.text);
+    ASSERT_EQ(usual.error, example.error);
+    ASSERT_GT(operations, 0);
+    const std::int64_t objects = fm::LiveObjects();
+
+    int failed = 0;
+    for (std::int64_t after = 0; after < operations; ++after) {
+        fm::FailOperation(after, status);
+        const test::Outcome outcome = call();
+        fm::FailNothing();
+        EXPECT_EQ(fm::LiveObjects(), objects) << "operation " << after;
+        EXPECT_EQ(ResultBufferSize(), 0) << "operation " << after;
+        if (outcome.error == code && outcome.error != example.error) {
+            ++failed;
+            EXPECT_EQ(outcome.text, "") << "operation " << after;
+        } else {
+            EXPECT_EQ(outcome.error, example.error)
+                << "operation " << after; // a deletion, or a block not grown
+        }
+        const test::Outcome next = call();
+        EXPECT_EQ(next.text, example.text) << "after operation " << after;
+        EXPECT_EQ(next.error, example.error) << "after operation " << after;
+    }
+    EXPECT_GT(failed, 0);
+}
+
+TEST(HostFailure, EndsACallWithItsCodeAndNothingElse) {
+    test::StartedHost host;
+    const auto text = [](std::string_view utf8) { return test::TextValue(utf8); };
+    const std::string list = "Format: WAVE\rTrack 1\r  Volume: 256\r";
+    for (const Example& example : std::initializer_list<Example>{
+             {1, {text("long")}, "Corvane 10.0.3"},
+             {1, {text("other")}, ""},
+             {15, {text(list), text("Track 1/Volume")}, "256"},
+             {15, {text(list)}, "4"},
+             {15, {text(list), text("Track 2")}, "", -43},
+             {21, {text("volume")}, "1"},
+             {21, {text("quicktime")}, "769"},
+             {23, {text("rfworkaround"), text("1")}, "1"},
+             {23, {text("nothing")}, "", -50},
+             {60, {text("one too many")}, "$-4:Feature is not implemented yet."}}) {
+        SCOPED_TRACE(testing::PrintToString(example.id));
+        SweepFailures(host, example, kFM_StatusNoMemory);
+        SweepFailures(host, example, kFM_StatusFailed);
+    }
+}
+
+TEST(HostFailure, IsWhatTheLastErrorTells) {
+    test::StartedHost host;
+    fm::FailOperation(0, kFM_StatusNoMemory, "FM_DataVect_AtAsText");
+    EXPECT_EQ(host.CallFunction(21, {test::TextValue("volume")}).error, -108);
+    EXPECT_EQ(host.CallFunction(13, {}).text, "$-108:Media_Get: Memory full error.");
+    fm::FailOperation(0, kFM_StatusNoMemory, "FM_DataVect_AtAsText");
+    EXPECT_EQ(host.CallFunction(1, {test::TextValue("long")}).error, -108);
+    EXPECT_EQ(host.CallFunction(13, {}).text, "$-108:Media_Get: Memory full error.") << "not its record";
+}
+
+} // namespace
+} // namespace corvane
