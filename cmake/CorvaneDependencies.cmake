@@ -8,6 +8,7 @@ find_package(CURL REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 pkg_check_modules(GMPXX REQUIRED IMPORTED_TARGET gmpxx)
+pkg_check_modules(NETTLE REQUIRED IMPORTED_TARGET nettle)
 
 if(CORVANE_TESTS)
   find_package(GTest REQUIRED)

@@ -2,25 +2,18 @@
 #include "host/engine/engine.h"
 #include "host/engine/file_bytes.h"
 #include "host/engine/functions.h"
+#include "host/engine/stream_type.h"
 #include "platform/fmwrapper/session.h"
 #include "platform/text/utf.h"
 
 #include <algorithm>
 #include <chrono>
-#include <optional>
 #include <thread>
 
 namespace host::functions {
 namespace {
 
 constexpr FM_Error kFileNotFound = -43;
-
-std::optional<std::uint32_t> TypeCode(std::string_view type) {
-    if (type.size() != 4) return std::nullopt;
-    std::uint32_t code = 0;
-    for (const char character : type) code = (code << 8) | static_cast<unsigned char>(character);
-    return code;
-}
 
 FM_Data WrongType(const Arguments& arguments, const std::string& type) {
     return arguments.GetEvaluation().Fail(kFM_ErrorWrongParameter,
@@ -33,16 +26,20 @@ FM_Data ContainerOf(const FM_BinaryData& container) {
     return value;
 }
 
+// False, with the failure noted, where a person's own input counts.
+bool InputIsMadeUp(const Arguments& arguments) {
+    if (!fm::CurrentSession().windows) return true;
+    (void)arguments.GetEvaluation().Fail(kFM_ErrorWrongParameter, "input is made up with --ui none only");
+    return false;
+}
+
 FM_Data PressAfter(const Arguments& arguments, const std::string& key) {
-    fm::Session& desk = fm::CurrentSession();
-    if (desk.windows)
-        return arguments.GetEvaluation().Fail(kFM_ErrorWrongParameter,
-                                              "input can be made up with --ui none only");
+    if (!InputIsMadeUp(arguments)) return {};
     const auto delay = std::chrono::duration<double>(arguments.Seconds(0));
     const auto when = std::chrono::steady_clock::now() +
                       std::chrono::duration_cast<std::chrono::steady_clock::duration>(delay);
-    const auto later = std::ranges::upper_bound(desk.input, when, {}, &fm::InputEvent::when);
-    desk.input.insert(later, {when, key});
+    std::vector<fm::InputEvent>& input = fm::CurrentSession().input;
+    input.insert(std::ranges::upper_bound(input, when, {}, &fm::InputEvent::when), {when, key});
     return {};
 }
 
@@ -58,7 +55,7 @@ FM_Data HostContainer(const Arguments& arguments) {
     for (std::size_t i = 0; i + 1 < arguments.Count(); i += 2) {
         const std::string type = arguments.Utf8(i);
         const std::string path = arguments.Utf8(i + 1);
-        const auto code = TypeCode(type);
+        const auto code = StreamType(type);
         if (!code) return WrongType(arguments, type);
         std::string problem;
         auto bytes = FileBytes(path, problem);
@@ -78,7 +75,7 @@ FM_Data HostStream(const Arguments& arguments) {
     constexpr std::u16string_view kDigits = u"0123456789abcdef";
     const FM_Data value = arguments.Value(0);
     const std::string type = arguments.Utf8(1);
-    const auto code = TypeCode(type);
+    const auto code = StreamType(type);
     if (!code) return WrongType(arguments, type);
     const FM_BinaryData& container = value.AsContainer();
     const std::int32_t index = container.IndexOf(*code);
@@ -122,12 +119,14 @@ FM_Data HostKeyAfter(const Arguments& arguments) {
 }
 
 FM_Data HostWindow(const Arguments& arguments) {
+    if (!InputIsMadeUp(arguments)) return {};
     fm::CurrentSession().document_window = {Coordinate(arguments, 0), Coordinate(arguments, 1),
                                             Coordinate(arguments, 2), Coordinate(arguments, 3)};
     return {};
 }
 
 FM_Data HostPointer(const Arguments& arguments) {
+    if (!InputIsMadeUp(arguments)) return {};
     fm::CurrentSession().pointer = {Coordinate(arguments, 0), Coordinate(arguments, 1)};
     return {};
 }

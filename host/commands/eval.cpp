@@ -1,0 +1,90 @@
+#include "host/commands/commands.h"
+#include "host/commands/input_lines.h"
+#include "host/commands/json.h"
+#include "host/commands/output.h"
+#include "host/commands/results.h"
+
+#include <cstdio>
+#include <string_view>
+
+namespace host {
+namespace {
+
+class Evaluator {
+public:
+    Evaluator(Session& session, const CommandLine& line) : session_(session), line_(line) {}
+
+    // False when the command has to end: the status says why.
+    bool Run(std::string_view calculation, std::size_t first_line) {
+        ++number_;
+        const Outcome outcome = session_.Evaluate(calculation);
+        if (outcome.parse_error) {
+            Complain(ParseErrorReport(calculation, *outcome.parse_error, first_line));
+            status_ = kUsageError;
+            return false;
+        }
+        if (line_.json) {
+            output_.Buffer() += JsonOf(calculation, outcome);
+            output_.Buffer() += '\n';
+        } else {
+            AppendPlain(output_.Buffer(), outcome, line_.raw);
+        }
+        output_.EndPiece();
+        if (outcome.error != kFM_ErrorNone && !line_.json)
+            Complain("error " + std::to_string(outcome.error) + '\n');
+        if (!outcome.message.empty()) Complain("corvane: " + outcome.message + '\n');
+        if (line_.strict && status_ == 0 && IsFailure(outcome)) status_ = 1;
+        return Save(outcome.value) && output_.Good();
+    }
+
+    bool RunLines() {
+        InputLines lines([this] { output_.Flush(); });
+        std::size_t line_number = 0;
+        while (const auto line = lines.Next()) {
+            ++line_number;
+            const bool blank = line->find_first_not_of(" \t\r") == std::string_view::npos;
+            if (!blank && line->front() != '#' && !Run(*line, line_number)) return false;
+        }
+        return true;
+    }
+
+    int Finish() {
+        output_.Flush();
+        return output_.Good() ? status_ : kUsageError;
+    }
+
+private:
+    bool Save(const FM_Data& value) {
+        if (line_.save_streams.empty()) return true;
+        const std::string problem = SaveStreams(line_.save_streams, number_, value);
+        if (problem.empty()) return true;
+        Complain("corvane: " + problem + '\n');
+        status_ = kUsageError;
+        return false;
+    }
+
+    // What was shown before stands before the complaint where both go to one place.
+    void Complain(const std::string& text) {
+        output_.Flush();
+        std::fputs(text.c_str(), stderr);
+    }
+
+    Session& session_;
+    const CommandLine& line_;
+    Output output_;
+    std::size_t number_ = 0;
+    int status_ = 0;
+};
+
+} // namespace
+
+int Eval(Session& session, const CommandLine& line) {
+    Evaluator evaluator(session, line);
+    bool going = true;
+    if (line.arguments.empty()) going = evaluator.RunLines();
+    for (std::size_t i = 0; going && i < line.arguments.size(); ++i)
+        going = line.arguments[i] == "-" ? evaluator.RunLines() : evaluator.Run(line.arguments[i], 1);
+    return evaluator.Finish();
+}
+
+} // namespace host

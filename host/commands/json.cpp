@@ -1,0 +1,80 @@
+#include "host/commands/json.h"
+
+#include "host/engine/stream_type.h"
+#include "platform/text/utf.h"
+
+#include <array>
+#include <nettle/sha2.h>
+#include <nlohmann/json.hpp>
+
+namespace host {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string Line(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string Sha256(const fm::Bytes& bytes) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    sha256_ctx context;
+    std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest = {};
+    nettle_sha256_init(&context);
+    nettle_sha256_update(&context, bytes.size(), bytes.data());
+    nettle_sha256_digest(&context, digest.size(), digest.data());
+    std::string text;
+    for (const std::uint8_t byte : digest) {
+        text += kDigits[byte >> 4];
+        text += kDigits[byte & 0xF];
+    }
+    return text;
+}
+
+Json Streams(const FM_BinaryData& container) {
+    Json streams = Json::array();
+    for (const fm::Stream& stream : container.streams)
+        streams.push_back({{"type", StreamTypeText(stream.type)},
+                           {"size", stream.bytes->size()},
+                           {"sha256", Sha256(*stream.bytes)}});
+    return streams;
+}
+
+} // namespace
+
+std::string JsonOf(std::string_view calculation, const Outcome& outcome) {
+    const FM_Data& value = outcome.value;
+    Json json = {{"calc", calculation}, {"error", outcome.error}};
+    switch (value.Type()) {
+    case kFM_TypeContainer:
+        json["type"] = "container";
+        json["value"] = utf::ToUtf8(value.AsContainer().reference);
+        json["streams"] = Streams(value.AsContainer());
+        break;
+    case kFM_TypeNumber:
+        json["type"] = "number";
+        json["value"] = value.AsNumber().value.ToText();
+        break;
+    default: json["type"] = "text"; json["value"] = utf::ToUtf8(value.AsText().units);
+    }
+    return Line(json);
+}
+
+std::string JsonOf(const fm::ExternalFunction& function) {
+    return Line({{"id", function.id},
+                 {"name", utf::ToUtf8(function.name)},
+                 {"prototype", utf::ToUtf8(function.prototype)},
+                 {"min", function.minimum},
+                 {"max", function.maximum},
+                 {"flags", function.flags}});
+}
+
+std::string JsonOf(const PluginFacts& facts) {
+    return Line({{"name", facts.name},
+                 {"description", facts.description},
+                 {"options", facts.options},
+                 {"answer", facts.answer},
+                 {"version", facts.version}});
+}
+
+} // namespace host

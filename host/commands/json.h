@@ -1,0 +1,26 @@
+// JSON forms of what the commands show.
+#pragma once
+
+#include "host/engine/engine.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+/// What a plug-in says about itself.
+struct PluginFacts {
+    std::string name;
+    std::string description;
+    std::string options;
+    std::intptr_t answer = 0; ///< to its start-up call
+    std::string version;      ///< empty when the plug-in has no function that tells it
+};
+
+/// Each one line, without its end. Malformed UTF-8 becomes U+FFFD.
+std::string JsonOf(std::string_view calculation, const Outcome& outcome);
+std::string JsonOf(const fm::ExternalFunction& function);
+std::string JsonOf(const PluginFacts& facts);
+
+} // namespace host

@@ -1,0 +1,30 @@
+// Standard output, written in large pieces.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace host {
+
+class Output {
+public:
+    Output();
+    ~Output() { Flush(); }
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+
+    /// Text to add to; EndPiece follows.
+    std::string& Buffer() { return buffer_; }
+    /// Writes when enough has gathered; on a terminal at once.
+    void EndPiece();
+    void Flush();
+    /// False once writing has failed; later text is dropped.
+    [[nodiscard]] bool Good() const { return good_; }
+
+private:
+    std::string buffer_;
+    bool terminal_;
+    bool good_ = true;
+};
+
+} // namespace host
