@@ -5,36 +5,16 @@
 #include "platform/win32/message_box.h"
 #include "platform/win32/strings.h"
 #include "platform/win32/version.h"
+#include "tests/support/environment_variable.h"
 #include "tests/support/fake_host.h"
 
 #include <array>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <string_view>
 
 namespace {
 
-// An environment variable that gets its value back at the end.
-class Variable {
-public:
-    Variable(const char* name, const std::string& value) : name_(name) {
-        if (const char* old = std::getenv(name)) old_ = old;
-        setenv(name, value.c_str(), 1);
-    }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
-    ~Variable() {
-        if (old_) {
-            setenv(name_, old_->c_str(), 1);
-        } else {
-            unsetenv(name_);
-        }
-    }
-
-private:
-    const char* name_;
-    std::optional<std::string> old_;
-};
+using corvane::test::EnvironmentVariable;
 
 struct Desk : testing::Test {
     Desk() { c = drives.Map("C:", "c"); }
@@ -45,21 +25,21 @@ struct Desk : testing::Test {
 TEST_F(Desk, TemporaryFolder) {
     std::array<WCHAR, 300> path{};
     {
-        const Variable temporary("TMPDIR", c + "/tmp/../Täg/");
+        const EnvironmentVariable temporary("TMPDIR", c + "/tmp/../Täg/");
         EXPECT_EQ(GetTempPathW(300, path.data()), 7U);
         EXPECT_EQ(std::u16string_view(path.data()), u"C:\\Täg\\");
         path.fill(u'x');
         EXPECT_EQ(GetTempPathW(7, path.data()), 8U) << "the room that it needs";
         EXPECT_EQ(path[0], u'x');
     }
-    const Variable outside("TMPDIR", "/outside");
+    const EnvironmentVariable outside("TMPDIR", "/outside");
     EXPECT_EQ(GetTempPathW(300, path.data()), 0U);
     EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
 }
 
 TEST_F(Desk, DesktopFolderOfTheUsersList) {
-    const Variable home("HOME", c);
-    const Variable configuration("XDG_CONFIG_HOME", "");
+    const EnvironmentVariable home("HOME", c);
+    const EnvironmentVariable configuration("XDG_CONFIG_HOME", std::nullopt);
     const auto desktop = [] {
         std::array<WCHAR, MAX_PATH> path{};
         const HRESULT result = SHGetFolderPathW(nullptr, CSIDL_DESKTOPDIRECTORY, nullptr, 0, path.data());
@@ -69,7 +49,7 @@ TEST_F(Desk, DesktopFolderOfTheUsersList) {
     drives.MakeFile("c/.config/user-dirs.dirs", "# XDG_DESKTOP_DIR=\"/no\"\nXDG_MUSIC_DIR=\"$HOME/M\"\n  "
                                                 "XDG_DESKTOP_DIR=\"$HOME/Schreib\\$tisch\"\n");
     EXPECT_EQ(desktop(), u"C:\\Schreib$tisch");
-    const Variable other("XDG_CONFIG_HOME", c + "/other");
+    const EnvironmentVariable other("XDG_CONFIG_HOME", c + "/other");
     drives.MakeFile("c/other/user-dirs.dirs", "XDG_DESKTOP_DIR=\"" + c + "/elsewhere\"");
     EXPECT_EQ(desktop(), u"C:\\elsewhere");
     drives.MakeFile("c/other/user-dirs.dirs", "XDG_DESKTOP_DIR=\"/outside\"\n");
