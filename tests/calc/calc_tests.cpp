@@ -140,6 +140,7 @@ public:
         const std::string text(std::istreambuf_iterator<char>(stream), {});
         try {
             const File file = Parse(text);
+            if (file.steps.empty()) throw FormatError(1, "nothing is tested here");
             const std::int64_t objects = fm::LiveObjects();
             Run(file);
             EXPECT_EQ(fm::LiveObjects(), objects) << "host objects are left over at the end of the session";
