@@ -1,0 +1,79 @@
+#include "platform/quicktime/url_source.h"
+
+#include "tests/support/http_server.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdlib>
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+class UrlSources : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() { setenv("no_proxy", "*", 1); }
+
+    OSErr Code(const std::string& page, const qt::UrlLimits& limits = {}) {
+        const auto begin = Clock::now();
+        const qt::OpenedSource opened = qt::OpenUrlSource(server_.Url(page), limits);
+        took_ = Clock::now() - begin;
+        EXPECT_EQ(opened.source != nullptr, opened.code == noErr);
+        return opened.code;
+    }
+
+    corvane::test::HttpServer server_;
+    Clock::duration took_{};
+};
+
+TEST_F(UrlSources, ThePageIsReadAsItIs) {
+    for (const char* page : {"bytes", "moved"}) {
+        const qt::OpenedSource opened = qt::OpenUrlSource(server_.Url(page));
+        ASSERT_EQ(opened.code, noErr) << page;
+        ASSERT_EQ(opened.source->GetSize(), 1000U);
+        std::array<std::byte, 1000> bytes{};
+        ASSERT_EQ(opened.source->Read(0, bytes), bytes.size());
+        for (std::size_t i = 0; i < bytes.size(); ++i) ASSERT_EQ(bytes[i], static_cast<std::byte>(i % 250));
+    }
+}
+
+TEST_F(UrlSources, StatusesAndRedirects) {
+    EXPECT_EQ(Code("status-404"), fnfErr);
+    EXPECT_EQ(Code("status-410"), fnfErr);
+    EXPECT_EQ(Code("status-403"), cantOpenHandler);
+    EXPECT_EQ(Code("status-500"), cantOpenHandler);
+    EXPECT_EQ(Code("loop"), cantOpenHandler);
+    EXPECT_EQ(Code("to-file"), cantFindHandler);
+    EXPECT_EQ(Code("to-https"), cantFindHandler);
+    EXPECT_EQ(Code("to-ftp"), cantFindHandler);
+}
+
+TEST_F(UrlSources, OnlyHttpAddresses) {
+    for (const char* url : {"file:///etc/hostname", "https://127.0.0.1/", "HTTP://127.0.0.1/", "127.0.0.1",
+                            "", "http://", "http://:80:80/", "http:// /"}) {
+        EXPECT_EQ(qt::OpenUrlSource(url).code, cantFindHandler) << url;
+    }
+    EXPECT_EQ(qt::OpenUrlSource("http://127.0.0.1:1/").code, cantOpenHandler);
+}
+
+TEST_F(UrlSources, LimitsHold) {
+    EXPECT_EQ(Code("bytes", {.bytes = 1000}), noErr);
+    EXPECT_EQ(Code("bytes", {.bytes = 999}), memFullErr);
+    EXPECT_EQ(Code("huge"), memFullErr);
+    EXPECT_EQ(Code("endless", {.bytes = 3'000'000}), memFullErr);
+    EXPECT_EQ(Code("slow", {.time = 500ms}), cantOpenHandler);
+    EXPECT_LT(took_, 5s);
+    EXPECT_EQ(Code("silent", {.time = 500ms}), cantOpenHandler);
+    EXPECT_LT(took_, 5s);
+    EXPECT_EQ(Code("slow", {.time = 20s, .stall = 1s}), cantOpenHandler);
+    EXPECT_LT(took_, 10s);
+}
+
+TEST_F(UrlSources, BrokenTransfers) {
+    EXPECT_EQ(Code("broken"), ioErr);
+    EXPECT_NE(Code("nonsense"), noErr);
+}
+
+} // namespace

@@ -1,0 +1,43 @@
+// Image files made by ImageMagick in a scratch folder.
+#pragma once
+
+#include "platform/quicktime/data_source.h"
+#include "tests/support/fake_host.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace corvane::test {
+
+using Bytes = std::vector<std::byte>;
+
+inline Bytes FileBytes(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    const auto* first = reinterpret_cast<const std::byte*>(text.data());
+    return {first, first + text.size()};
+}
+
+class MadeImages {
+public:
+    /// Runs convert with these arguments and the output file `name`; returns the file's path.
+    [[nodiscard]] std::string Make(const std::string& arguments, const std::string& name) const {
+        const std::string path = folder.Path(name.substr(name.find(':') + 1));
+        const std::string prefix = name.substr(0, name.find(':') + 1); // "png8:x.png"
+        const std::string command = "/usr/bin/convert " + arguments + " '" + prefix + path + "'";
+        if (std::system(command.c_str()) != 0) throw std::runtime_error(command);
+        return path;
+    }
+
+    [[nodiscard]] Bytes MakeBytes(const std::string& arguments, const std::string& name) const {
+        return FileBytes(Make(arguments, name));
+    }
+
+    ScratchDrives folder;
+};
+
+} // namespace corvane::test
