@@ -45,8 +45,11 @@ install_packages() {
     fi
     # The lists may be old or, on a fresh machine, not there at all. A package that is listed already can
     # still be installed when one of several sources does not answer now.
-    $as_root apt-get -qq -o DPkg::Lock::Timeout=600 update >&2 || say "some package lists could not be renewed"
-    $as_root apt-get -qq -o DPkg::Lock::Timeout=600 install --no-install-recommends -y $missing >&2
+    mkdir -p "$root/build" || return 1
+    run_logged "$root/build/packages.log" $as_root apt-get -qq -o DPkg::Lock::Timeout=600 update ||
+        say "some package lists could not be renewed"
+    run_logged "$root/build/packages.log" $as_root apt-get -qq -o DPkg::Lock::Timeout=600 \
+        install --no-install-recommends -y $missing
 }
 
 # configured PRESET: its build folder is there, and is of this tree (a tree that was moved is not).
