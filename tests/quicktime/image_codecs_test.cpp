@@ -82,7 +82,6 @@ constexpr Sample kSamples[] = {
      72, 72, false},
     {"-size 64x48 plasma: -colors 3 -define png:color-type=3 -define png:bit-depth=2", "p2.png", 64, 48, 2,
      72, 72, false},
-    {"-size 32x48 xc:red xc:blue +append", "png8:p1.png", 64, 48, 1, 72, 72, false},
     {"-size 64x48 gradient: -define png:color-type=0 -define png:bit-depth=8", "g8.png", 64, 48, 40, 72, 72,
      false},
     {"-size 64x48 gradient: -define png:color-type=0 -define png:bit-depth=16", "g16.png", 64, 48, 40, 72, 72,
