@@ -318,7 +318,7 @@ bool Parser::ParseArguments(std::vector<Expression>& arguments, bool lists) {
         Advance();
         return true;
     }
-    FailUnexpected("\";\" or \")\"");
+    FailUnexpected("\")\" or \";\"");
     return false;
 }
 
