@@ -2,6 +2,8 @@
 # tree: installing what packages.txt lists, configuring and building. Progress goes to standard error.
 
 export DEBIAN_FRONTEND=noninteractive
+# What one clone of the tree has compiled serves all of them.
+export CCACHE_BASEDIR="$root" CCACHE_NOHASHDIR=1
 
 say() {
     printf 'corvane: %s\n' "$*" >&2
