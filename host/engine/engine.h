@@ -36,6 +36,9 @@ public:
     std::string database;
     /// Version text of the application ("10.0v1").
     std::string application_version;
+    /// How much text one calculation may make in all, in UTF-16 units (1 GiB), so that none grows without
+    /// bounds.
+    std::size_t text_allowance = std::size_t{512} << 20;
     /// Called again and again while HostPump lets time pass.
     std::function<void()> on_idle;
 

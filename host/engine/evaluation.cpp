@@ -9,6 +9,8 @@
 
 namespace host {
 
+Evaluation::Evaluation(Engine& engine) : engine_(engine), allowance_(engine.text_allowance) {}
+
 FM_Data Evaluation::Value(const Expression& expression) {
     return std::visit([this](const auto& node) { return ValueOf(node); }, expression.node);
 }
@@ -18,7 +20,7 @@ bool Evaluation::Charge(std::size_t units) {
         allowance_ -= units;
         return true;
     }
-    (void)Fail(kFM_ErrorOutOfMemory, "the calculation makes more than 1 GiB of text");
+    (void)Fail(kFM_ErrorOutOfMemory, "the calculation makes too much text");
     return false;
 }
 

@@ -15,12 +15,12 @@ class Engine;
 /// empty text), and the first code stands for the whole.
 class Evaluation {
 public:
-    explicit Evaluation(Engine& engine) : engine_(engine) {}
+    explicit Evaluation(Engine& engine);
 
     FM_Data Value(const Expression& expression);
 
-    /// Takes `units` of text from the calculation's allowance (kMaxText in all, so that no calculation
-    /// grows without bounds). False, with the code kFM_ErrorOutOfMemory, when it is used up.
+    /// Takes `units` of text from the calculation's allowance (Engine::text_allowance). False, with the
+    /// code kFM_ErrorOutOfMemory, when it is used up.
     [[nodiscard]] bool Charge(std::size_t units);
     /// Notes a code of the host, and for a helper's a message; the first one stands. Gives the empty text.
     FM_Data Fail(FM_Error code, std::string message);
@@ -28,8 +28,6 @@ public:
     [[nodiscard]] Engine& GetEngine() { return engine_; }
     [[nodiscard]] FM_Error Error() const { return error_; }
     [[nodiscard]] const std::string& Message() const { return message_; }
-
-    static constexpr std::size_t kMaxText = std::size_t{512} << 20; ///< UTF-16 units: 1 GiB
 
 private:
     FM_Data ValueOf(const Literal& literal);
@@ -46,7 +44,7 @@ private:
 
     Engine& engine_;
     std::vector<FM_Data> locals_;
-    std::size_t allowance_ = kMaxText;
+    std::size_t allowance_;
     FM_Error error_ = kFM_ErrorNone;
     std::string message_;
 };

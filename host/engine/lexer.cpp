@@ -35,9 +35,9 @@ constexpr auto kSymbols = std::to_array<SymbolSpelling>({
 });
 
 const SymbolSpelling* SymbolAt(std::string_view rest) {
-    const auto found = std::ranges::find_if(
-        kSymbols, [&](const SymbolSpelling& symbol) { return rest.starts_with(symbol.written); });
-    return found == kSymbols.end() ? nullptr : found;
+    for (const SymbolSpelling& symbol : kSymbols)
+        if (symbol.written.front() == rest.front() && rest.starts_with(symbol.written)) return &symbol;
+    return nullptr;
 }
 
 // A name ends where a symbol outside ASCII, a pilcrow or a no-break space begins.

@@ -11,26 +11,30 @@
 namespace host {
 namespace {
 
-struct Spelling {
+struct OperatorSpelling {
     std::string_view written;
+    std::size_t rank; ///< 0 binds loosest
     Operator meaning;
 };
 
-constexpr auto kAlternatives = std::to_array<Spelling>({{"or", Operator::kOr}, {"xor", Operator::kXor}});
-constexpr auto kConjunctions = std::to_array<Spelling>({{"and", Operator::kAnd}});
-constexpr auto kComparisons = std::to_array<Spelling>({{"=", Operator::kEqual},
-                                                       {"<>", Operator::kNotEqual},
-                                                       {"<", Operator::kLess},
-                                                       {">", Operator::kGreater},
-                                                       {"<=", Operator::kLessOrEqual},
-                                                       {">=", Operator::kGreaterOrEqual}});
-constexpr auto kJoins = std::to_array<Spelling>({{"&", Operator::kJoin}});
-constexpr auto kSums = std::to_array<Spelling>({{"+", Operator::kAdd}, {"-", Operator::kSubtract}});
-constexpr auto kProducts = std::to_array<Spelling>({{"*", Operator::kMultiply}, {"/", Operator::kDivide}});
-
-constexpr std::array<std::span<const Spelling>, 6> kRanks = {kAlternatives, kConjunctions, kComparisons,
-                                                             kJoins,        kSums,         kProducts};
+constexpr auto kOperators = std::to_array<OperatorSpelling>({
+    {"or", 0, Operator::kOr},
+    {"xor", 0, Operator::kXor},
+    {"and", 1, Operator::kAnd},
+    {"=", 2, Operator::kEqual},
+    {"<>", 2, Operator::kNotEqual},
+    {"<", 2, Operator::kLess},
+    {">", 2, Operator::kGreater},
+    {"<=", 2, Operator::kLessOrEqual},
+    {">=", 2, Operator::kGreaterOrEqual},
+    {"&", 3, Operator::kJoin},
+    {"+", 4, Operator::kAdd},
+    {"-", 4, Operator::kSubtract},
+    {"*", 5, Operator::kMultiply},
+    {"/", 5, Operator::kDivide},
+});
 constexpr std::size_t kConjunctionRank = 1;
+constexpr std::size_t kRankCount = 6;
 
 constexpr auto kReservedWords = std::to_array<std::string_view>({"and", "or", "xor", "not", "true", "false"});
 
@@ -107,38 +111,39 @@ bool Parser::Expect(std::string_view symbol) {
     return true;
 }
 
-std::optional<Operator> Parser::OperatorOfRank(std::size_t rank) const {
-    if (token_.kind != TokenKind::kSymbol && token_.kind != TokenKind::kName) return std::nullopt;
+void Parser::Advance() {
+    token_ = lexer_.Next();
+    operator_rank_ = kNoOperator;
+    if (token_.kind != TokenKind::kSymbol && token_.kind != TokenKind::kName) return;
     const std::string_view written =
         token_.kind == TokenKind::kName ? std::string_view(token_.value) : token_.text;
-    for (const Spelling& spelling : kRanks[rank])
-        if (spelling.written == written) return spelling.meaning;
-    return std::nullopt;
+    const auto found = std::ranges::find(kOperators, written, &OperatorSpelling::written);
+    if (found == kOperators.end()) return;
+    operator_rank_ = found->rank;
+    operator_ = found->meaning;
 }
 
 std::optional<Expression> Parser::ParseRank(std::size_t rank) {
     const auto parse_operand = [&] {
         if (rank == kConjunctionRank) return ParseNot(rank + 1);
-        return rank + 1 < kRanks.size() ? ParseRank(rank + 1) : ParseSigned();
+        return rank + 1 < kRankCount ? ParseRank(rank + 1) : ParseSigned();
     };
     auto first = parse_operand();
-    auto operation = OperatorOfRank(rank);
-    if (!first || !operation) return first;
+    if (!first || operator_rank_ != rank) return first;
     Chain chain;
     chain.operands.push_back(std::move(*first));
-    while (operation) {
+    while (operator_rank_ == rank) {
+        chain.operators.push_back(operator_);
         Advance();
         auto operand = parse_operand();
         if (!operand) return std::nullopt;
-        chain.operators.push_back(*operation);
         chain.operands.push_back(std::move(*operand));
-        operation = OperatorOfRank(rank);
     }
     return Expression{std::move(chain)};
 }
 
 std::unique_ptr<Expression> Parser::ParseOperand(std::size_t rank) {
-    auto operand = rank < kRanks.size() ? ParseNot(rank) : ParseSigned();
+    auto operand = rank < kRankCount ? ParseNot(rank) : ParseSigned();
     return operand ? std::make_unique<Expression>(std::move(*operand)) : nullptr;
 }
 
@@ -160,7 +165,7 @@ std::optional<Expression> Parser::ParseSigned() {
     const Nesting nesting(depth_);
     if (depth_ > kMaxDepth) return Fail(token_.offset, "nested too deeply");
     Advance();
-    auto operand = ParseOperand(kRanks.size());
+    auto operand = ParseOperand(kRankCount);
     if (!operand) return std::nullopt;
     if (inverted) return Expression{Not{std::move(operand)}};
     if (negated) return Expression{Negation{std::move(operand)}};

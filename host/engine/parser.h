@@ -5,6 +5,7 @@
 #include "host/engine/lexer.h"
 #include "host/engine/syntax.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -42,16 +43,19 @@ private:
 
     [[nodiscard]] bool At(std::string_view symbol) const;
     [[nodiscard]] bool AtWord(std::string_view word) const;
-    [[nodiscard]] std::optional<Operator> OperatorOfRank(std::size_t rank) const;
-    void Advance() { token_ = lexer_.Next(); }
+    void Advance();
     bool Expect(std::string_view symbol);
     std::nullopt_t Fail(std::size_t offset, std::string message);
     std::nullopt_t FailUnexpected(const std::string& expected);
+
+    static constexpr std::size_t kNoOperator = SIZE_MAX;
 
     std::string_view source_;
     Lexer lexer_;
     const Engine& engine_;
     Token token_;
+    std::size_t operator_rank_ = kNoOperator; ///< of token_, when it is an operator
+    Operator operator_ = Operator::kOr;
     std::vector<std::string> locals_;
     int depth_ = 0;
     std::optional<ParseError> error_;

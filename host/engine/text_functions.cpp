@@ -130,11 +130,10 @@ FM_Data Substitute(const Arguments& arguments) {
         const std::u16string replacement = arguments.Text(i + 1);
         const std::size_t count = CountOf(text, search);
         if (count == 0) continue;
+        constexpr std::size_t kMost = std::size_t{1} << 40; // far above any allowance, far from overflow
         const std::size_t kept = text.size() - count * search.size();
-        const std::size_t grown = replacement.size() > Evaluation::kMaxText / count
-                                      ? Evaluation::kMaxText + 1
-                                      : kept + count * replacement.size();
-        if (!arguments.GetEvaluation().Charge(grown)) return {};
+        const std::size_t added = replacement.size() > kMost / count ? kMost : count * replacement.size();
+        if (!arguments.GetEvaluation().Charge(kept + added)) return {};
         text = Replaced(text, search, replacement);
     }
     return TextOf(std::move(text));
