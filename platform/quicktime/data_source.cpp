@@ -62,17 +62,7 @@ public:
 
 private:
     std::size_t ReadFile(std::uint64_t offset, std::span<std::byte> buffer) const noexcept {
-        std::size_t done = 0;
-        while (done < buffer.size() && offset + done < size_) {
-            const auto count = ::pread(descriptor_, buffer.data() + done, buffer.size() - done,
-                                       static_cast<off_t>(offset + done));
-            if (count > 0) {
-                done += static_cast<std::size_t>(count);
-            } else if (count == 0 || errno != EINTR) {
-                break;
-            }
-        }
-        return done;
+        return ReadFileAt(descriptor_, size_, offset, buffer);
     }
 
     int descriptor_ = -1;
@@ -97,6 +87,22 @@ private:
 };
 
 } // namespace
+
+std::size_t ReadFileAt(int descriptor, std::uint64_t end, std::uint64_t offset,
+                       std::span<std::byte> buffer) noexcept {
+    std::size_t done = 0;
+    while (done < buffer.size() && offset + done < end) {
+        const std::uint64_t wanted = std::min<std::uint64_t>(buffer.size() - done, end - offset - done);
+        const auto count = ::pread(descriptor, buffer.data() + done, static_cast<std::size_t>(wanted),
+                                   static_cast<off_t>(offset + done));
+        if (count > 0) {
+            done += static_cast<std::size_t>(count);
+        } else if (count == 0 || errno != EINTR) {
+            break;
+        }
+    }
+    return done;
+}
 
 OpenedSource OpenFileSource(const std::string& unix_path) {
     auto source = std::make_unique<FileSource>();

@@ -34,6 +34,10 @@ struct OpenedSource {
     std::unique_ptr<DataSource> source;
 };
 
+/// Fills the buffer from `offset` of an open file, but not beyond `end`, and answers how many bytes it got.
+std::size_t ReadFileAt(int descriptor, std::uint64_t end, std::uint64_t offset,
+                       std::span<std::byte> buffer) noexcept;
+
 /// A regular file. Small reads go through a buffer of some KB, so that a header costs one or two reads.
 /// The file is not mapped: one that is cut meanwhile only ends early.
 OpenedSource OpenFileSource(const std::string& unix_path);

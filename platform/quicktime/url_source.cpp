@@ -4,6 +4,7 @@
 #include "platform/win32/modules.h"
 
 #include <new>
+#include <string_view>
 #include <utility>
 
 namespace qt {
@@ -32,6 +33,19 @@ OSErr CodeOf(HttpOutcome outcome) {
     return cantOpenHandler;
 }
 
+/// People write blanks in addresses; servers want them escaped.
+std::string EscapeBlanks(std::string_view url) {
+    std::string escaped;
+    for (const char character : url) {
+        if (character == ' ') {
+            escaped += "%20";
+        } else {
+            escaped += character;
+        }
+    }
+    return escaped;
+}
+
 } // namespace
 
 OpenedSource OpenUrlSource(const std::string& url, const UrlLimits& limits) {
@@ -41,7 +55,7 @@ OpenedSource OpenUrlSource(const std::string& url, const UrlLimits& limits) {
     if (module == nullptr) return {cantFindHandler, nullptr};
     const HttpLimits http_limits = {limits.bytes, limits.time.count(), limits.stall.count()};
     std::vector<std::byte> body;
-    const OSErr code = CodeOf(module->fetch(url.c_str(), &http_limits, Append, &body));
+    const OSErr code = CodeOf(module->fetch(EscapeBlanks(url).c_str(), &http_limits, Append, &body));
     if (code != noErr) return {code, nullptr};
     return {noErr, MemorySource(std::move(body))};
 }

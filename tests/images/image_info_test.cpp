@@ -71,9 +71,9 @@ TEST_F(ImageInfo, OfAFileAStreamAndAWrappedStream) {
 
 TEST_F(ImageInfo, OfAnAddress) {
     setenv("no_proxy", "*", 1);
-    const auto bytes = images_.MakeBytes("-size 64x48 plasma:", "png24:drive/a.png");
+    const auto bytes = images_.MakeBytes("-size 64x48 plasma:", "png24:drive/a b.png");
     const corvane::test::HttpServer server(images_.folder.Path("drive"));
-    EXPECT_EQ(Info(TextValue(server.Url("a.png") + "\rmore")), Text(48, 64, 1024, 72, 72, bytes.size()));
+    EXPECT_EQ(Info(TextValue(server.Url("a b.png") + "\rmore")), Text(48, 64, 1024, 72, 72, bytes.size()));
     EXPECT_EQ(Info(TextValue(server.Url("status-404"))), "$-43:Could not find referenced image file");
     EXPECT_EQ(Info(TextValue(server.Url("status-500"))), "$-2004:Could not find referenced image file");
     EXPECT_EQ(Info(TextValue(server.Url("bytes"))), "$-2005:Could not find referenced image file");

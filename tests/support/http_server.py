@@ -5,6 +5,7 @@ import os
 import sys
 import threading
 import time
+import urllib.parse
 
 
 class Pages(http.server.BaseHTTPRequestHandler):
@@ -64,7 +65,7 @@ class Pages(http.server.BaseHTTPRequestHandler):
         elif page == "nonsense":
             self.wfile.write(b"\0\1\2 nothing like it\r\n\r\n")
         else:
-            self.answer_file(os.path.join(sys.argv[1], page))
+            self.answer_file(os.path.join(sys.argv[1], urllib.parse.unquote(page)))
 
 
 server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Pages)
