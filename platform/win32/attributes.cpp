@@ -12,13 +12,21 @@
 namespace win32 {
 namespace {
 
-// The attribute bits that a file server keeps with an entry: as text ("0x22"), or, since version 3, as an
-// empty text and a little-endian record with the version at byte 2, flags of its valid fields at byte 8 and
-// the attributes at byte 12.
-DWORD StoredAttributes(const std::string& unix_path) {
+bool IsHidden(const std::string& unix_path) {
+    const auto slash = unix_path.rfind('/');
+    if (slash != std::string::npos && unix_path.size() > slash + 1 && unix_path[slash + 1] == '.')
+        return true;
+    return (StoredAttributes(unix_path).value_or(0) & FILE_ATTRIBUTE_HIDDEN) != 0;
+}
+
+} // namespace
+
+// As text ("0x22"), or, since version 3, as an empty text and a little-endian record with the version at byte
+// 2, flags of its valid fields at byte 8 and the attributes at byte 12.
+std::optional<DWORD> StoredAttributes(const std::string& unix_path) {
     std::array<unsigned char, 128> value{};
     const ssize_t size = getxattr(unix_path.c_str(), "user.DOSATTRIB", value.data(), value.size());
-    if (size <= 0) return 0;
+    if (size <= 0) return std::nullopt;
     const std::string_view text(reinterpret_cast<const char*>(value.data()), static_cast<std::size_t>(size));
     if (text.starts_with("0x")) {
         DWORD attributes = 0;
@@ -29,15 +37,6 @@ DWORD StoredAttributes(const std::string& unix_path) {
     const bool is_record = text.size() >= 16 && value[0] == 0 && value[2] >= 3;
     return is_record && (value[8] & kAttributesAreValid) != 0 ? value[12] : 0;
 }
-
-bool IsHidden(const std::string& unix_path) {
-    const auto slash = unix_path.rfind('/');
-    if (slash != std::string::npos && unix_path.size() > slash + 1 && unix_path[slash + 1] == '.')
-        return true;
-    return (StoredAttributes(unix_path) & FILE_ATTRIBUTE_HIDDEN) != 0;
-}
-
-} // namespace
 
 DWORD AttributesOf(const struct stat& status, const std::string& unix_path) {
     DWORD attributes = 0;

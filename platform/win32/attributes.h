@@ -3,6 +3,7 @@
 
 #include "platform/win32/types.h"
 
+#include <optional>
 #include <string>
 #include <sys/stat.h>
 
@@ -20,8 +21,12 @@ DWORD GetFileAttributesW(const WCHAR* path);
 
 namespace win32 {
 
+/// The attribute bits that a file server has noted with the entry at a Unix path, in the extended attribute
+/// user.DOSATTRIB; nullopt when it has noted none.
+std::optional<DWORD> StoredAttributes(const std::string& unix_path);
+
 /// Attributes of the entry at a Unix path, given its own status (lstat). Hidden is a name that begins with
-/// "." or whose extended attribute user.DOSATTRIB, as file servers keep it, has the hidden bit.
+/// ".", or one that a file server has noted as hidden.
 DWORD AttributesOf(const struct stat& status, const std::string& unix_path);
 
 } // namespace win32
