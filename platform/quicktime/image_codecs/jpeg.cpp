@@ -10,7 +10,6 @@
 #include <array>
 #include <csetjmp>
 #include <cstdio> // before jpeglib.h, which needs it and does not include it
-#include <numeric>
 
 #include <jerror.h>
 #include <jpeglib.h>
@@ -115,14 +114,27 @@ bool ReadHeader(HeaderReader& reader) {
     return true;
 }
 
+/// The standard's luminance table, row by row: what quality 50 uses.
+constexpr std::array<UINT16, DCTSIZE2> kStandardTable = {
+    16, 11, 10, 16, 24,  40,  51,  61,  12, 12, 14, 19, 26,  58,  60,  55, //
+    14, 13, 16, 24, 40,  57,  69,  56,  14, 17, 22, 29, 51,  87,  80,  62, //
+    18, 22, 37, 56, 68,  109, 103, 77,  24, 35, 55, 64, 81,  104, 113, 92, //
+    49, 64, 78, 87, 103, 121, 120, 101, 72, 92, 95, 98, 112, 100, 103, 99};
+
 /// The encoder's quality setting (1 to 100), as its luminance table shows it, on the scale up to 1023:
 /// 50 is 512, normal. 512 also when there is no table to tell.
 std::int32_t QualityOf(const jpeg_decompress_struct& decompress) {
-    constexpr double kStandardSum = 3688.0; ///< of the standard's luminance table, which quality 50 uses
     const JQUANT_TBL* table = decompress.quant_tbl_ptrs[0];
     if (table == nullptr) return 512;
-    const double sum = std::accumulate(std::begin(table->quantval), std::end(table->quantval), 0.0);
-    const double percent = sum / kStandardSum * 100.0;
+    double sum = 0.0;
+    double standard_sum = 0.0;
+    for (std::size_t i = 0; i < kStandardTable.size(); ++i) {
+        if (table->quantval[i] >= 255) continue; // held at the end of a byte, it tells nothing
+        sum += table->quantval[i];
+        standard_sum += kStandardTable[i];
+    }
+    if (standard_sum == 0.0) return 0;
+    const double percent = std::max(sum / standard_sum * 100.0, 1.0);
     const double quality = percent <= 100.0 ? 100.0 - percent / 2.0 : 5000.0 / percent;
     return std::clamp(static_cast<std::int32_t>(quality * 10.24 + 0.5), 0, 1023);
 }
