@@ -79,7 +79,7 @@ TEST_F(GraphicsImporters, FilesThatCannotBeOpened) {
 TEST_F(GraphicsImporters, AFileCutWhileOpenIsBadData) {
     // The comment moves the frame header out of what was read for recognising the content.
     const std::string path =
-        images_.Make("-size 40x30 plasma: -comment $(printf %09000d 0)", "drive/cut.jpg");
+        images_.Make("-size 40x30 plasma: -set comment $(printf %09000d 0)", "drive/cut.jpg");
     ASSERT_EQ(Open(u"C:\\cut.jpg"), noErr);
     ASSERT_EQ(truncate(path.c_str(), 5000), 0);
     ImageDescription description;
