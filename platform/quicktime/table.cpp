@@ -1,15 +1,17 @@
 #include "platform/quicktime/components.h"
 #include "platform/quicktime/graphics_exporter.h"
 #include "platform/quicktime/graphics_importer.h"
+#include "platform/quicktime/movie_exporters/movie_exporter.h"
 
 #include <array>
 
 namespace qt {
 namespace {
 
-constexpr std::array<ComponentKind, 2> kKinds = {{
+constexpr std::array<ComponentKind, 3> kKinds = {{
     {kGraphicsImporter, OpenGraphicsImporter},
     {kGraphicsExporter, OpenGraphicsExporter},
+    {kMovieExporter, OpenMovieExporter},
 }};
 
 } // namespace

@@ -1,0 +1,220 @@
+#include "platform/quicktime/modules/ffmpeg_module_parts.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace qt {
+namespace {
+
+constexpr int kBuffer = 1 << 16;
+
+struct ContainerRow {
+    std::string_view demuxer; ///< the first of its names
+    OSType importer;
+};
+constexpr std::array<ContainerRow, 12> kContainers = {{
+    {"mp3", Code("MP3 ")},
+    {"aac", Code("ADTS")},
+    {"mov", Code("mpg4")},
+    {"wav", Code("WAVE")},
+    {"aiff", Code("AIFC")},
+    {"flac", Code("FLAC")},
+    {"ogg", Code("Ogg ")},
+    {"amr", Code("AMR ")},
+    {"avi", Code("AVI ")},
+    {"matroska", Code("MKV ")},
+    {"asf", Code("ASF ")},
+    {"mpeg", Code("MPEG")},
+}};
+
+struct CodecRow {
+    AVCodecID codec;
+    OSType format;
+};
+constexpr std::array<CodecRow, 13> kFormats = {{
+    {AV_CODEC_ID_MP3, Code(".mp3")},
+    {AV_CODEC_ID_MP2, Code(".mp2")},
+    {AV_CODEC_ID_AAC, Code("mp4a")},
+    {AV_CODEC_ID_ALAC, Code("alac")},
+    {AV_CODEC_ID_FLAC, Code("fLaC")},
+    {AV_CODEC_ID_VORBIS, Code("vorb")},
+    {AV_CODEC_ID_OPUS, Code("Opus")},
+    {AV_CODEC_ID_AMR_NB, Code("samr")},
+    {AV_CODEC_ID_AMR_WB, Code("sawb")},
+    {AV_CODEC_ID_AC3, Code("ac-3")},
+    {AV_CODEC_ID_EAC3, Code("ec-3")},
+    {AV_CODEC_ID_WMAV2, Code("wma ")},
+    {AV_CODEC_ID_ADPCM_IMA_QT, Code("ima4")},
+}};
+
+/// Any other codec: its name's first four letters.
+OSType FormatOf(AVCodecID codec) {
+    for (const CodecRow& row : kFormats)
+        if (row.codec == codec) return row.format;
+    OSType format = 0;
+    const std::string_view name = avcodec_get_name(codec);
+    for (std::size_t i = 0; i < 4; ++i)
+        format = format << 8 | static_cast<unsigned char>(i < name.size() ? name[i] : ' ');
+    return format;
+}
+
+OSType ImporterOf(std::string_view demuxer) {
+    demuxer = demuxer.substr(0, demuxer.find(','));
+    for (const ContainerRow& row : kContainers)
+        if (row.demuxer == demuxer) return row.importer;
+    OSType importer = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        importer = importer << 8 | static_cast<unsigned char>(i < demuxer.size() ? demuxer[i] & ~0x20 : ' ');
+    return importer;
+}
+
+/// A data source as the library reads files.
+class SourceReader {
+public:
+    explicit SourceReader(std::shared_ptr<DataSource> data) : data_(std::move(data)) {
+        auto* buffer = static_cast<unsigned char*>(av_malloc(kBuffer));
+        if (buffer != nullptr) context_ = avio_alloc_context(buffer, kBuffer, 0, this, Read, nullptr, Seek);
+        if (context_ == nullptr) av_free(buffer);
+    }
+    SourceReader(const SourceReader&) = delete;
+    SourceReader& operator=(const SourceReader&) = delete;
+    ~SourceReader() {
+        if (context_ != nullptr) av_freep(&context_->buffer);
+        avio_context_free(&context_);
+    }
+
+    [[nodiscard]] AVIOContext* Context() const { return context_; }
+
+private:
+    static int Read(void* opaque, std::uint8_t* buffer, int size) {
+        auto& self = *static_cast<SourceReader*>(opaque);
+        const std::size_t got = self.data_->Read(
+            self.position_, {reinterpret_cast<std::byte*>(buffer), static_cast<std::size_t>(size)});
+        self.position_ += got;
+        return got > 0 ? static_cast<int>(got) : AVERROR_EOF;
+    }
+
+    static std::int64_t Seek(void* opaque, std::int64_t offset, int whence) {
+        auto& self = *static_cast<SourceReader*>(opaque);
+        const auto size = static_cast<std::int64_t>(self.data_->GetSize());
+        if ((whence & AVSEEK_SIZE) != 0) return size;
+        const int from = whence & 3;
+        if (from == SEEK_CUR) offset += static_cast<std::int64_t>(self.position_);
+        if (from == SEEK_END) offset += size;
+        if (offset < 0) return AVERROR(EINVAL);
+        self.position_ = static_cast<std::uint64_t>(offset);
+        return offset;
+    }
+
+    std::shared_ptr<DataSource> data_;
+    std::uint64_t position_ = 0;
+    AVIOContext* context_ = nullptr;
+};
+
+class AvFile final : public DemultiplexedSound {
+public:
+    explicit AvFile(std::shared_ptr<DataSource> data)
+        : data_(std::move(data)), frame_(av_frame_alloc()), packet_(av_packet_alloc()) {}
+
+    bool Open() {
+        if (frame_ == nullptr || packet_ == nullptr || !OpenStream()) return false;
+        const AVStream& stream = *format_->streams[stream_];
+        facts_.importer = ImporterOf(format_->iformat->name);
+        facts_.format = FormatOf(stream.codecpar->codec_id);
+        facts_.channels = static_cast<std::uint32_t>(std::max(0, decoder_->ch_layout.nb_channels));
+        facts_.rate = static_cast<std::uint32_t>(std::max(0, decoder_->sample_rate));
+        facts_.frames_per_packet = static_cast<std::uint32_t>(std::max(0, stream.codecpar->frame_size));
+        facts_.has_video = av_find_best_stream(format_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0) >= 0;
+        const std::int64_t rate =
+            stream.codecpar->bit_rate != 0 ? stream.codecpar->bit_rate : format_->bit_rate;
+        facts_.bits_per_second = static_cast<std::uint32_t>(std::clamp<std::int64_t>(rate, 0, INT32_MAX));
+        if (facts_.channels == 0 || facts_.rate == 0) return false;
+        return CountFrames();
+    }
+
+    [[nodiscard]] const Facts& GetFacts() const override { return facts_; }
+
+    bool Decode(std::vector<float>& out) override {
+        while (!at_end_) {
+            const std::size_t before = out.size();
+            const int code = av_read_frame(format_.get(), packet_.get());
+            at_end_ = code < 0;
+            if (at_end_) {
+                DecodePacket(*decoder_, *frame_, nullptr, out);
+            } else if (packet_->stream_index == stream_) {
+                DecodePacket(*decoder_, *frame_, packet_.get(), out);
+            }
+            av_packet_unref(packet_.get());
+            if (out.size() > before) return true;
+        }
+        return false;
+    }
+
+    bool Rewind() override { return OpenStream(); }
+
+private:
+    /// From the beginning, exactly: seeking would be a matter of packets.
+    bool OpenStream() {
+        decoder_.reset();
+        format_.reset();
+        at_end_ = false;
+        reader_ = std::make_unique<SourceReader>(data_);
+        AVFormatContext* format = avformat_alloc_context();
+        if (format == nullptr || reader_->Context() == nullptr) return false;
+        format->pb = reader_->Context();
+        format->flags |= AVFMT_FLAG_CUSTOM_IO;
+        if (avformat_open_input(&format, nullptr, nullptr, nullptr) < 0) return false; // frees it on failure
+        format_.reset(format);
+        if (avformat_find_stream_info(format, nullptr) < 0) return false;
+        const AVCodec* codec = nullptr;
+        stream_ = av_find_best_stream(format, AVMEDIA_TYPE_AUDIO, -1, -1, &codec, 0);
+        if (stream_ < 0 || codec == nullptr) return false;
+        for (unsigned i = 0; i < format->nb_streams; ++i)
+            if (static_cast<int>(i) != stream_) format->streams[i]->discard = AVDISCARD_ALL;
+        decoder_.reset(avcodec_alloc_context3(codec));
+        if (decoder_ == nullptr) return false;
+        if (avcodec_parameters_to_context(decoder_.get(), format->streams[stream_]->codecpar) < 0)
+            return false;
+        decoder_->pkt_timebase = format->streams[stream_]->time_base;
+        return avcodec_open2(decoder_.get(), codec, nullptr) >= 0;
+    }
+
+    /// The container's word where it counts samples, else the sum over its packets.
+    bool CountFrames() {
+        const AVStream& stream = *format_->streams[stream_];
+        const AVRational frame = {1, decoder_->sample_rate};
+        const bool estimated = format_->duration_estimation_method == AVFMT_DURATION_FROM_BITRATE;
+        if (!estimated && stream.duration != AV_NOPTS_VALUE) {
+            facts_.frames = std::max<std::int64_t>(0, av_rescale_q(stream.duration, stream.time_base, frame));
+            return true;
+        }
+        std::int64_t units = 0;
+        while (av_read_frame(format_.get(), packet_.get()) >= 0) {
+            if (packet_->stream_index == stream_) units += packet_->duration;
+            av_packet_unref(packet_.get());
+        }
+        facts_.frames = std::max<std::int64_t>(0, av_rescale_q(units, stream.time_base, frame));
+        return OpenStream();
+    }
+
+    std::shared_ptr<DataSource> data_;
+    std::unique_ptr<SourceReader> reader_; ///< outlives the format context
+    Av<AVFormatContext> format_;
+    Av<AVCodecContext> decoder_;
+    Av<AVFrame> frame_;
+    Av<AVPacket> packet_;
+    Facts facts_;
+    int stream_ = -1;
+    bool at_end_ = false;
+};
+
+} // namespace
+
+std::unique_ptr<DemultiplexedSound> OpenFile(std::shared_ptr<DataSource> data) {
+    auto file = std::make_unique<AvFile>(std::move(data));
+    if (!file->Open()) return nullptr;
+    return file;
+}
+
+} // namespace qt

@@ -1,0 +1,202 @@
+#include "platform/quicktime/movies/movie_storage.h"
+
+#include "platform/quicktime/movies/movie_files.h"
+#include "platform/quicktime/movies/movie_writer.h"
+#include "platform/win32/paths.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <limits>
+#include <unistd.h>
+
+namespace qt {
+namespace {
+
+constexpr std::uint64_t kSampleDataHeader = 20; ///< where the header stands, behind the file type
+constexpr std::uint64_t kSamples = kSampleDataHeader + 16;
+
+} // namespace
+
+OSErr WriteError(int error) {
+    switch (error) {
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG: return dskFulErr;
+    case EEXIST: return dupFNErr;
+    case ENOENT:
+    case ENOTDIR: return fnfErr;
+    case EACCES:
+    case EPERM:
+    case EROFS: return wrPermErr;
+    default: return ioErr;
+    }
+}
+
+StorageFile::~StorageFile() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+OSErr StorageFile::Create(const std::string& path, bool replace) {
+    if (replace) ::unlink(path.c_str()); // whoever reads the old file keeps it
+    descriptor_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (descriptor_ < 0) return WriteError(errno);
+    path_ = path;
+    AtomWriter start;
+    start.Atom(Code("ftyp"), [&] {
+        start.Put32(Code("qt  "));
+        start.Put32(0x20050300);
+        start.Put32(Code("qt  "));
+    });
+    start.Atom(Code("wide"), [] {}); // room for a 64-bit size
+    start.Put32(0);                  // to the end of the file, until it is finished
+    start.Put32(Code("mdat"));
+    end_ = kSamples;
+    return Write(0, start.Take());
+}
+
+OSErr StorageFile::OpenForAppending(const std::string& path) {
+    descriptor_ = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+    if (descriptor_ < 0) return WriteError(errno);
+    const off_t size = ::lseek(descriptor_, 0, SEEK_END);
+    if (size < 0) return ioErr;
+    path_ = path;
+    end_ = static_cast<std::uint64_t>(size);
+    return noErr;
+}
+
+OSErr StorageFile::Finish(std::span<const std::byte> structure) {
+    AtomWriter header;
+    const std::uint64_t size = end_ - kSamples + 8;
+    if (size <= std::numeric_limits<std::uint32_t>::max()) {
+        header.Atom(Code("wide"), [] {});
+        header.Put32(static_cast<std::uint32_t>(size));
+        header.Put32(Code("mdat"));
+    } else {
+        header.Put32(1);
+        header.Put32(Code("mdat"));
+        header.Put64(size + 8);
+    }
+    if (const OSErr code = Write(kSampleDataHeader, header.Take()); code != noErr) return code;
+    return Write(end_, structure);
+}
+
+OSErr StorageFile::Append(std::span<const std::byte> bytes) {
+    const OSErr code = Write(end_, bytes);
+    if (code == noErr) end_ += bytes.size();
+    return code;
+}
+
+std::size_t StorageFile::Read(std::uint64_t offset, std::span<std::byte> buffer) noexcept {
+    std::size_t done = 0;
+    while (done < buffer.size() && offset + done < end_) {
+        const auto count = ::pread(descriptor_, buffer.data() + done, buffer.size() - done,
+                                   static_cast<off_t>(offset + done));
+        if (count > 0) {
+            done += static_cast<std::size_t>(count);
+        } else if (count == 0 || errno != EINTR) {
+            break;
+        }
+    }
+    return done;
+}
+
+OSErr StorageFile::Write(std::uint64_t offset, std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const auto count = ::pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return WriteError(errno);
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+        offset += static_cast<std::uint64_t>(count);
+    }
+    return noErr;
+}
+
+std::string UnixPathOf(Handle reference, OSType type) {
+    if (type != kAliasDataHandler) return {};
+    const auto bytes = HandleBytes(reference);
+    std::u16string path(bytes.size() / sizeof(char16_t), u'\0');
+    if (!path.empty()) std::memcpy(path.data(), bytes.data(), path.size() * sizeof(char16_t));
+    const win32::UnixPath target = win32::ToUnixPath(path);
+    return target.error == ERROR_SUCCESS ? target.path : std::string();
+}
+
+OSErr ReferenceToUnixPath(const std::string& path, DataReference& reference) {
+    const auto native = win32::ToNativePath(path);
+    if (!native.has_value()) return couldNotResolveDataRef;
+    return QTNewDataReferenceFromFullPathCFString(*native, kQTWindowsPathStyle, 0, reference);
+}
+
+OSErr OpenMovieStorage(MovieRecord& movie) {
+    const std::string path = UnixPathOf(movie.file.handle.get(), movie.file.type);
+    if (path.empty()) return noDefaultDataRef;
+    auto file = std::make_shared<StorageFile>();
+    const OSErr code = file->OpenForAppending(path);
+    if (code == noErr) movie.storage = std::move(file);
+    return code;
+}
+
+namespace {
+
+struct CreatedStorage {
+    OSErr code = noErr;
+    std::shared_ptr<StorageFile> file;
+    DataReference reference;
+};
+
+CreatedStorage CreateStorage(Handle data_reference, OSType type, std::uint32_t flags) {
+    CreatedStorage created;
+    if (type != kAliasDataHandler) return {cantFindHandler, nullptr, {}};
+    const auto bytes = HandleBytes(data_reference);
+    Handle copy = nullptr;
+    created.code = PtrToHand(bytes.data(), &copy, static_cast<Size>(bytes.size()));
+    created.reference = {MemoryHandle(copy), type};
+    if (created.code != noErr) return created;
+    const std::string path = UnixPathOf(data_reference, type);
+    if (path.empty()) return {fnfErr, nullptr, {}};
+    created.file = std::make_shared<StorageFile>();
+    created.code = created.file->Create(path, (flags & createMovieFileDeleteCurFile) != 0);
+    return created;
+}
+
+} // namespace
+} // namespace qt
+
+OSErr CreateMovieStorage(Handle data_reference, OSType type, OSType, std::int32_t, std::uint32_t flags,
+                         DataHandler* storage, Movie* movie) {
+    *storage = nullptr;
+    *movie = nullptr;
+    qt::CreatedStorage created = qt::CreateStorage(data_reference, type, flags);
+    if (created.code != noErr) return qt::MoviesError(created.code);
+    qt::OwnedMovie made(NewMovie(0));
+    made->storage = created.file;
+    made->file = std::move(created.reference);
+    *storage = std::make_unique<std::shared_ptr<qt::StorageFile>>(std::move(created.file)).release();
+    *movie = made.release();
+    return qt::MoviesError(noErr);
+}
+
+OSErr AddMovieToStorage(Movie movie, DataHandler storage) {
+    if (movie == nullptr || storage == nullptr)
+        return qt::MoviesError(movie == nullptr ? invalidMovie : paramErr);
+    return qt::MoviesError(qt::WriteMovie(*movie, **storage, qt::ForeignSamples::kReferTo));
+}
+
+void CloseMovieStorage(DataHandler storage) {
+    const std::unique_ptr<std::shared_ptr<qt::StorageFile>> closed(storage);
+}
+
+Movie FlattenMovieDataToDataRef(Movie movie, std::uint32_t, Handle data_reference, OSType type, OSType,
+                                std::int32_t, std::uint32_t create_flags) {
+    if (qt::MoviesError(movie == nullptr ? invalidMovie : noErr) != noErr) return nullptr;
+    Movie flattened = nullptr;
+    {
+        const qt::CreatedStorage created = qt::CreateStorage(data_reference, type, create_flags);
+        if (qt::MoviesError(created.code) != noErr) return nullptr;
+        if (qt::MoviesError(qt::WriteMovie(*movie, *created.file, qt::ForeignSamples::kCopy)) != noErr)
+            return nullptr;
+    }
+    NewMovieFromDataRef(&flattened, data_reference, type);
+    return flattened;
+}

@@ -1,0 +1,264 @@
+// Sound files that libsndfile knows. Of uncompressed ones it only reads the header: their samples are taken
+// from the file directly.
+
+#include "platform/quicktime/movies/importers.h"
+#include "platform/quicktime/movies/sound_description.h"
+
+#include <sndfile.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+namespace qt {
+namespace {
+
+struct SndfileCloser {
+    void operator()(SNDFILE* file) const { sf_close(file); }
+};
+
+/// A data source as the library reads files. It also tells where the samples begin: the place that the
+/// library goes to for the first one.
+class SoundFile {
+public:
+    explicit SoundFile(std::shared_ptr<DataSource> data) : data_(std::move(data)) {}
+
+    bool Open() {
+        static SF_VIRTUAL_IO operations = {Length, Seek, Read, Write, Tell};
+        file_.reset(sf_open_virtual(&operations, SFM_READ, &info_, this));
+        return file_ != nullptr;
+    }
+
+    [[nodiscard]] SNDFILE* File() const { return file_.get(); }
+    [[nodiscard]] const SF_INFO& Info() const { return info_; }
+
+    [[nodiscard]] std::optional<std::uint64_t> FirstSample() {
+        if (sf_seek(file_.get(), 0, SEEK_SET) != 0) return std::nullopt;
+        return position_;
+    }
+
+private:
+    static SoundFile& Self(void* user) { return *static_cast<SoundFile*>(user); }
+    static sf_count_t Length(void* user) { return static_cast<sf_count_t>(Self(user).data_->GetSize()); }
+    static sf_count_t Tell(void* user) { return static_cast<sf_count_t>(Self(user).position_); }
+    static sf_count_t Write(const void*, sf_count_t, void*) { return 0; }
+
+    static sf_count_t Seek(sf_count_t offset, int whence, void* user) {
+        SoundFile& self = Self(user);
+        if (whence == SEEK_CUR) offset += static_cast<sf_count_t>(self.position_);
+        if (whence == SEEK_END) offset += static_cast<sf_count_t>(self.data_->GetSize());
+        if (offset < 0) return -1;
+        self.position_ = static_cast<std::uint64_t>(offset);
+        return offset;
+    }
+
+    static sf_count_t Read(void* buffer, sf_count_t count, void* user) {
+        SoundFile& self = Self(user);
+        if (count <= 0) return 0;
+        const std::size_t got = self.data_->Read(
+            self.position_, {static_cast<std::byte*>(buffer), static_cast<std::size_t>(count)});
+        self.position_ += got;
+        return static_cast<sf_count_t>(got);
+    }
+
+    std::shared_ptr<DataSource> data_;
+    std::uint64_t position_ = 0;
+    SF_INFO info_ = {};
+    std::unique_ptr<SNDFILE, SndfileCloser> file_;
+};
+
+/// Formats that decode to 16 bits come as such, others as floats.
+class SoundFileReader final : public FrameReader {
+public:
+    SoundFileReader(std::unique_ptr<SoundFile> file, SampleEncoding encoding) : file_(std::move(file)) {
+        const SF_INFO& info = file_->Info();
+        layout_ = {encoding, false, static_cast<std::uint32_t>(info.channels),
+                   static_cast<std::uint32_t>(info.samplerate)};
+    }
+
+    FramesRead Read(std::int64_t start, std::span<std::byte> frames) override {
+        if (start != position_ && sf_seek(file_->File(), start, SEEK_SET) != start) return {noErr, 0};
+        const auto wanted = static_cast<sf_count_t>(frames.size() / layout_.FrameBytes());
+        const sf_count_t got =
+            layout_.encoding == SampleEncoding::kSigned16
+                ? sf_readf_short(file_->File(), reinterpret_cast<short*>(frames.data()), wanted)
+                : sf_readf_float(file_->File(), reinterpret_cast<float*>(frames.data()), wanted);
+        position_ = start + std::max<sf_count_t>(got, 0);
+        return {noErr, std::max<sf_count_t>(got, 0)};
+    }
+
+private:
+    std::unique_ptr<SoundFile> file_;
+    std::int64_t position_ = 0;
+};
+
+struct RawEncoding {
+    int subtype;
+    SampleEncoding encoding;
+};
+constexpr std::array<RawEncoding, 9> kRaw = {{
+    {SF_FORMAT_PCM_S8, SampleEncoding::kSigned8},
+    {SF_FORMAT_PCM_U8, SampleEncoding::kUnsigned8},
+    {SF_FORMAT_PCM_16, SampleEncoding::kSigned16},
+    {SF_FORMAT_PCM_24, SampleEncoding::kSigned24},
+    {SF_FORMAT_PCM_32, SampleEncoding::kSigned32},
+    {SF_FORMAT_FLOAT, SampleEncoding::kFloat32},
+    {SF_FORMAT_DOUBLE, SampleEncoding::kFloat64},
+    {SF_FORMAT_ULAW, SampleEncoding::kMuLaw},
+    {SF_FORMAT_ALAW, SampleEncoding::kALaw},
+}};
+
+struct CodedSubtype {
+    int subtype;
+    OSType in_wave;
+    OSType elsewhere;
+    std::uint16_t wave_tag;
+    std::uint32_t frames_per_packet;
+};
+constexpr OSType kNoCode = 0;
+constexpr std::array<CodedSubtype, 7> kCoded = {{
+    {SF_FORMAT_IMA_ADPCM, Code("ms\0\x11"), Code("ima4"), 0x11, 64},
+    {SF_FORMAT_MS_ADPCM, Code("ms\0\x02"), kNoCode, 0x02, 500},
+    {SF_FORMAT_GSM610, Code("ms\0\x31"), Code("agsm"), 0x31, 160},
+    {SF_FORMAT_VORBIS, kNoCode, Code("vorb"), 0x566F, 1024},
+    {SF_FORMAT_OPUS, kNoCode, Code("Opus"), 0x704F, 960},
+    {SF_FORMAT_ALAC_16, kNoCode, Code("alac"), 0x6C61, 4096},
+    {SF_FORMAT_G721_32, Code("ms\0\x40"), Code("g721"), 0x40, 8},
+}};
+
+struct FileType {
+    int major;
+    OSType importer;
+    bool big_endian; ///< unless the header says otherwise
+};
+constexpr std::array<FileType, 8> kFileTypes = {{
+    {SF_FORMAT_WAV, Code("WAVE"), false},
+    {SF_FORMAT_WAVEX, Code("WAVE"), false},
+    {SF_FORMAT_RF64, Code("WAVE"), false},
+    {SF_FORMAT_W64, Code("W64 "), false},
+    {SF_FORMAT_AIFF, Code("AIFF"), true},
+    {SF_FORMAT_AU, Code("ULAW"), true},
+    {SF_FORMAT_CAF, Code("caff"), true},
+    {SF_FORMAT_FLAC, Code("FLAC"), false},
+}};
+constexpr FileType kOgg = {SF_FORMAT_OGG, Code("Ogg "), false};
+
+const FileType* FindType(int format) {
+    if ((format & SF_FORMAT_TYPEMASK) == kOgg.major) return &kOgg;
+    const auto* row = std::find_if(kFileTypes.begin(), kFileTypes.end(), [&](const FileType& type) {
+        return type.major == (format & SF_FORMAT_TYPEMASK);
+    });
+    return row != kFileTypes.end() ? row : nullptr;
+}
+
+std::optional<PcmLayout> RawLayout(const SF_INFO& info, const FileType& type) {
+    if (type.major == SF_FORMAT_FLAC) return std::nullopt;
+    for (const RawEncoding& raw : kRaw) {
+        if (raw.subtype != (info.format & SF_FORMAT_SUBMASK)) continue;
+        const int order = info.format & SF_FORMAT_ENDMASK;
+        const bool big = order == SF_ENDIAN_BIG || (order != SF_ENDIAN_LITTLE && type.big_endian);
+        PcmLayout layout = {raw.encoding, big, static_cast<std::uint32_t>(info.channels),
+                            static_cast<std::uint32_t>(info.samplerate)};
+        layout.big_endian = big && layout.SampleBytes() > 1;
+        return layout;
+    }
+    return std::nullopt;
+}
+
+CompressedSound CodedSound(const SF_INFO& info, const FileType& type, std::uint64_t size) {
+    CompressedSound sound;
+    sound.data_format = type.major == SF_FORMAT_FLAC ? Code("fLaC") : Code("snd ");
+    sound.frames_per_packet = type.major == SF_FORMAT_FLAC ? 4096 : 1;
+    sound.wave_tag = type.major == SF_FORMAT_FLAC ? 0xF1AC : 0;
+    for (const CodedSubtype& coded : kCoded) {
+        if (coded.subtype != (info.format & SF_FORMAT_SUBMASK)) continue;
+        sound.data_format =
+            type.importer == Code("WAVE") && coded.in_wave != kNoCode ? coded.in_wave : coded.elsewhere;
+        sound.frames_per_packet = coded.frames_per_packet;
+        sound.wave_tag = coded.wave_tag;
+    }
+    sound.channels = static_cast<std::uint32_t>(info.channels);
+    sound.rate = static_cast<std::uint32_t>(info.samplerate);
+    if (info.frames > 0)
+        sound.average_bytes_per_second = static_cast<std::uint32_t>(std::min<double>(
+            0xFFFFFFFF, static_cast<double>(size) * info.samplerate / static_cast<double>(info.frames)));
+    return sound;
+}
+
+bool DecodesTo16Bits(int format) {
+    switch (format & SF_FORMAT_SUBMASK) {
+    case SF_FORMAT_PCM_S8:
+    case SF_FORMAT_PCM_16:
+    case SF_FORMAT_IMA_ADPCM:
+    case SF_FORMAT_MS_ADPCM:
+    case SF_FORMAT_GSM610:
+    case SF_FORMAT_ALAC_16:
+    case SF_FORMAT_G721_32: return true;
+    default: return false;
+    }
+}
+
+/// First bytes of the files that are this library's.
+bool LooksLikeSoundFile(DataSource& data) {
+    std::array<std::byte, 4> start{};
+    if (data.Read(0, start) != start.size()) return false;
+    constexpr std::array<OSType, 9> kStarts = {Code("RIFF"), Code("RIFX"), Code("RF64"),
+                                               Code("FORM"), Code(".snd"), Code("dns."),
+                                               Code("caff"), Code("fLaC"), Code("OggS")};
+    const OSType magic = BigEndian32(start, 0);
+    return magic == Code("riff") || std::find(kStarts.begin(), kStarts.end(), magic) != kStarts.end();
+}
+
+OpenedReader OpenSoundFileReader(const std::shared_ptr<DataSource>& data) {
+    auto file = std::make_unique<SoundFile>(data);
+    if (!file->Open()) return {badFileFormat, nullptr};
+    const auto encoding =
+        DecodesTo16Bits(file->Info().format) ? SampleEncoding::kSigned16 : SampleEncoding::kFloat32;
+    return {noErr, std::make_unique<SoundFileReader>(std::move(file), encoding)};
+}
+
+bool IsAifc(DataSource& data) {
+    std::array<std::byte, 12> start{};
+    return data.Read(0, start) == start.size() && BigEndian32(start, 8) == Code("AIFC");
+}
+
+} // namespace
+
+Imported ImportSoundFile(const ImportSource& source) {
+    if (!LooksLikeSoundFile(*source.data)) return {};
+    SoundFile file(source.data);
+    const FileType* type = file.Open() ? FindType(file.Info().format) : nullptr;
+    const SF_INFO& info = file.Info();
+    const bool usable = type != nullptr && info.channels > 0 && info.channels <= 256 && info.samplerate > 0 &&
+                        info.frames >= 0;
+    if (!usable) { // a sound inside that this library does not know
+        Imported other = ImportOther(source);
+        if (other.code == noMovieFound) other.code = badFileFormat;
+        return other;
+    }
+    auto samples = std::make_shared<MediaSamples>();
+    samples->duration = info.frames;
+    const auto layout = RawLayout(info, *type);
+    const auto first = layout.has_value() ? file.FirstSample() : std::nullopt;
+    if (first.has_value()) {
+        const std::uint64_t size = source.data->GetSize();
+        const std::uint64_t there = *first < size ? (size - *first) / layout->FrameBytes() : 0;
+        SampleRun run;
+        run.offset = *first;
+        run.count = std::min(static_cast<std::uint64_t>(info.frames), there);
+        run.size = layout->FrameBytes();
+        samples->Append(run);
+        samples->duration = static_cast<TimeValue>(run.count);
+        samples->descriptions.push_back(DescribePcm(*layout));
+    } else {
+        samples->descriptions.push_back(DescribeCompressed(CodedSound(info, *type, source.data->GetSize())));
+        samples->open_decoder = [data = source.data] { return OpenSoundFileReader(data); };
+        AddWholeFileRun(source, *samples);
+    }
+    OSType importer = type->importer;
+    if (type->major == SF_FORMAT_AIFF && IsAifc(*source.data)) importer = Code("AIFC");
+    return {noErr, importer,
+            MovieOfSound(source, static_cast<std::uint32_t>(info.samplerate), std::move(samples))};
+}
+
+} // namespace qt
