@@ -7,7 +7,11 @@
 
 namespace corvane {
 
+FM_Error ExportField(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                     FM_Data& result);
 FM_Error GetImageInfo(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                       FM_Data& result);
+FM_Error InsertFile(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                    FM_Data& result);
 
 } // namespace corvane

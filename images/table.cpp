@@ -10,7 +10,7 @@ namespace {
 
 // The file functions take their ids between these two lists.
 constexpr std::array<CountedFunction, 13> kFunctionsBeforeFiles = {{
-    {"Media_ExportField", "Media_ExportField ( container ; path ; replace )", 3, 3, FunctionNotBuilt},
+    {"Media_ExportField", "Media_ExportField ( container ; path ; replace )", 3, 3, ExportField},
     {"Media_TScale", "Media_TScale ( xScale ; yScale )", 2, 2, FunctionNotBuilt},
     {"Media_TSkew", "Media_TSkew ( xSkew ; ySkew )", 2, 2, FunctionNotBuilt},
     {"Media_GetImageInfo", "Media_GetImageInfo ( container )", 1, 1, GetImageInfo},
@@ -51,7 +51,7 @@ constexpr std::array<CountedFunction, 18> kFunctionsAfterFiles = {{
      2, 11, FunctionNotBuilt},
     {"Media_ListImageOutputTypes", "Media_ListImageOutputTypes", 0, 0, FunctionNotBuilt},
     {"Media_GetMetadata", "Media_GetMetadata ( containerOrFile {; tag} )", 1, 2, FunctionNotBuilt},
-    {"Media_InsertFile", "Media_InsertFile ( filepath ; byReference ; asText )", 3, 3, FunctionNotBuilt},
+    {"Media_InsertFile", "Media_InsertFile ( filepath ; byReference ; asText )", 3, 3, InsertFile},
     kReservedFunction,
 }};
 

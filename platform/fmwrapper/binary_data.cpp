@@ -77,6 +77,16 @@ FM_Error FM_BinaryData_Add(FM_BinaryData* binary, const FM_QuadChar* type, std::
     });
 }
 
+FM_Error FM_BinaryData_AddFromReader(FM_BinaryData* binary, const FM_QuadChar* type, std::uint32_t size,
+                                     FM_StreamReader reader, void* context, FM_Status* status) {
+    return Operation("FM_BinaryData_AddFromReader", status, [&]() -> FM_Error {
+        auto bytes = std::make_shared<fm::Bytes>(size);
+        if (!reader(context, 0, size, bytes->data())) return kFM_ErrorReading;
+        binary->streams.push_back({type->code, std::move(bytes)});
+        return kFM_ErrorNone;
+    });
+}
+
 bool FM_BinaryData_Remove(FM_BinaryData* binary, const FM_QuadChar* type, FM_Status* status) {
     return Operation("FM_BinaryData_Remove", status, [&] {
         const std::int32_t index = binary->IndexOf(type->code);

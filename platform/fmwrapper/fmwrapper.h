@@ -53,6 +53,7 @@ inline constexpr std::int32_t kFM_ToEnd = -1;
 
 /// Host error codes that this layer answers itself.
 inline constexpr FM_Error kFM_ErrorNone = 0;
+inline constexpr FM_Error kFM_ErrorReading = -36;
 inline constexpr FM_Error kFM_ErrorOutOfMemory = -108;
 inline constexpr FM_Error kFM_ErrorWrongParameter = -50;
 
@@ -163,6 +164,12 @@ FM_Error FM_BinaryData_GetData(const FM_BinaryData* binary, std::int32_t index, 
 /// Appends a stream with a copy of the bytes.
 FM_Error FM_BinaryData_Add(FM_BinaryData* binary, const FM_QuadChar* type, std::uint32_t size,
                            const void* bytes, FM_Status* status);
+/// Supplies `amount` bytes from `offset` of what is being added; false when it can't.
+using FM_StreamReader = bool (*)(void* context, std::uint32_t offset, std::uint32_t amount, void* buffer);
+/// Appends a stream whose bytes the reader supplies, so that large data need not lie in memory twice. -36
+/// when the reader fails, and then nothing is added.
+FM_Error FM_BinaryData_AddFromReader(FM_BinaryData* binary, const FM_QuadChar* type, std::uint32_t size,
+                                     FM_StreamReader reader, void* context, FM_Status* status);
 /// Removes the first stream of that type; true when there was one.
 bool FM_BinaryData_Remove(FM_BinaryData* binary, const FM_QuadChar* type, FM_Status* status);
 void FM_BinaryData_RemoveAll(FM_BinaryData* binary, FM_Status* status);

@@ -7,9 +7,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
-#include <variant>
+#include <utility>
 #include <vector>
 
 namespace fm {
@@ -27,7 +28,24 @@ public:
     static std::int64_t alive;
 };
 
-using Bytes = std::vector<std::uint8_t>;
+/// Leaves new elements as they are: streams of gigabytes are filled right after they are made.
+template <class Value>
+struct UnclearedAllocator : std::allocator<Value> {
+    template <class Other>
+    struct rebind {
+        using other = UnclearedAllocator<Other>;
+    };
+    template <class Other, class... Arguments>
+    void construct(Other* place, Arguments&&... arguments) {
+        if constexpr (sizeof...(Arguments) == 0) {
+            ::new (static_cast<void*>(place)) Other;
+        } else {
+            ::new (static_cast<void*>(place)) Other(std::forward<Arguments>(arguments)...);
+        }
+    }
+};
+
+using Bytes = std::vector<std::uint8_t, UnclearedAllocator<std::uint8_t>>;
 
 struct Stream {
     std::uint32_t type; ///< four-character code, first character in the most significant byte

@@ -136,7 +136,9 @@ TEST_F(PathParameter, FindsTheDatabase) {
     EXPECT_EQ(DatabaseFolder(spec), 0);
     EXPECT_EQ(spec.GetNativePath(), "C:\\A\\B\\日本.txt");
     host.file_path = u"file:/C:/A/None.fp7";
-    EXPECT_EQ(DatabaseFolder(spec), -43);
+    EXPECT_EQ(DatabaseFolder(spec), 0) << "not saved yet";
+    host.file_path = u"file:/C:/None/Media.fp7";
+    EXPECT_EQ(DatabaseFolder(spec), -120);
     host.file_path = u"/C:/A";
     EXPECT_EQ(DatabaseFolder(spec), -50);
 }

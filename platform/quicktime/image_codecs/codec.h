@@ -3,8 +3,11 @@
 
 #include "platform/quicktime/data_source.h"
 #include "platform/quicktime/image_description.h"
+#include "platform/quicktime/pixel_image.h"
 
 #include <span>
+#include <string>
+#include <vector>
 
 namespace qt {
 
@@ -17,6 +20,12 @@ struct ImageFacts {
     std::uint64_t data_size = 0;
 };
 
+/// A text that the image carries. Types of readable texts begin with 0xA9: '\xA9nam'.
+struct MetadataItem {
+    OSType type = 0;
+    std::string text; ///< ISO-8859-1
+};
+
 struct ImageCodec {
     std::span<const OSType> types; ///< subtypes of the format's importer
     /// Whether data that begins so (kSniffedBytes, or all of shorter data) is of this format.
@@ -25,6 +34,12 @@ struct ImageCodec {
     /// codecSizeErr for dimensions above the limit, memFullErr.
     ComponentResult (*read_facts)(DataSource& source, ImageFacts& facts);
     bool validates; ///< read_facts fails on data that can't be decoded; else the format has no validation
+    /// Decodes the image of that index, from 1. Data that breaks off gives the rows that are there (the rest
+    /// white) when at least a part was decoded; codecBadDataErr when nothing was. Dimensions are checked
+    /// against the limits, and against the data where the format allows it, before memory is taken.
+    ComponentResult (*decode)(DataSource& source, std::uint32_t index, PixelImage& image) = nullptr;
+    /// Appends the image's text items in their order. Null: the format has none.
+    ComponentResult (*read_metadata)(DataSource& source, std::vector<MetadataItem>& items) = nullptr;
 };
 
 inline constexpr std::size_t kSniffedBytes = 1024;

@@ -1,0 +1,179 @@
+#include "files/file_function.h"
+#include "files/functions.h"
+#include "files/native_files.h"
+#include "files/numbered_files.h"
+#include "files/path_parameter.h"
+#include "images/functions.h"
+#include "images/streams.h"
+#include "platform/text/utf.h"
+#include "plugin/errors.h"
+#include "plugin/results.h"
+
+#include <algorithm>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace corvane {
+namespace {
+
+constexpr std::uint32_t kWrapperType = FourCC("CVIM");
+constexpr std::uint32_t kPictureType = FourCC("PICT");
+constexpr std::uint32_t kTextType = FourCC("TEXT");
+constexpr std::uint32_t kPieceSize = 4U << 20;
+
+// What is written to the file: bytes that are held here, or a stream that is read from the container piece by
+// piece, so that a large one is not held twice.
+struct Content {
+    std::uint32_t type = 0;
+    std::string text;
+    qt::MemoryHandle picture;
+    const FM_BinaryData* container = nullptr;
+    std::int32_t stream = 0;
+};
+
+// Finds the content of an image or a text parameter; false when there is none and that is reported.
+bool FindContent(const FM_Data* parameter, Content& content) {
+    content.type = GetMainImageType(parameter);
+    if (content.type == 0) {
+        ReportError(kErrorUnrecognized, "Empty Container");
+        return false;
+    }
+    if (content.type == kWrapperType) {
+        ReportError(kErrorContainerIsCVImage, "CV Image must be converted before export");
+        return false;
+    }
+    if (content.type == kReferenceType) {
+        content.type = kTextType;
+        content.text = ParameterAsUtf8(parameter);
+        return true;
+    }
+    if (content.type == kPictureType) {
+        content.picture = GetMainImageData(parameter).data;
+        return static_cast<bool>(content.picture);
+    }
+    content.container = Host(FM_Data_GetBinaryData, parameter);
+    content.stream = Host(FM_BinaryData_GetIndex, content.container, NewQuadChar(content.type).get());
+    return true;
+}
+
+// Resolves the target and completes its name; false when it can't be written to and that is reported.
+bool FindTarget(const FM_Data* parameter, std::uint32_t type, bool replace, XFileSpec& target) {
+    std::int32_t code = ResolvePathParameter(*parameter, target);
+    if (target.IsDirectory()) {
+        ReportError(kErrorFileExpected, "Target must specify a file, not a directory");
+        return false;
+    }
+    const std::string_view extension = ImageTypeExtension(type);
+    if ((code == 0 || code == kErrorFileNotFound) && ExtensionOf(target.name).empty() && !extension.empty()) {
+        const std::string name = target.name + "." + std::string(extension);
+        XFileSpec folder = target;
+        folder.MoveToParent();
+        code = target.SetRelativeTo(name, &folder, '/');
+    }
+    if (code != 0 && code != kErrorFileNotFound) {
+        ReportError(code, "Bad path or filename");
+        return false;
+    }
+    if (code != 0) return true;
+    if (!replace) {
+        ReportError(kErrorTargetExists, "Target file already exists and replace flag is false");
+        return false;
+    }
+    code = native::DeleteFile(target.GetNativePathW());
+    if (code != 0) ReportError(code, "Could not overwrite existing file (busy, locked, permissions)");
+    return code == 0;
+}
+
+// The file being written, closed at the end of the scope.
+class OpenTarget {
+public:
+    explicit OpenTarget(native::FileNumber number) : number_(number) {}
+    OpenTarget(const OpenTarget&) = delete;
+    OpenTarget& operator=(const OpenTarget&) = delete;
+    ~OpenTarget() { native::CloseFile(number_); }
+
+    std::int32_t Write(std::int64_t offset, std::span<const std::byte> bytes) {
+        return native::WriteFile(number_, native::PositionMode::kFromStart, offset, bytes).code;
+    }
+
+private:
+    native::FileNumber number_;
+};
+
+std::int32_t WriteStream(const Content& content, OpenTarget& file) {
+    const std::uint32_t size = Host(FM_BinaryData_GetSize, content.container, content.stream);
+    std::vector<std::byte> piece(std::min(size, kPieceSize));
+    for (std::uint32_t offset = 0; offset < size;) {
+        const std::uint32_t amount = std::min(size - offset, kPieceSize);
+        std::int32_t code = Host(FM_BinaryData_GetData, content.container, content.stream, offset, amount,
+                                 static_cast<void*>(piece.data()));
+        if (code == 0) code = file.Write(offset, std::span(piece).first(amount));
+        if (code != 0) return code;
+        offset += amount;
+    }
+    return 0;
+}
+
+std::int32_t WriteContent(const Content& content, OpenTarget& file) {
+    if (content.container != nullptr) return WriteStream(content, file);
+    if (content.picture) return file.Write(0, qt::HandleBytes(content.picture.get()));
+    return file.Write(0, std::as_bytes(std::span(content.text)));
+}
+
+void WriteTarget(const Content& content, XFileSpec folder) {
+    const std::u16string name = utf::ToUtf16(folder.name);
+    folder.MoveToParent();
+    const native::CreatedFile created = native::CreateFile(folder.GetNativePathW(), name);
+    if (created.code != 0)
+        return ReportError(created.code, "Could not export file (disk space, permissions)");
+    const native::OpenedFile opened = native::OpenFile(created.path, native::Permission::kWrite);
+    std::int32_t code = opened.code;
+    if (code == 0) {
+        OpenTarget file(opened.number);
+        code = WriteContent(content, file);
+    }
+    if (code != 0) ReportError(code, "Could not write to file (disk space, permissions)");
+}
+
+void Export(const FM_DataVect& parameters) {
+    const bool replace = Host(FM_DataVect_AtAsBoolean, &parameters, 2);
+    Content content;
+    if (!FindContent(Host(FM_DataVect_At, &parameters, 0), content)) return;
+    XFileSpec target;
+    if (FindTarget(Host(FM_DataVect_At, &parameters, 1), content.type, replace, target))
+        WriteTarget(content, target);
+}
+
+// A container that holds a reference text and no streams: its file is copied.
+bool NamesFile(const FM_Data* parameter) {
+    return Host(FM_Data_GetNativeType, parameter) == kFM_TypeContainer &&
+           Host(FM_BinaryData_GetCount, Host(FM_Data_GetBinaryData, parameter)) == 0 &&
+           !Host(FM_Data_IsEmpty, parameter);
+}
+
+bool IsEmptyContainer(const FM_Data* parameter) {
+    return Host(FM_Data_GetNativeType, parameter) == kFM_TypeContainer && Host(FM_Data_IsEmpty, parameter);
+}
+
+} // namespace
+
+FM_Error ExportField(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                     FM_Data& result) {
+    if (!CheckParameterCount(parameters, 3)) {
+        const FM_Data* container = Host(FM_DataVect_At, &parameters, 0);
+        if (NamesFile(container)) {
+            SetExportMode();
+            return CopyItem(id, environment, parameters, result);
+        }
+        if (IsEmptyContainer(container)) {
+            ReportError(kErrorUnrecognized, "Empty Container");
+        } else {
+            Export(parameters);
+        }
+    }
+    FinishResult(result);
+    return kFM_ErrorNone;
+}
+
+} // namespace corvane
