@@ -12,7 +12,7 @@
 #include <poll.h>
 #include <spawn.h>
 #include <string>
-#include <sys/pidfd.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <vector>
 
@@ -79,7 +79,7 @@ pid_t Start(const char* program, const std::string& argument) {
 
 // False when the program has failed.
 bool HasOpened(pid_t process) {
-    const win32::Descriptor descriptor(pidfd_open(process, 0));
+    const win32::Descriptor descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
     pollfd end = {descriptor.get(), POLLIN, 0};
     int ready = 0;
     do ready = poll(&end, 1, kTimeToFail);
