@@ -29,7 +29,7 @@ void Describe(const FM_DataVect& parameters) {
     const auto [code, data] = native::GetItemAttributes(item.path);
     if (code != 0) return ReportError(code, "ItemInfo failed");
 
-    const auto has = [&](DWORD attribute) { return Flag((data.dwFileAttributes & attribute) != 0); };
+    const auto has = [flags = data.dwFileAttributes](DWORD flag) { return Flag((flags & flag) != 0); };
     std::string text =
         "Created: " + TimeText(data.ftCreationTime) + "\rModified: " + TimeText(data.ftLastWriteTime) +
         "\rInvisible: " + has(FILE_ATTRIBUTE_HIDDEN) + "\rDirectory: " + has(FILE_ATTRIBUTE_DIRECTORY) + "\r";
