@@ -1,8 +1,6 @@
 // The built program as a person meets it: arguments in, standard output, standard error and status out.
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -66,8 +64,10 @@ TEST_F(Program, ListsStreamsAndSavesThem) {
     EXPECT_EQ(Contents(folder_ + "/new/deep/2-0-snd_"), "abc");
     EXPECT_EQ(Contents(folder_ + "/new/deep/2-1-a_b_"), "abc");
     run = Corvane("eval --json " + container);
-    EXPECT_EQ(nlohmann::json::parse(run.output)["streams"][0]["sha256"],
-              "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+    EXPECT_NE(run.output.find(R"("streams":[{"type":"snd ","size":3,"sha256":)"
+                              R"("ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},{)"),
+              std::string::npos)
+        << run.output;
     run = Corvane("eval --save-streams abc/x " + container);
     EXPECT_EQ(run.status, 2);
     EXPECT_NE(run.errors.find("abc/x"), std::string::npos);
@@ -171,10 +171,14 @@ TEST_F(Program, ListsWhatThePluginRegistered) {
     const Finished plain = Corvane("functions");
     EXPECT_EQ(plain.output.substr(0, plain.output.find('\n')),
               "1\tTest_Echo\tTest_Echo( value )\t1\t1\t0xFF01");
-    const auto json = nlohmann::ordered_json::parse(Corvane("functions --json").output);
-    ASSERT_EQ(json.size(), 6U);
-    EXPECT_EQ(json[4].dump(),
-              R"({"id":5,"name":"TEST_ECHO","prototype":"Test_Echo","min":0,"max":0,"flags":65281})");
+    const std::string json = Corvane("functions --json").output;
+    EXPECT_EQ(json.substr(0, json.find(',')), "[\n{\"id\":1");
+    EXPECT_NE(json.find("},\n"
+                        R"({"id":5,"name":"TEST_ECHO","prototype":"Test_Echo","min":0,"max":0,"flags":65281})"
+                        ",\n"),
+              std::string::npos)
+        << json;
+    EXPECT_EQ(json.substr(json.size() - 4), "}\n]\n");
 }
 
 TEST_F(Program, TellsAboutThePlugin) {
