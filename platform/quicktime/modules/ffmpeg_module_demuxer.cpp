@@ -180,22 +180,41 @@ private:
         return avcodec_open2(decoder_.get(), codec, nullptr) >= 0;
     }
 
-    /// The container's word where it counts samples, else the sum over its packets.
+    /// The container's word where it counts in units as fine as frames, else what decoding gives; the sum
+    /// over the packets where these are alike. Of a film's sound the container's word is enough.
     bool CountFrames() {
         const AVStream& stream = *format_->streams[stream_];
         const AVRational frame = {1, decoder_->sample_rate};
         const bool estimated = format_->duration_estimation_method == AVFMT_DURATION_FROM_BITRATE;
-        if (!estimated && stream.duration != AV_NOPTS_VALUE) {
+        const bool counted = stream.duration != AV_NOPTS_VALUE && !estimated;
+        if (counted && (facts_.has_video || av_cmp_q(stream.time_base, frame) <= 0)) {
             facts_.frames = std::max<std::int64_t>(0, av_rescale_q(stream.duration, stream.time_base, frame));
             return true;
         }
+        if (facts_.has_video && format_->duration != AV_NOPTS_VALUE) {
+            facts_.frames =
+                std::max<std::int64_t>(0, av_rescale(format_->duration, decoder_->sample_rate, AV_TIME_BASE));
+            return true;
+        }
+        if (estimated && stream.codecpar->frame_size > 0) {
+            AddUpPackets();
+        } else {
+            std::vector<float> decoded;
+            for (; Decode(decoded); decoded.clear())
+                facts_.frames += static_cast<std::int64_t>(decoded.size() / facts_.channels);
+        }
+        return OpenStream();
+    }
+
+    void AddUpPackets() {
+        const AVStream& stream = *format_->streams[stream_];
         std::int64_t units = 0;
         while (av_read_frame(format_.get(), packet_.get()) >= 0) {
             if (packet_->stream_index == stream_) units += packet_->duration;
             av_packet_unref(packet_.get());
         }
+        const AVRational frame = {1, decoder_->sample_rate};
         facts_.frames = std::max<std::int64_t>(0, av_rescale_q(units, stream.time_base, frame));
-        return OpenStream();
     }
 
     std::shared_ptr<DataSource> data_;

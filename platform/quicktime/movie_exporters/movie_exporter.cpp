@@ -1,9 +1,8 @@
 #include "platform/quicktime/movie_exporters/movie_exporter.h"
 
+#include "platform/quicktime/movies/file_io.h"
 #include "platform/quicktime/movies/movie_files.h"
 
-#include <cerrno>
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace qt {
@@ -15,28 +14,16 @@ ExportedFile::~ExportedFile() {
 }
 
 OSErr ExportedFile::Create(const std::string& path, bool replace) {
-    if (replace) ::unlink(path.c_str()); // a movie that is read from the old file keeps it
-    descriptor_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (descriptor_ < 0) return WriteError(errno);
+    descriptor_ = CreateFile(path, replace);
+    if (descriptor_ < 0) return static_cast<OSErr>(descriptor_);
     path_ = path;
     return noErr;
 }
 
 OSErr ExportedFile::Write(std::span<const std::byte> bytes) {
-    const OSErr code = WriteAt(end_, bytes);
+    const OSErr code = WriteAt(descriptor_, end_, bytes);
     end_ += bytes.size();
     return code;
-}
-
-OSErr ExportedFile::WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) {
-    while (!bytes.empty()) {
-        const auto count = ::pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(offset));
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return WriteError(errno);
-        bytes = bytes.subspan(static_cast<std::size_t>(count));
-        offset += static_cast<std::uint64_t>(count);
-    }
-    return noErr;
 }
 
 OSErr MovieExporter::Tell(const MovieRecord& movie, double done) const {

@@ -54,8 +54,6 @@ public:
 
     OSErr Create(const std::string& path, bool replace);
     OSErr Write(std::span<const std::byte> bytes);
-    /// Writes over what is there.
-    OSErr WriteAt(std::uint64_t offset, std::span<const std::byte> bytes);
     void Complete() { completed_ = true; }
 
 private:

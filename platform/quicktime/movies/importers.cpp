@@ -94,10 +94,7 @@ constexpr std::array<Importer, 4> kImporters = {ImportMovieFile, ImportSoundFile
 Imported Import(Handle data_reference, OSType type) {
     OpenedSource opened = OpenDataReference(data_reference, type);
     if (opened.code != noErr) return {opened.code, 0, nullptr};
-    const auto bytes = HandleBytes(data_reference);
-    Handle copy = nullptr;
-    PtrToHand(bytes.data(), &copy, static_cast<Size>(bytes.size()));
-    const DataReference reference = {MemoryHandle(copy), type};
+    const DataReference reference = CopyDataReference(data_reference, type);
     const ImportSource source = {std::move(opened.source), &reference, UnixPathOf(data_reference, type)};
     Imported imported;
     for (const Importer importer : kImporters) {

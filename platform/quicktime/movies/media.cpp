@@ -1,5 +1,6 @@
 #include "platform/quicktime/movies/media.h"
 
+#include "platform/quicktime/movies/handle_bytes.h"
 #include "platform/quicktime/movies/movie_files.h"
 #include "platform/quicktime/movies/movie_model.h"
 #include "platform/quicktime/movies/sound_description.h"
@@ -10,13 +11,6 @@
 namespace {
 
 using qt::MoviesError;
-
-OSErr SetHandle(Handle handle, std::span<const std::byte> bytes) {
-    SetHandleSize(handle, static_cast<Size>(bytes.size()));
-    if (const OSErr code = MemError(); code != noErr) return code;
-    std::copy(bytes.begin(), bytes.end(), qt::HandleBytes(handle).begin());
-    return noErr;
-}
 
 /// Samples in memory, in the blocks that they came in: adding one never moves the others.
 class GrowingMemory final : public qt::GrowingData {
@@ -156,7 +150,7 @@ OSErr GetMediaSampleDescription(Media media, std::int32_t index, Handle descript
     if (media == nullptr) return MoviesError(invalidMedia);
     if (index < 1 || index > GetMediaSampleDescriptionCount(media)) return MoviesError(-2039);
     return MoviesError(
-        SetHandle(description, media->samples->descriptions[static_cast<std::size_t>(index - 1)]));
+        qt::SetHandleBytes(description, media->samples->descriptions[static_cast<std::size_t>(index - 1)]));
 }
 
 OSErr GetMediaDataRef(Media media, std::int32_t index, qt::DataReference& reference,
@@ -236,7 +230,7 @@ OSErr GetMediaSample(Media media, TimeValue time, std::int64_t count, Handle dat
     SetHandleSize(data, BytesOf(all, *first, time, *samples));
     if (code != noErr) return MoviesError(code);
     if (description == nullptr) return MoviesError(noErr);
-    return MoviesError(SetHandle(description, all.descriptions[first->description]));
+    return MoviesError(qt::SetHandleBytes(description, all.descriptions[first->description]));
 }
 
 OSErr SetMediaInputMap(Media media, Handle input_map) {
@@ -248,5 +242,5 @@ OSErr SetMediaInputMap(Media media, Handle input_map) {
 
 OSErr GetMediaInputMap(Media media, Handle input_map) {
     if (media == nullptr) return MoviesError(invalidMedia);
-    return MoviesError(SetHandle(input_map, media->input_map));
+    return MoviesError(qt::SetHandleBytes(input_map, media->input_map));
 }

@@ -59,11 +59,11 @@ OSErr ReadSamples(const MediaSamples& samples, TimeValue time, std::int64_t coun
     return read > 0 || count == 0 ? noErr : eofErr;
 }
 
-DataReference CopyDataReference(const DataReference& reference) {
-    const auto bytes = HandleBytes(reference.handle.get());
+DataReference CopyDataReference(Handle reference, OSType type) {
+    const auto bytes = HandleBytes(reference);
     Handle copy = nullptr;
-    if (reference.handle.get() != nullptr) PtrToHand(bytes.data(), &copy, static_cast<Size>(bytes.size()));
-    return {MemoryHandle(copy), reference.type};
+    if (reference != nullptr) PtrToHand(bytes.data(), &copy, static_cast<Size>(bytes.size()));
+    return {MemoryHandle(copy), type};
 }
 
 DataReference MemoryReference() {

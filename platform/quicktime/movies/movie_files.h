@@ -63,8 +63,6 @@ OSErr OpenMovieStorage(MovieRecord& movie);
 
 /// The file behind an 'alis' reference as a Unix path; empty for other references and unknown drives.
 std::string UnixPathOf(Handle reference, OSType type);
-/// Code for an errno value of writing.
-OSErr WriteError(int error);
 /// An 'alis' reference to a Unix path; couldNotResolveDataRef when no drive covers it.
 OSErr ReferenceToUnixPath(const std::string& path, DataReference& reference);
 

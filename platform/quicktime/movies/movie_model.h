@@ -160,7 +160,11 @@ std::uint32_t MovieTimeFromUnix(std::int64_t seconds);
 /// value × numerator / denominator, rounded to the nearest, without overflow on the way; limited to 64 bits.
 TimeValue Scale(TimeValue value, std::int64_t numerator, std::int64_t denominator);
 
-DataReference CopyDataReference(const DataReference& reference);
+/// Without memory the copy has no handle.
+DataReference CopyDataReference(Handle reference, OSType type);
+inline DataReference CopyDataReference(const DataReference& reference) {
+    return CopyDataReference(reference.handle.get(), reference.type);
+}
 /// The reference of samples that are in memory, of which nobody has a block: its handle is null.
 DataReference MemoryReference();
 

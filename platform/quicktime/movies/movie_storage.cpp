@@ -1,10 +1,11 @@
 #include "platform/quicktime/movies/movie_storage.h"
 
+#include "platform/quicktime/movies/file_io.h"
 #include "platform/quicktime/movies/movie_files.h"
 #include "platform/quicktime/movies/movie_writer.h"
 #include "platform/win32/paths.h"
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -19,29 +20,13 @@ constexpr std::uint64_t kSamples = kSampleDataHeader + 16;
 
 } // namespace
 
-OSErr WriteError(int error) {
-    switch (error) {
-    case ENOSPC:
-    case EDQUOT:
-    case EFBIG: return dskFulErr;
-    case EEXIST: return dupFNErr;
-    case ENOENT:
-    case ENOTDIR: return fnfErr;
-    case EACCES:
-    case EPERM:
-    case EROFS: return wrPermErr;
-    default: return ioErr;
-    }
-}
-
 StorageFile::~StorageFile() {
     if (descriptor_ >= 0) ::close(descriptor_);
 }
 
 OSErr StorageFile::Create(const std::string& path, bool replace) {
-    if (replace) ::unlink(path.c_str()); // whoever reads the old file keeps it
-    descriptor_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (descriptor_ < 0) return WriteError(errno);
+    descriptor_ = CreateFile(path, replace);
+    if (descriptor_ < 0) return static_cast<OSErr>(descriptor_);
     path_ = path;
     AtomWriter start;
     start.Atom(Code("ftyp"), [&] {
@@ -53,7 +38,7 @@ OSErr StorageFile::Create(const std::string& path, bool replace) {
     start.Put32(0);                  // to the end of the file, until it is finished
     start.Put32(Code("mdat"));
     end_ = kSamples;
-    return Write(0, start.Take());
+    return WriteAt(descriptor_, 0, start.Take());
 }
 
 OSErr StorageFile::OpenForAppending(const std::string& path) {
@@ -78,39 +63,19 @@ OSErr StorageFile::Finish(std::span<const std::byte> structure) {
         header.Put32(Code("mdat"));
         header.Put64(size + 8);
     }
-    if (const OSErr code = Write(kSampleDataHeader, header.Take()); code != noErr) return code;
-    return Write(end_, structure);
+    if (const OSErr code = WriteAt(descriptor_, kSampleDataHeader, header.Take()); code != noErr) return code;
+    return WriteAt(descriptor_, end_, structure);
 }
 
 OSErr StorageFile::Append(std::span<const std::byte> bytes) {
-    const OSErr code = Write(end_, bytes);
+    const OSErr code = WriteAt(descriptor_, end_, bytes);
     if (code == noErr) end_ += bytes.size();
     return code;
 }
 
 std::size_t StorageFile::Read(std::uint64_t offset, std::span<std::byte> buffer) noexcept {
-    std::size_t done = 0;
-    while (done < buffer.size() && offset + done < end_) {
-        const auto count = ::pread(descriptor_, buffer.data() + done, buffer.size() - done,
-                                   static_cast<off_t>(offset + done));
-        if (count > 0) {
-            done += static_cast<std::size_t>(count);
-        } else if (count == 0 || errno != EINTR) {
-            break;
-        }
-    }
-    return done;
-}
-
-OSErr StorageFile::Write(std::uint64_t offset, std::span<const std::byte> bytes) {
-    while (!bytes.empty()) {
-        const auto count = ::pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(offset));
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return WriteError(errno);
-        bytes = bytes.subspan(static_cast<std::size_t>(count));
-        offset += static_cast<std::uint64_t>(count);
-    }
-    return noErr;
+    if (offset >= end_) return 0;
+    return ReadAt(descriptor_, offset, buffer.first(std::min<std::uint64_t>(buffer.size(), end_ - offset)));
 }
 
 std::string UnixPathOf(Handle reference, OSType type) {
@@ -119,7 +84,9 @@ std::string UnixPathOf(Handle reference, OSType type) {
     std::u16string path(bytes.size() / sizeof(char16_t), u'\0');
     if (!path.empty()) std::memcpy(path.data(), bytes.data(), path.size() * sizeof(char16_t));
     const win32::UnixPath target = win32::ToUnixPath(path);
-    return target.error == ERROR_SUCCESS ? target.path : std::string();
+    const bool usable =
+        target.error == ERROR_SUCCESS || target.error == ERROR_FILE_NOT_FOUND; // the latter: to create
+    return usable ? target.path : std::string();
 }
 
 OSErr ReferenceToUnixPath(const std::string& path, DataReference& reference) {
@@ -148,11 +115,8 @@ struct CreatedStorage {
 CreatedStorage CreateStorage(Handle data_reference, OSType type, std::uint32_t flags) {
     CreatedStorage created;
     if (type != kAliasDataHandler) return {cantFindHandler, nullptr, {}};
-    const auto bytes = HandleBytes(data_reference);
-    Handle copy = nullptr;
-    created.code = PtrToHand(bytes.data(), &copy, static_cast<Size>(bytes.size()));
-    created.reference = {MemoryHandle(copy), type};
-    if (created.code != noErr) return created;
+    created.reference = CopyDataReference(data_reference, type);
+    if (created.reference.handle.get() == nullptr) return {memFullErr, nullptr, {}};
     const std::string path = UnixPathOf(data_reference, type);
     if (path.empty()) return {fnfErr, nullptr, {}};
     created.file = std::make_shared<StorageFile>();

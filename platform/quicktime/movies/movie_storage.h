@@ -28,8 +28,6 @@ public:
     [[nodiscard]] const std::string& Path() const { return path_; }
 
 private:
-    OSErr Write(std::uint64_t offset, std::span<const std::byte> bytes);
-
     std::string path_;
     int descriptor_ = -1;
     std::uint64_t end_ = 0; ///< of the sample data

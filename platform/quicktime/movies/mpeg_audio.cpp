@@ -131,6 +131,7 @@ struct EncoderNote {
     std::uint32_t delay = 0;  ///< samples before the sound
     std::uint32_t padding = 0;
     bool gapless = false;
+    bool constant = false; ///< every frame has the first one's bit rate
 };
 
 EncoderNote ReadNote(DataSource& data, std::uint64_t offset, const FrameHeader& header) {
@@ -144,6 +145,7 @@ EncoderNote ReadNote(DataSource& data, std::uint64_t offset, const FrameHeader& 
     const OSType magic = BigEndian32(frame, at);
     if (magic == Code("Xing") || magic == Code("Info")) {
         note.present = true;
+        note.constant = magic == Code("Info");
         const std::uint32_t fields = BigEndian32(frame, at + 4);
         at += 8;
         const auto field = [&](std::uint32_t flag, std::size_t size) {
@@ -255,7 +257,7 @@ Imported ImportMpegAudio(const ImportSource& source) {
     const double seconds = static_cast<double>(length) / stream->first.rate;
     const auto bytes =
         static_cast<double>(source.data->GetSize() - std::min(source.data->GetSize(), stream->first_frame));
-    const bool varies = stream->note.present && seconds > 0;
+    const bool varies = stream->note.present && !stream->note.constant && seconds > 0;
     sound.average_bytes_per_second =
         varies ? static_cast<std::uint32_t>(std::min(bytes / seconds, 1e9)) : stream->first.bit_rate / 8;
     samples->descriptions.push_back(DescribeCompressed(sound));

@@ -35,10 +35,6 @@ Bytes ToBytes(Description description, std::span<const std::byte> extensions = {
     return bytes;
 }
 
-std::uint32_t ToFixedRate(double rate) {
-    return rate > 0 && rate < kFixedOne ? static_cast<std::uint32_t>(std::lround(rate * kFixedOne)) : 0;
-}
-
 PcmLayout LpcmLayout(const SoundFormat& format, SampleEncoding encoding) {
     return {encoding, (format.lpcm_flags & kLpcmBigEndian) != 0, format.channels,
             static_cast<std::uint32_t>(std::lround(format.rate))};
@@ -61,13 +57,6 @@ std::optional<SampleEncoding> LpcmEncoding(std::uint32_t bits, std::uint32_t fla
 
 /// The fields of a version-2 description of uncompressed samples.
 SoundDescriptionV2 DescribeLpcm(const PcmLayout& layout) {
-    const std::uint32_t flags =
-        (layout.encoding >= SampleEncoding::kFloat32 ? kLpcmFloat : 0) |
-        (layout.big_endian ? kLpcmBigEndian : 0) |
-        (layout.encoding != SampleEncoding::kUnsigned8 && layout.encoding < SampleEncoding::kFloat32
-             ? kLpcmSigned
-             : 0) |
-        kLpcmPacked;
     SoundDescriptionV2 description;
     description.dataFormat = Code("lpcm");
     description.version = 2;
@@ -78,7 +67,7 @@ SoundDescriptionV2 DescribeLpcm(const PcmLayout& layout) {
     description.audioSampleRate = layout.rate;
     description.numAudioChannels = layout.channels;
     description.constBitsPerChannel = 8 * layout.SampleBytes();
-    description.formatSpecificFlags = flags;
+    description.formatSpecificFlags = LpcmFlags(layout);
     description.constBytesPerAudioPacket = layout.FrameBytes();
     description.constLPCMFramesPerAudioPacket = 1;
     return description;
@@ -162,6 +151,21 @@ std::span<const std::byte> ExtensionsOf(std::span<const std::byte> description, 
 }
 
 } // namespace
+
+std::uint32_t LpcmFlags(const PcmLayout& layout) {
+    std::uint32_t flags = kLpcmPacked;
+    if (layout.big_endian) flags |= kLpcmBigEndian;
+    if (layout.encoding >= SampleEncoding::kFloat32)
+        flags |= kLpcmFloat;
+    else if (layout.encoding != SampleEncoding::kUnsigned8)
+        flags |= kLpcmSigned;
+    return flags;
+}
+
+std::uint32_t FixedRate(double rate) {
+    constexpr double kOne = 65536.0;
+    return rate > 0 && rate < kOne ? static_cast<std::uint32_t>(std::lround(rate * kOne)) : 0;
+}
 
 std::optional<SoundFormat> ReadSoundFormat(std::span<const std::byte> description) {
     if (description.size() < sizeof(SoundDescription)) return std::nullopt;
@@ -292,7 +296,7 @@ Bytes DescribePcm(const PcmLayout& layout) {
     SoundDescriptionV1 description;
     description.numChannels = static_cast<std::int16_t>(layout.channels);
     description.sampleSize = static_cast<std::int16_t>(8 * layout.SampleBytes());
-    description.sampleRate = ToFixedRate(layout.rate);
+    description.sampleRate = FixedRate(layout.rate);
     if (layout.encoding == SampleEncoding::kSigned16) {
         description.dataFormat = layout.big_endian ? Code("twos") : Code("sowt");
         return ToBytes(static_cast<SoundDescription>(description));
@@ -318,7 +322,7 @@ Bytes DescribeCompressed(const CompressedSound& sound) {
     description.numChannels = static_cast<std::int16_t>(sound.channels);
     description.sampleSize = 16;
     description.compressionID = sound.bytes_per_packet != 0 ? -1 : -2;
-    description.sampleRate = ToFixedRate(sound.rate);
+    description.sampleRate = FixedRate(sound.rate);
     description.samplesPerPacket = std::max(1U, sound.frames_per_packet);
     description.bytesPerPacket = sound.channels != 0 ? sound.bytes_per_packet / sound.channels : 0;
     description.bytesPerFrame = sound.bytes_per_packet;
@@ -406,93 +410,3 @@ Bytes SoundDescriptionToFile(std::span<const std::byte> description) {
 }
 
 } // namespace qt
-
-namespace {
-
-OSErr CopyToHandle(std::span<const std::byte> bytes, Handle handle) {
-    if (handle == nullptr) return paramErr;
-    SetHandleSize(handle, static_cast<Size>(bytes.size()));
-    if (const OSErr code = MemError(); code != noErr) return code;
-    std::copy(bytes.begin(), bytes.end(), qt::HandleBytes(handle).begin());
-    return noErr;
-}
-
-AudioStreamBasicDescription StreamOf(const qt::SoundFormat& format,
-                                     const std::optional<qt::PcmLayout>& layout) {
-    AudioStreamBasicDescription stream;
-    stream.mSampleRate = format.rate;
-    stream.mFormatID = format.data_format;
-    stream.mChannelsPerFrame = format.channels;
-    stream.mFramesPerPacket = format.frames_per_packet;
-    stream.mBytesPerPacket = format.bytes_per_packet;
-    if (layout.has_value()) {
-        stream.mFramesPerPacket = 1;
-        stream.mBytesPerPacket = layout->FrameBytes();
-        stream.mBytesPerFrame = layout->FrameBytes();
-        stream.mBitsPerChannel = 8 * layout->SampleBytes();
-        const bool companded = layout->encoding >= qt::SampleEncoding::kMuLaw;
-        if (!companded) {
-            stream.mFormatID = qt::Code("lpcm");
-            stream.mFormatFlags = qt::DescribeLpcm(*layout).formatSpecificFlags;
-        }
-    } else if (format.data_format == qt::Code("alac")) {
-        // Set-up: size, type and version, frames in a packet, a version, then the bits of the source.
-        const auto setup = qt::FindExtension(format.extensions, qt::Code("alac"));
-        stream.mFramesPerPacket = qt::BigEndian32(setup, 4);
-        constexpr std::array<std::uint64_t, 4> kBits = {16, 20, 24, 32};
-        const auto* bits = std::find(kBits.begin(), kBits.end(), qt::BigEndian(setup, 9, 1));
-        if (bits != kBits.end()) stream.mFormatFlags = static_cast<std::uint32_t>(bits - kBits.begin()) + 1;
-    }
-    return stream;
-}
-
-} // namespace
-
-OSErr QTSoundDescriptionGetProperty(Handle description, OSType property_class, OSType property,
-                                    Handle value) {
-    const auto bytes = qt::HandleBytes(description);
-    const auto format = qt::ReadSoundFormat(bytes);
-    if (!format.has_value() || format->channels == 0 || format->rate == 0) return invalidSampleDescription;
-    if (property_class != qt::Code("sdes")) return kQTPropertyNotSupportedErr;
-    if (property == qt::Code("asbd")) {
-        const AudioStreamBasicDescription stream = StreamOf(*format, qt::LayoutOf(bytes));
-        return CopyToHandle(std::as_bytes(std::span(&stream, 1)), value);
-    }
-    const auto first_of = [&](std::initializer_list<OSType> types) {
-        for (const OSType type : types)
-            if (const auto found = qt::FindExtension(format->extensions, type); !found.empty()) return found;
-        return std::span<const std::byte>();
-    };
-    std::span<const std::byte> found;
-    if (property == qt::Code("kuki"))
-        found = first_of({qt::Code("esds"), qt::Code("alac"), qt::Code("dfLa"), qt::Code("dOps")});
-    if (property == qt::Code("clay")) found = first_of({qt::Code("chan")});
-    return found.empty() ? kQTPropertyNotSupportedErr : CopyToHandle(found, value);
-}
-
-OSErr QTSoundDescriptionConvertToV1(Handle description, Handle converted) {
-    const auto bytes = qt::HandleBytes(description);
-    const auto format = qt::ReadSoundFormat(bytes);
-    if (!format.has_value() || format->channels == 0) return invalidSampleDescription;
-    if (format->version == 1) return CopyToHandle(bytes, converted);
-    const AudioStreamBasicDescription stream = StreamOf(*format, qt::LayoutOf(bytes));
-    SoundDescriptionV1 first;
-    first.dataFormat = format->data_format;
-    first.version = 1;
-    first.numChannels = static_cast<std::int16_t>(format->channels);
-    first.sampleSize = static_cast<std::int16_t>(stream.mBitsPerChannel != 0 ? stream.mBitsPerChannel : 16);
-    first.compressionID = stream.mBytesPerPacket != 0 ? -1 : -2;
-    first.sampleRate = qt::ToFixedRate(format->rate);
-    first.samplesPerPacket = std::max(1U, stream.mFramesPerPacket);
-    first.bytesPerPacket = stream.mBytesPerPacket / format->channels;
-    first.bytesPerFrame = stream.mBytesPerPacket;
-    first.bytesPerSample = std::max(1U, stream.mBitsPerChannel / 8);
-    return CopyToHandle(qt::ToBytes(first, format->extensions), converted);
-}
-
-OSErr GetSoundDescriptionExtension(Handle description, Handle extension, OSType type) {
-    const auto format = qt::ReadSoundFormat(qt::HandleBytes(description));
-    if (!format.has_value()) return invalidSampleDescription;
-    const auto found = qt::FindAtom(format->extensions, type);
-    return found.empty() ? kQTPropertyNotSupportedErr : CopyToHandle(found, extension);
-}

@@ -98,6 +98,11 @@ std::optional<SoundFormat> ReadSoundFormat(std::span<const std::byte> descriptio
 /// The layout of uncompressed samples (µ-law and A-law count as such); nothing for compressed ones.
 std::optional<PcmLayout> LayoutOf(std::span<const std::byte> description);
 
+/// Format flags of 'lpcm' for a layout.
+std::uint32_t LpcmFlags(const PcmLayout& layout);
+/// A rate as unsigned 16.16; 0 for one that does not fit.
+std::uint32_t FixedRate(double rate);
+
 /// Data of the first extension of this type, also inside a 'wave' extension; empty when there is none.
 std::span<const std::byte> FindExtension(std::span<const std::byte> extensions, OSType type);
 

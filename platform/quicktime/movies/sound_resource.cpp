@@ -1,5 +1,6 @@
 #include "platform/quicktime/movies/sound_resource.h"
 
+#include "platform/quicktime/movies/handle_bytes.h"
 #include "platform/quicktime/movies/movie_files.h"
 #include "platform/quicktime/movies/movie_model.h"
 #include "platform/quicktime/movies/sound_description.h"
@@ -171,10 +172,7 @@ OSErr PutMovieIntoTypedHandle(Movie movie, Track track, OSType type, Handle reso
     if (track->media == nullptr) return qt::MoviesError(invalidMedia);
     qt::Bytes samples;
     if (const OSErr code = qt::RenderMedia(*track, samples); code != noErr) return qt::MoviesError(code);
-    const qt::Bytes bytes = qt::MakeResource(samples);
-    SetHandleSize(resource, static_cast<Size>(bytes.size()));
-    if (MemError() == noErr) std::ranges::copy(bytes, qt::HandleBytes(resource).begin());
-    return qt::MoviesError(MemError());
+    return qt::MoviesError(qt::SetHandleBytes(resource, qt::MakeResource(samples)));
 }
 
 OSErr PasteHandleIntoMovie(Handle resource, OSType type, Movie movie) {
