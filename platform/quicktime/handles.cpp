@@ -12,6 +12,9 @@ struct Block {
 };
 static_assert(std::is_standard_layout_v<Block>);
 
+/// More than any stream of a container: a larger request comes from nonsense.
+constexpr Size kMaximumSize = Size{1} << 33;
+
 OSErr g_memory_error = noErr;
 
 Block* BlockOf(Handle handle) {
@@ -22,7 +25,7 @@ Block* BlockOf(Handle handle) {
 
 Handle NewHandle(Size size) {
     g_memory_error = size < 0 ? paramErr : memFullErr;
-    if (size < 0) return nullptr;
+    if (size < 0 || size > kMaximumSize) return nullptr;
     auto* block = static_cast<Block*>(std::malloc(sizeof(Block)));
     if (block == nullptr) return nullptr;
     block->size = size;
@@ -50,9 +53,11 @@ Size GetHandleSize(Handle handle) {
 void SetHandleSize(Handle handle, Size size) {
     g_memory_error = paramErr;
     if (handle == nullptr || size < 0) return;
+    g_memory_error = memFullErr;
+    if (size > kMaximumSize) return;
     void* bytes = std::realloc(*handle, size > 0 ? static_cast<std::size_t>(size) : 1);
-    g_memory_error = bytes != nullptr ? noErr : memFullErr;
     if (bytes == nullptr) return;
+    g_memory_error = noErr;
     *handle = static_cast<char*>(bytes);
     BlockOf(handle)->size = size;
 }

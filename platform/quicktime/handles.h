@@ -10,7 +10,8 @@
 /// resized or disposed of.
 using Handle = char**;
 
-/// A block of `size` bytes, not cleared; null without memory (see MemError) or for a negative size.
+/// A block of `size` bytes, not cleared; null without memory (see MemError), for more
+/// than 8 GiB, or for a negative size.
 Handle NewHandle(Size size);
 void DisposeHandle(Handle handle); ///< null is allowed
 Size GetHandleSize(Handle handle);
