@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace corvane {
 namespace {
@@ -33,7 +32,7 @@ std::vector<int> Amplify(const std::vector<int>& samples, OSType format, float f
     const std::vector<std::byte> bytes = SamplesToBytes(samples, order);
     alignas(64) static std::byte memory[8192];
     const std::span<std::byte> block(memory + shift, bytes.size());
-    std::memcpy(block.data(), bytes.data(), bytes.size());
+    std::copy(bytes.begin(), bytes.end(), block.begin());
     memory[shift + bytes.size()] = std::byte{0xA5};
     EXPECT_EQ(AmplifyBlock(block, format, 1, samples.size(), factor, limit), 0);
     EXPECT_EQ(memory[shift + bytes.size()], std::byte{0xA5});
