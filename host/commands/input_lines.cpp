@@ -25,7 +25,7 @@ std::optional<std::string_view> InputLines::Next() {
 }
 
 bool InputLines::Fill() {
-    constexpr std::size_t kPiece = 64 * 1024;
+    constexpr std::size_t kPiece = std::size_t{64} << 10;
     if (ended_) return false;
     before_reading_();
     buffer_.erase(0, begin_);

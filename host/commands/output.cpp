@@ -10,7 +10,7 @@ namespace host {
 Output::Output() : terminal_(::isatty(STDOUT_FILENO) == 1) {}
 
 void Output::EndPiece() {
-    constexpr std::size_t kPiece = 64 * 1024;
+    constexpr std::size_t kPiece = std::size_t{64} << 10;
     if (terminal_ || buffer_.size() >= kPiece) Flush();
 }
 

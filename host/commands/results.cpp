@@ -79,10 +79,9 @@ std::string SaveStreams(const std::string& folder, std::size_t number, const FM_
     if (error) return "cannot make the folder " + folder + ": " + error.message();
     const std::vector<fm::Stream>& streams = value.AsContainer().streams;
     for (std::size_t i = 0; i < streams.size(); ++i) {
-        const std::string name =
-            std::to_string(number) + '-' + std::to_string(i) + '-' + NameOfType(streams[i].type);
-        if (std::string problem = WriteFile(folder + '/' + name, *streams[i].bytes); !problem.empty())
-            return problem;
+        std::string path = folder + '/' + std::to_string(number) + '-';
+        path += std::to_string(i) + '-' + NameOfType(streams[i].type);
+        if (std::string problem = WriteFile(path, *streams[i].bytes); !problem.empty()) return problem;
     }
     return {};
 }

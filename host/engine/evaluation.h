@@ -30,7 +30,7 @@ public:
     [[nodiscard]] const std::string& Message() const { return message_; }
 
 private:
-    FM_Data ValueOf(const Literal& literal);
+    static FM_Data ValueOf(const Literal& literal);
     FM_Data ValueOf(const LocalVariable& variable);
     FM_Data ValueOf(const SessionVariable& variable);
     FM_Data ValueOf(const Not& operation);

@@ -68,7 +68,7 @@ Token Lexer::Make(TokenKind kind, std::size_t length) {
     return token;
 }
 
-Token Lexer::Invalid(std::string complaint) {
+Token Lexer::Invalid(std::string complaint) const {
     Token token;
     token.kind = TokenKind::kInvalid;
     token.offset = position_;

@@ -42,7 +42,7 @@ private:
     Token Name(TokenKind kind, std::size_t prefix);
     Token Symbol();
     Token Make(TokenKind kind, std::size_t length);
-    Token Invalid(std::string complaint);
+    [[nodiscard]] Token Invalid(std::string complaint) const;
 
     std::string_view source_;
     std::size_t position_ = 0;

@@ -50,6 +50,13 @@ private:
     int& depth_;
 };
 
+template <class Unary>
+Expression Applied(Expression operand) {
+    Unary operation;
+    operation.operand = std::make_unique<Expression>(std::move(operand));
+    return Expression{std::move(operation)};
+}
+
 std::string Quoted(std::string_view text) {
     return '"' + std::string(text) + '"';
 }
@@ -142,20 +149,15 @@ std::optional<Expression> Parser::ParseRank(std::size_t rank) {
     return Expression{std::move(chain)};
 }
 
-std::unique_ptr<Expression> Parser::ParseOperand(std::size_t rank) {
-    auto operand = rank < kRankCount ? ParseNot(rank) : ParseSigned();
-    return operand ? std::make_unique<Expression>(std::move(*operand)) : nullptr;
-}
-
 // At the head of a comparison "not" negates all of it: not a = b.
 std::optional<Expression> Parser::ParseNot(std::size_t operand_rank) {
     if (!AtWord("not")) return ParseRank(operand_rank);
     const Nesting nesting(depth_);
     if (depth_ > kMaxDepth) return Fail(token_.offset, "nested too deeply");
     Advance();
-    auto operand = ParseOperand(operand_rank);
+    auto operand = ParseNot(operand_rank);
     if (!operand) return std::nullopt;
-    return Expression{Not{std::move(operand)}};
+    return Applied<Not>(std::move(*operand));
 }
 
 std::optional<Expression> Parser::ParseSigned() {
@@ -165,11 +167,11 @@ std::optional<Expression> Parser::ParseSigned() {
     const Nesting nesting(depth_);
     if (depth_ > kMaxDepth) return Fail(token_.offset, "nested too deeply");
     Advance();
-    auto operand = ParseOperand(kRankCount);
+    auto operand = ParseSigned();
     if (!operand) return std::nullopt;
-    if (inverted) return Expression{Not{std::move(operand)}};
-    if (negated) return Expression{Negation{std::move(operand)}};
-    return std::move(*operand);
+    if (inverted) return Applied<Not>(std::move(*operand));
+    if (negated) return Applied<Negation>(std::move(*operand));
+    return operand;
 }
 
 std::optional<Expression> Parser::ParsePrimary() {

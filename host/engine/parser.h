@@ -39,7 +39,6 @@ private:
     bool ParseBinding(Let& let);
     std::optional<Expression> ParseCall(const Token& name);
     bool ParseArguments(std::vector<Expression>& arguments, bool lists);
-    std::unique_ptr<Expression> ParseOperand(std::size_t rank);
 
     [[nodiscard]] bool At(std::string_view symbol) const;
     [[nodiscard]] bool AtWord(std::string_view word) const;
