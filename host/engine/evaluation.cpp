@@ -12,7 +12,7 @@ namespace host {
 Evaluation::Evaluation(Engine& engine) : engine_(engine), allowance_(engine.text_allowance) {}
 
 FM_Data Evaluation::Value(const Expression& expression) {
-    return std::visit([this](const auto& node) { return ValueOf(node); }, expression.node);
+    return std::visit([this](const auto& node) { return this->ValueOf(node); }, expression.node);
 }
 
 bool Evaluation::Charge(std::size_t units) {
