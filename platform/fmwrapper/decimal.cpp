@@ -182,9 +182,9 @@ std::optional<Decimal> operator*(const Decimal& a, const Decimal& b) {
 
 std::optional<Decimal> operator/(const Decimal& a, const Decimal& b) {
     if (b.IsZero()) return std::nullopt;
-    // a/b = units_a × 10^(scale_b - scale_a) / units_b. Enough places for 16 significant digits:
+    // a/b = units_a × 10^(scale_b - scale_a) / units_b. Places for 16 significant digits:
     const int magnitude = (DigitCount(a.units_) - a.scale_) - (DigitCount(b.units_) - b.scale_);
-    const int places = kQuotientDigits + std::max(0, 1 - magnitude);
+    const int places = kQuotientDigits + std::max(0, -magnitude);
     const int exponent = b.scale_ - a.scale_ + places;
     const mpz_class dividend = exponent >= 0 ? mpz_class(a.units_ * PowerOfTen(exponent)) : a.units_;
     const mpz_class divisor = exponent >= 0 ? b.units_ : mpz_class(b.units_ * PowerOfTen(-exponent));

@@ -13,9 +13,12 @@ bool IsContinuation(unsigned char byte) {
     return (byte & 0xC0) == 0x80;
 }
 
-// The C library's own Unicode tables; C.UTF-8 is built into it.
+// The C library's own Unicode tables. A system stripped of them maps the ASCII letters only.
 locale_t UnicodeLocale() {
-    static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    static const locale_t locale = [] {
+        const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+        return unicode != nullptr ? unicode : newlocale(LC_CTYPE_MASK, "C", nullptr);
+    }();
     return locale;
 }
 
