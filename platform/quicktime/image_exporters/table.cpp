@@ -1,0 +1,24 @@
+#include "platform/quicktime/image_exporters/exporter.h"
+
+#include <algorithm>
+#include <array>
+
+namespace qt {
+namespace {
+
+constexpr std::array<const ImageExporter*, 0> kExporters = {};
+
+} // namespace
+
+std::span<const ImageExporter* const> ImageExporters() {
+    return kExporters;
+}
+
+const ImageExporter* FindImageExporter(OSType type) {
+    const auto* found = std::ranges::find_if(kExporters, [&](const ImageExporter* exporter) {
+        return std::ranges::find(exporter->types, type) != exporter->types.end();
+    });
+    return found != kExporters.end() ? *found : nullptr;
+}
+
+} // namespace qt
