@@ -1,116 +1,21 @@
 // JPEG, through libjpeg.
-//
-// The library reports errors by a long jump over its own frames and those between setjmp and the call, so
-// nothing in between may own anything: the state of a read is one plain struct, and DataSource::Read, which
-// the library's callbacks use, neither throws nor jumps.
 #include "platform/quicktime/image_codecs/codec.h"
 #include "platform/quicktime/image_codecs/exif_resolution.h"
+#include "platform/quicktime/image_codecs/jpeg_decode.h"
+#include "platform/quicktime/image_codecs/jpeg_metadata.h"
+#include "platform/quicktime/image_codecs/jpeg_reader.h"
 
 #include <algorithm>
 #include <array>
-#include <csetjmp>
-#include <cstdio> // before jpeglib.h, which needs it and does not include it
-
-#include <jerror.h>
-#include <jpeglib.h>
 
 namespace qt {
 namespace {
 
 constexpr std::array<OSType, 3> kTypes = {Code("JPEG"), Code("jpeg"), Code("JFIF")};
-constexpr int kExifMarker = JPEG_APP0 + 1;
-constexpr std::size_t kExifBytes = 4096; ///< the first directory of an EXIF block lies well within
-constexpr std::array<char, 6> kExifTag = {'E', 'x', 'i', 'f', '\0', '\0'};
-
-struct HeaderReader {
-    jpeg_decompress_struct decompress;
-    jpeg_error_mgr errors;
-    std::jmp_buf failed;
-    jpeg_source_mgr input;
-    DataSource* source;
-    std::uint64_t offset; ///< in the source, of the byte behind the buffer
-    std::array<std::byte, 1024> buffer;
-    std::array<std::byte, kExifBytes> exif; ///< the block's beginning, without its tag
-    std::size_t exif_size;
-};
-
-HeaderReader& ReaderOf(j_common_ptr common) {
-    return *static_cast<HeaderReader*>(common->client_data);
-}
-
-HeaderReader& ReaderOf(j_decompress_ptr decompress) {
-    return *static_cast<HeaderReader*>(decompress->client_data);
-}
-
-void OnError(j_common_ptr common) {
-    std::longjmp(ReaderOf(common).failed, 1);
-}
-
-void OnMessage(j_common_ptr, int) {}
-
-void OnStart(j_decompress_ptr) {}
-
-boolean OnFill(j_decompress_ptr decompress) {
-    HeaderReader& reader = ReaderOf(decompress);
-    const std::size_t count = reader.source->Read(reader.offset, reader.buffer);
-    if (count == 0) ERREXIT(decompress, JERR_INPUT_EOF);
-    reader.offset += count;
-    reader.input.next_input_byte = reinterpret_cast<const JOCTET*>(reader.buffer.data());
-    reader.input.bytes_in_buffer = count;
-    return TRUE;
-}
-
-void OnSkip(j_decompress_ptr decompress, long count) {
-    if (count <= 0) return;
-    HeaderReader& reader = ReaderOf(decompress);
-    const auto skipped = static_cast<std::size_t>(count);
-    const std::size_t in_buffer = std::min(skipped, reader.input.bytes_in_buffer);
-    reader.input.next_input_byte += in_buffer;
-    reader.input.bytes_in_buffer -= in_buffer;
-    reader.offset += skipped - in_buffer;
-}
-
-unsigned NextByte(j_decompress_ptr decompress) {
-    jpeg_source_mgr& input = *decompress->src;
-    if (input.bytes_in_buffer == 0) OnFill(decompress);
-    --input.bytes_in_buffer;
-    return *input.next_input_byte++;
-}
-
-/// Keeps the beginning of the first EXIF block; other blocks under the same marker are skipped.
-boolean OnExif(j_decompress_ptr decompress) {
-    HeaderReader& reader = ReaderOf(decompress);
-    unsigned remaining = NextByte(decompress) << 8;
-    remaining |= NextByte(decompress);
-    if (remaining < 2) ERREXIT(decompress, JERR_BAD_LENGTH);
-    remaining -= 2;
-    bool is_exif = reader.exif_size == 0 && remaining > kExifTag.size();
-    for (std::size_t i = 0; is_exif && i < kExifTag.size(); ++i, --remaining) {
-        is_exif = NextByte(decompress) == static_cast<unsigned char>(kExifTag[i]);
-    }
-    for (; is_exif && remaining > 0 && reader.exif_size < kExifBytes; --remaining) {
-        reader.exif[reader.exif_size++] = static_cast<std::byte>(NextByte(decompress));
-    }
-    OnSkip(decompress, static_cast<long>(remaining));
-    return TRUE;
-}
-
-/// False when the library refuses the data. The caller destroys the reader's decompressor either way.
-bool ReadHeader(HeaderReader& reader) {
+/// False when the library refuses the data.
+bool ReadHeader(JpegReader& reader) {
     if (setjmp(reader.failed) != 0) return false;
-    reader.decompress.err = jpeg_std_error(&reader.errors);
-    reader.errors.error_exit = OnError;
-    reader.errors.emit_message = OnMessage;
-    reader.decompress.client_data = &reader;
-    jpeg_create_decompress(&reader.decompress);
-    reader.input.init_source = OnStart;
-    reader.input.fill_input_buffer = OnFill;
-    reader.input.skip_input_data = OnSkip;
-    reader.input.resync_to_restart = jpeg_resync_to_restart;
-    reader.input.term_source = OnStart;
-    reader.decompress.src = &reader.input;
-    jpeg_set_marker_processor(&reader.decompress, kExifMarker, OnExif);
-    jpeg_read_header(&reader.decompress, TRUE);
+    ReadJpegHeader(reader);
     return true;
 }
 
@@ -139,7 +44,7 @@ std::int32_t QualityOf(const jpeg_decompress_struct& decompress) {
     return std::clamp(static_cast<std::int32_t>(quality * 10.24 + 0.5), 0, 1023);
 }
 
-void SetResolution(const HeaderReader& reader, ImageDescription& description) {
+void SetResolution(const JpegReader& reader, ImageDescription& description) {
     const jpeg_decompress_struct& jpeg = reader.decompress;
     constexpr double kCentimetresPerInch = 2.54;
     Resolution resolution{};
@@ -153,7 +58,7 @@ void SetResolution(const HeaderReader& reader, ImageDescription& description) {
     description.vRes = FixedResolution(resolution.vertical);
 }
 
-ComponentResult TakeFacts(HeaderReader& reader, ImageFacts& facts) {
+ComponentResult TakeFacts(JpegReader& reader, ImageFacts& facts) {
     const jpeg_decompress_struct& jpeg = reader.decompress;
     std::array<std::byte, 1> first;
     const bool scan_begins =
@@ -175,12 +80,9 @@ bool Sniff(std::span<const std::byte> head) {
 }
 
 ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
-    HeaderReader reader;
-    reader.decompress.mem = nullptr; // nothing to destroy while the library has not made it
-    reader.source = &source;
-    reader.offset = 0;
-    reader.exif_size = 0;
-    reader.input.bytes_in_buffer = 0;
+    JpegReader reader;
+    std::array<std::byte, 1024> buffer;
+    PrepareJpeg(reader, source, buffer);
     const ComponentResult code = ReadHeader(reader) ? TakeFacts(reader, facts) : codecBadDataErr;
     jpeg_destroy_decompress(&reader.decompress);
     return code;
@@ -188,6 +90,6 @@ ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
 
 } // namespace
 
-const ImageCodec kJpegCodec = {kTypes, Sniff, ReadFacts, true};
+const ImageCodec kJpegCodec = {kTypes, Sniff, ReadFacts, true, DecodeJpeg, ReadJpegMetadata};
 
 } // namespace qt

@@ -1,6 +1,8 @@
 // PNG. The facts stand in a few chunks in front of the pixel data; all others are stepped over unread, so
 // that a large colour profile or text costs nothing.
 #include "platform/quicktime/image_codecs/codec.h"
+#include "platform/quicktime/image_codecs/png_decode.h"
+#include "platform/quicktime/image_codecs/png_metadata.h"
 
 #include <algorithm>
 #include <array>
@@ -115,6 +117,6 @@ ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
 
 } // namespace
 
-const ImageCodec kPngCodec = {kTypes, Sniff, ReadFacts, true};
+const ImageCodec kPngCodec = {kTypes, Sniff, ReadFacts, true, DecodePng, ReadPngMetadata};
 
 } // namespace qt

@@ -1,0 +1,119 @@
+#include "platform/quicktime/image_codecs/metadata_items.h"
+
+#include "platform/quicktime/image_codecs/raster.h"
+#include "platform/quicktime/modules/metadata_module.h"
+#include "platform/text/utf.h"
+#include "platform/win32/modules.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+
+namespace qt {
+namespace {
+
+struct Meaning {
+    std::string_view key;
+    OSType type;
+};
+
+constexpr std::array<Meaning, 25> kMeanings = {{
+    {"Iptc.Application2.ObjectName", TextItem("nam")},
+    {"Iptc.Application2.Caption", TextItem("des")},
+    {"Iptc.Application2.Headline", TextItem("inf")},
+    {"Iptc.Application2.Byline", TextItem("aut")},
+    {"Iptc.Application2.Credit", TextItem("prd")},
+    {"Iptc.Application2.Source", TextItem("src")},
+    {"Iptc.Application2.Copyright", TextItem("cpy")},
+    {"Iptc.Application2.Keywords", TextItem("key")},
+    {"Iptc.Application2.DateCreated", TextItem("day")},
+    {"Iptc.Application2.Program", TextItem("swr")},
+    {"Iptc.Application2.SpecialInstructions", TextItem("req")},
+    {"Iptc.Application2.Writer", TextItem("wrt")},
+    {"Xmp.dc.title", TextItem("nam")},
+    {"Xmp.dc.description", TextItem("des")},
+    {"Xmp.dc.creator", TextItem("aut")},
+    {"Xmp.dc.source", TextItem("src")},
+    {"Xmp.dc.rights", TextItem("cpy")},
+    {"Xmp.dc.subject", TextItem("key")},
+    {"Xmp.photoshop.Headline", TextItem("inf")},
+    {"Xmp.photoshop.Credit", TextItem("prd")},
+    {"Xmp.photoshop.DateCreated", TextItem("day")},
+    {"Xmp.photoshop.Instructions", TextItem("req")},
+    {"Xmp.photoshop.CaptionWriter", TextItem("wrt")},
+    {"Xmp.xmp.CreateDate", TextItem("day")},
+    {"Xmp.xmp.CreatorTool", TextItem("swr")},
+}};
+
+struct Received {
+    std::vector<MetadataItem>& items;
+    std::size_t already; ///< items that were there before: their types take no more
+    bool only_new_types;
+};
+
+void Receive(void* context, const char* key, const char* text, std::size_t size) {
+    const auto& received = *static_cast<Received*>(context);
+    const auto* meaning = std::ranges::find(kMeanings, key, &Meaning::key);
+    if (meaning == kMeanings.end()) return;
+    const auto known = std::span(received.items).first(received.already);
+    if (received.only_new_types &&
+        std::ranges::find(known, meaning->type, &MetadataItem::type) != known.end())
+        return;
+    try {
+        AppendTextItem(meaning->type, {text, size}, received.items);
+    } catch (const std::bad_alloc&) {
+        return; // one text less
+    }
+}
+
+const MetadataModule* Module() {
+    return static_cast<const MetadataModule*>(win32::LoadModule("metadata").table);
+}
+
+} // namespace
+
+void AppendTextItem(OSType type, std::string_view text, std::vector<MetadataItem>& items) {
+    if (text.empty()) return;
+    if (!utf::IsValid(text)) {
+        items.push_back({type, std::string(text)});
+        return;
+    }
+    std::string latin;
+    for (std::size_t position = 0; position < text.size();) {
+        const char32_t character = utf::Next(text, position);
+        latin += character <= 0xFF ? static_cast<char>(character) : '?';
+    }
+    items.push_back({type, std::move(latin)});
+}
+
+void AppendIptcItems(std::span<const std::byte> record, std::vector<MetadataItem>& items) {
+    const MetadataModule* module = record.empty() ? nullptr : Module();
+    if (module == nullptr) return;
+    Received received{items, items.size(), false};
+    module->read_iptc(record.data(), record.size(), Receive, &received);
+}
+
+void AppendXmpItems(std::string_view packet, std::vector<MetadataItem>& items) {
+    const MetadataModule* module = packet.empty() ? nullptr : Module();
+    if (module == nullptr) return;
+    Received received{items, items.size(), true};
+    module->read_xmp(packet.data(), packet.size(), Receive, &received);
+}
+
+std::span<const std::byte> FindImageResource(std::span<const std::byte> resources, std::uint32_t id) {
+    constexpr std::size_t kFixedSize = 12; // signature, number, the shortest name, size
+    const auto even = [](std::size_t size) { return size + size % 2; };
+    while (resources.size() >= kFixedSize && BigEndian32(resources.data()) == Code("8BIM")) {
+        const std::uint32_t number = BigEndian16(resources.data() + 4);
+        const std::size_t name_size = even(1 + std::to_integer<std::size_t>(resources[6]));
+        if (resources.size() < 10 + name_size) break;
+        const std::size_t size = BigEndian32(resources.data() + 6 + name_size);
+        resources = resources.subspan(10 + name_size);
+        if (number == id) return resources.first(std::min(size, resources.size()));
+        if (even(size) >= resources.size()) break;
+        resources = resources.subspan(even(size));
+    }
+    return {};
+}
+
+} // namespace qt

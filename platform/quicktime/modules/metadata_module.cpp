@@ -1,0 +1,55 @@
+#include "platform/quicktime/modules/metadata_module.h"
+
+#include <exiv2/exiv2.hpp>
+
+#include <limits>
+#include <string>
+
+namespace {
+
+/// The library prints its warnings unless it is told not to.
+void BeQuiet() {
+    Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
+}
+
+template <class Properties>
+void HandOver(const Properties& properties, MetadataReceiver receiver, void* context) {
+    for (const auto& property : properties) {
+        // Of the same text in several languages, the library gives the default one for any index.
+        const long count = property.typeId() == Exiv2::langAlt ? 1 : property.count();
+        for (long i = 0; i < count; ++i) {
+            const std::string text = property.toString(i);
+            receiver(context, property.key().c_str(), text.data(), text.size());
+        }
+    }
+}
+
+void ReadIptc(const void* record, std::size_t size, MetadataReceiver receiver, void* context) {
+    if (size > std::numeric_limits<std::uint32_t>::max()) return;
+    BeQuiet();
+    try {
+        Exiv2::IptcData data;
+        Exiv2::IptcParser::decode(data, static_cast<const Exiv2::byte*>(record),
+                                  static_cast<std::uint32_t>(size));
+        HandOver(data, receiver, context);
+    } catch (const std::exception&) {
+        return; // a broken record has no texts
+    }
+}
+
+void ReadXmp(const char* packet, std::size_t size, MetadataReceiver receiver, void* context) {
+    BeQuiet();
+    try {
+        Exiv2::XmpData data;
+        if (Exiv2::XmpParser::decode(data, std::string(packet, size)) == 0) HandOver(data, receiver, context);
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
+} // namespace
+
+extern "C" __attribute__((visibility("default"))) const void* corvane_module() {
+    static const MetadataModule module = {ReadIptc, ReadXmp};
+    return &module;
+}
