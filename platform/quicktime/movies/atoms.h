@@ -47,16 +47,17 @@ public:
         const std::size_t size = BigEndian32(rest_, 0);
         if (size < 8) return false;
         type_ = BigEndian32(rest_, 4);
-        data_ = Tail(rest_, 8, size - 8);
+        whole_ = Tail(rest_, 0, size);
         rest_ = Tail(rest_, size);
         return true;
     }
     [[nodiscard]] OSType Type() const { return type_; }
-    [[nodiscard]] std::span<const std::byte> Data() const { return data_; }
+    [[nodiscard]] std::span<const std::byte> Data() const { return whole_.subspan(8); }
+    [[nodiscard]] std::span<const std::byte> Whole() const { return whole_; } ///< with its header
 
 private:
     std::span<const std::byte> rest_;
-    std::span<const std::byte> data_;
+    std::span<const std::byte> whole_;
     OSType type_ = 0;
 };
 

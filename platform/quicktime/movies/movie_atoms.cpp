@@ -130,7 +130,7 @@ private:
         DescriptionReferences references;
         for (AtomWalk walk(Tail(atom, 8)); walk.Next() && references.size() < kMostReferences;) {
             // A description is an atom whose type is the data format; it is kept with its header.
-            const auto whole = std::span(walk.Data().data() - 8, walk.Data().size() + 8);
+            const auto whole = walk.Whole();
             Bytes description(whole.begin(), whole.end());
             if (media.type == Code("soun")) {
                 auto sound = SoundDescriptionFromFile(whole);

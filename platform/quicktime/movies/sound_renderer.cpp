@@ -93,8 +93,8 @@ public:
             const Span* span = Next(at);
             if (span == nullptr || span->start >= end) break;
             at = std::max(at, span->start);
-            if (span != current_) {
-                if (const OSErr code = Begin(*span); code != noErr) return code;
+            if (span != current_ || at != mixed_to_) {
+                if (const OSErr code = Begin(*span, at); code != noErr) return code;
             }
             const std::int64_t count = std::min(end, span->start + span->frames) - at;
             if (const OSErr code = Fill(static_cast<std::size_t>(count) * target_.channels); code != noErr)
@@ -105,6 +105,7 @@ public:
             for (std::size_t i = 0; i < part.size(); ++i) out[i] += part[i];
             ready_.erase(ready_.begin(), ready_.begin() + static_cast<std::ptrdiff_t>(part.size()));
             at += count;
+            mixed_to_ = at;
         }
         return noErr;
     }
@@ -116,9 +117,10 @@ private:
         return next_ < spans_.size() ? &spans_[next_] : nullptr;
     }
 
-    OSErr Begin(const Span& span) {
+    /// Starts a span, or goes on in one of which a part was copied: that is never one of another rate.
+    OSErr Begin(const Span& span, std::int64_t at) {
         current_ = &span;
-        consumed_ = 0;
+        consumed_ = at - span.start;
         ready_.clear();
         resampler_.reset();
         if (source_.rate == target_.rate) return noErr;
@@ -189,6 +191,7 @@ private:
     std::vector<Span> spans_;
     std::size_t next_ = 0;
     const Span* current_ = nullptr;
+    std::int64_t mixed_to_ = 0; ///< the frame that `ready_` begins with
     std::int64_t consumed_ = 0; ///< of the current span's source frames
     std::unique_ptr<Resampler> resampler_;
     Bytes bytes_;

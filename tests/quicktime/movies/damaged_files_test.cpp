@@ -1,0 +1,110 @@
+#include "tests/quicktime/movies/movie_test.h"
+
+#include "tests/support/files.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+namespace {
+
+using corvane::test::MovieTest;
+
+class DamagedFiles : public MovieTest {
+protected:
+    /// Opens and exports the bytes as a file; whatever comes of it.
+    void Use(const std::string& name, const std::string& bytes) const {
+        corvane::test::WriteBytes(Path(name), bytes);
+        const qt::DataReference reference = Reference(name);
+        Movie opened = nullptr;
+        const OSErr code = NewMovieFromDataRef(&opened, reference.handle.get(), reference.type);
+        const qt::OwnedMovie movie(opened);
+        ASSERT_EQ(code == noErr, movie != nullptr);
+        if (movie == nullptr) return;
+        const TimeScale scale = GetMovieTimeScale(movie.get());
+        ASSERT_GT(scale, 0);
+        if (GetMovieDuration(movie.get()) > 60 * TimeValue{scale})
+            SetMovieSelection(movie.get(), 0, 2 * scale);
+        TimeValue start = 0;
+        TimeValue duration = 0;
+        GetMovieSelection(movie.get(), &start, &duration);
+        const qt::OwnedMovie part(duration > 0 ? CopyMovieSelection(movie.get()) : nullptr);
+        const OSErr exported = Export(part != nullptr ? part.get() : movie.get(), "out.wav");
+        EXPECT_EQ(exported == noErr, corvane::test::IsThere(Path("out.wav")));
+        if (exported == noErr) std::remove(Path("out.wav").c_str());
+    }
+};
+
+TEST_F(DamagedFiles, EndInASoundOrACode) {
+    ASSERT_TRUE(Run("sox -R -r 8000 -n -c 2 -b 16 s.wav synth 0.3 pinknoise gain -3"));
+    ASSERT_TRUE(
+        Run("sox s.wav s.aiff && sox s.wav s.au && sox s.wav s.caf && sox s.wav s.flac && sox s.wav s.ogg && "
+            "sox s.wav -e ima-adpcm ima.wav && sox s.wav -e gsm-full-rate gsm.wav && lame --resample 16 "
+            "s.wav s.mp3 && "
+            "ffmpeg -i s.wav -c:a aac s.m4a && ffmpeg -i s.wav -c:a alac alac.m4a && "
+            "ffmpeg -i s.wav -c:a pcm_s16be s.mov && ffmpeg -i s.wav -c:a adpcm_ima_qt ima.mov && "
+            "ffmpeg -i s.wav s.aac"));
+    const auto begin = std::chrono::steady_clock::now();
+    for (const char* name : {"s.wav", "s.aiff", "s.au", "s.caf", "s.flac", "s.ogg", "ima.wav", "gsm.wav",
+                             "s.mp3", "s.m4a", "alac.m4a", "s.mov", "ima.mov", "s.aac"}) {
+        const std::string bytes = corvane::test::ReadBytes(Path(name));
+        const std::string damaged = std::string("damaged-") + name;
+        for (const double part : {0.0, 0.001, 0.01, 0.02, 0.1, 0.5, 0.9, 0.99})
+            Use(damaged, bytes.substr(0, static_cast<std::size_t>(part * static_cast<double>(bytes.size()))));
+        std::uint32_t random = 12345;
+        for (int round = 0; round < 40; ++round) {
+            std::string flipped = bytes;
+            for (int i = 0; i < 1 + round; ++i) {
+                random = random * 1664525 + 1013904223;
+                // Mostly where headers are: at both ends.
+                std::size_t at = random >> 8;
+                at = round % 2 == 0 ? at % bytes.size() : at % std::min<std::size_t>(300, bytes.size());
+                if (round % 4 == 3) at = bytes.size() - 1 - at;
+                flipped[at] = static_cast<char>(flipped[at] ^ (1 << (random & 7)));
+            }
+            Use(damaged, flipped);
+        }
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::minutes(3));
+}
+
+TEST_F(DamagedFiles, HeadersThatClaimMoreThanThereIs) {
+    ASSERT_TRUE(Run("sox -R -r 44100 -n -c 2 -b 16 s.wav synth 1000s pinknoise"));
+    std::string wave = corvane::test::ReadBytes(Path("s.wav"));
+    for (const std::size_t field : {std::size_t{4}, std::size_t{40}})
+        wave.replace(field, 4, "\xF0\xFF\xFF\x7F");
+    corvane::test::WriteBytes(Path("claims.wav"), wave);
+    EXPECT_EQ(GetMovieDuration(Open("claims.wav").get()), 1000);
+    for (const std::size_t field : {std::size_t{22}, std::size_t{24}}) { // no channels, no rate
+        std::string none = corvane::test::ReadBytes(Path("s.wav"));
+        none.replace(field, field == 22 ? 2 : 4, field == 22 ? 2 : 4, '\0');
+        corvane::test::WriteBytes(Path("none.wav"), none);
+        const qt::DataReference reference = Reference("none.wav");
+        Movie movie = nullptr;
+        EXPECT_EQ(NewMovieFromDataRef(&movie, reference.handle.get(), reference.type), badFileFormat);
+    }
+    ASSERT_TRUE(Run("sox -r 44100 -n -c 2 -b 16 empty.wav trim 0 0"));
+    const qt::OwnedMovie empty = Open("empty.wav");
+    EXPECT_EQ(GetMovieDuration(empty.get()), 0);
+    EXPECT_EQ(Exported(empty.get()).size(), 0U);
+    EXPECT_EQ(corvane::test::ReadBytes(Path("exported.wav")).size(), 44U);
+}
+
+TEST_F(DamagedFiles, ASampleTableCannotClaimMoreThanItsFileHolds) {
+    ASSERT_TRUE(Run(
+        "sox -R -r 44100 -n -c 2 -b 16 s.wav synth 1000s pinknoise && ffmpeg -i s.wav -c:a pcm_s16le s.mov"));
+    std::string movie = corvane::test::ReadBytes(Path("s.mov"));
+    const std::size_t map = movie.find("stsc");
+    ASSERT_NE(map, std::string::npos);
+    movie.replace(map + 16, 4, "\xFF\xFF\xFF\xFF");
+    corvane::test::WriteBytes(Path("long.mov"), movie);
+    const qt::OwnedMovie opened = Open("long.mov");
+    const Media media = GetTrackMedia(corvane::test::FirstSoundTrack(opened.get()));
+    EXPECT_LE(GetMediaDuration(media) * 4, static_cast<TimeValue>(movie.size()));
+    const qt::MemoryHandle data(NewHandle(0));
+    std::int64_t read = 0;
+    ASSERT_EQ(GetMediaSample(media, 0, TimeValue{1} << 40, data.get(), nullptr, &read), noErr);
+    EXPECT_LE(GetHandleSize(data.get()), static_cast<Size>(movie.size()));
+}
+
+} // namespace

@@ -1,0 +1,55 @@
+// What the tests of movies share: a scratch drive, sounds made by other programs, and samples read back.
+#pragma once
+
+#include "platform/quicktime/movie_exporters/movie_exporter.h"
+#include "platform/quicktime/movies/media.h"
+#include "platform/quicktime/movies/movie_files.h"
+#include "platform/quicktime/movies/sound_description.h"
+#include "tests/support/fake_host.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace corvane::test {
+
+class MovieTest : public testing::Test {
+protected:
+    MovieTest();
+
+    /// Unix path of a file on the drive.
+    [[nodiscard]] std::string Path(const std::string& name) const { return folder_ + "/" + name; }
+    [[nodiscard]] qt::DataReference Reference(const std::string& name) const;
+
+    /// Runs a command in the drive's folder; false when it fails.
+    [[nodiscard]] bool Run(const std::string& command) const;
+    /// 16-bit samples of a file as another program decodes it to stereo at 44,100 Hz, without dither.
+    [[nodiscard]] std::vector<std::int16_t> DecodedBySox(const std::string& name) const;
+    [[nodiscard]] std::vector<std::int16_t> DecodedByFfmpeg(const std::string& name) const;
+
+    [[nodiscard]] qt::OwnedMovie Open(const std::string& name) const;
+    /// Exports as 16-bit stereo at 44,100 Hz.
+    [[nodiscard]] OSErr Export(Movie movie, const std::string& name) const;
+    [[nodiscard]] std::vector<std::int16_t> Exported(Movie movie) const;
+
+    ScratchDrives drives_;
+    std::string folder_;
+};
+
+/// Samples behind a WAVE header of 44 bytes.
+std::vector<std::int16_t> WaveSamples(const std::string& path);
+
+/// A description in a block, as operations take it.
+qt::MemoryHandle Block(std::span<const std::byte> bytes);
+
+inline Track FirstSoundTrack(Movie movie) {
+    return GetMovieIndTrackType(movie, 1, qt::Code("soun"), movieTrackMediaType);
+}
+
+constexpr qt::PcmLayout kStereo = {qt::SampleEncoding::kSigned16, false, 2, 44100};
+
+/// An empty movie with a sound track whose media is in memory, and has these samples.
+qt::OwnedMovie MovieOf(const qt::PcmLayout& layout, std::span<const std::byte> samples);
+
+} // namespace corvane::test
