@@ -1,5 +1,6 @@
 #include "plugin/lifecycle.h"
 
+#include "files/numbered_files.h"
 #include "images/availability.h"
 #include "platform/quicktime/movie_toolbox.h"
 #include "platform/win32/message_box.h"
@@ -82,6 +83,7 @@ std::intptr_t StartUp(std::int16_t interface_version) {
     if (!AcceptsHostVersion(host.code)) return kDoNotEnable;
     host.interface_version = interface_version;
 
+    native::ResetNumberedFiles();
     if (!StartQuickTime()) return kDoNotEnable;
     if (!RegisterSoundFunctions()) {
         TearDown();
@@ -96,6 +98,7 @@ std::intptr_t StartUp(std::int16_t interface_version) {
 void ShutDown() {
     g_started = false;
     UnregisterAllFunctions();
+    native::ResetNumberedFiles();
     TearDown();
 }
 
