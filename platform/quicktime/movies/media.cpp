@@ -51,6 +51,7 @@ Size BytesOf(const qt::MediaSamples& samples, const qt::SampleRun& first, TimeVa
     Size size = 0;
     const qt::SampleRun* const end = samples.runs.data() + samples.runs.size();
     for (const auto* run = &first; run != end && count > 0 && run->description == first.description; ++run) {
+        if (samples.sources[run->source].data == nullptr) break; // its counts are nobody's but the file's
         const auto all = static_cast<std::int64_t>(run->count);
         const std::int64_t taken =
             std::min(count, run == &first ? all - (time - run->start) / run->duration : all);
@@ -224,6 +225,7 @@ OSErr GetMediaSample(Media media, TimeValue time, std::int64_t count, Handle dat
     const qt::SampleRun* first = qt::FindRun(all, time);
     if (first == nullptr || count <= 0)
         return MoviesError(count < 0 ? paramErr : first == nullptr ? invalidTime : noErr);
+    if (all.sources[first->source].data == nullptr) return MoviesError(fnfErr);
     SetHandleSize(data, BytesOf(all, *first, time, count));
     if (const OSErr code = MemError(); code != noErr) return MoviesError(code);
     const OSErr code = qt::ReadSamples(all, time, count, qt::HandleBytes(data), *samples);
