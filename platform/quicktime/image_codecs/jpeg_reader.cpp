@@ -92,6 +92,13 @@ boolean OnExif(j_decompress_ptr decompress) {
     return TRUE;
 }
 
+void KeepMarkers(jpeg_decompress_struct& decompress) {
+    constexpr unsigned kWhole = 0xFFFF;
+    constexpr int kApplications = 16;
+    jpeg_save_markers(&decompress, JPEG_COM, kWhole);
+    for (int i = 0; i < kApplications; ++i) jpeg_save_markers(&decompress, JPEG_APP0 + i, kWhole);
+}
+
 } // namespace
 
 void PrepareJpeg(JpegReader& reader, DataSource& source, std::span<std::byte> buffer) {
@@ -99,6 +106,7 @@ void PrepareJpeg(JpegReader& reader, DataSource& source, std::span<std::byte> bu
     reader.source = &source;
     reader.buffer = buffer;
     reader.offset = 0;
+    reader.keeps_markers = false;
     reader.pads = false;
     reader.padded = false;
     reader.whole_rows = JpegReader::kAllRows;
@@ -121,7 +129,11 @@ void ReadJpegHeader(JpegReader& reader) {
     reader.input.resync_to_restart = jpeg_resync_to_restart;
     reader.input.term_source = OnStart;
     reader.decompress.src = &reader.input;
-    jpeg_set_marker_processor(&reader.decompress, kExifMarker, OnExif);
+    if (reader.keeps_markers) {
+        KeepMarkers(reader.decompress);
+    } else {
+        jpeg_set_marker_processor(&reader.decompress, kExifMarker, OnExif);
+    }
     jpeg_read_header(&reader.decompress, TRUE);
 }
 

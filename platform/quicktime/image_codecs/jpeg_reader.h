@@ -28,6 +28,7 @@ struct JpegReader {
     DataSource* source;
     std::span<std::byte> buffer;
     std::uint64_t offset;  ///< in the source, of the byte behind the buffer
+    bool keeps_markers;    ///< in the decompressor's list, in place of the EXIF block's beginning here
     bool pads;             ///< data that breaks off ends as if it were complete; else that is an error
     bool padded;           ///< it did break off
     JDIMENSION whole_rows; ///< those in front of the place where the first scan broke off

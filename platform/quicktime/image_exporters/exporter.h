@@ -51,4 +51,7 @@ std::span<const ImageExporter* const> ImageExporters();
 /// The exporter of a type; null when there is none.
 const ImageExporter* FindImageExporter(OSType type);
 
+extern const ImageExporter kJpegExporter;
+extern const ImageExporter kPngExporter;
+
 } // namespace qt

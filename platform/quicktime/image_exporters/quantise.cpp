@@ -197,6 +197,7 @@ void ReduceColours(const PixelImage& image, std::size_t limit, IndexedImage& out
 std::int32_t Luminance(std::uint32_t pixel) {
     const std::uint32_t grey = (Red(pixel) * 77 + Green(pixel) * 150 + Blue(pixel) * 29 + 128) >> 8;
     const std::uint32_t alpha = Alpha(pixel);
+    if (alpha == 255) return static_cast<std::int32_t>(grey);
     return static_cast<std::int32_t>((grey * alpha + 255 * (255 - alpha) + 127) / 255);
 }
 
@@ -208,13 +209,17 @@ void ReduceToGrey(const PixelImage& image, std::int32_t levels, IndexedImage& ou
         const auto value = static_cast<std::uint32_t>(255 / highest * level);
         out.palette.push_back(Pixel(value, value, value));
     }
+    std::array<std::uint8_t, 256> nearest;
+    for (std::size_t value = 0; value < nearest.size(); ++value) {
+        nearest[value] = static_cast<std::uint8_t>((static_cast<std::int32_t>(value) * highest + 127) / 255);
+    }
     using Value = std::array<std::int32_t, 1>;
     Dither<1>(
         image, out.indices.data(), [](std::uint32_t pixel) { return Value{Luminance(pixel)}; },
         [&](const Value& value, Value& error) {
-            const std::int32_t level = (value[0] * highest + 127) / 255;
+            const std::uint8_t level = nearest[static_cast<std::size_t>(value[0])];
             error[0] = value[0] - 255 / highest * level;
-            return static_cast<std::uint8_t>(level);
+            return level;
         });
 }
 

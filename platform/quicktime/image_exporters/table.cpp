@@ -6,7 +6,8 @@
 namespace qt {
 namespace {
 
-constexpr std::array<const ImageExporter*, 0> kExporters = {};
+// In the order of lists.
+constexpr std::array<const ImageExporter*, 2> kExporters = {&kJpegExporter, &kPngExporter};
 
 } // namespace
 

@@ -1,0 +1,86 @@
+#include "platform/quicktime/image_exporters/jpeg_transcode.h"
+
+#include "platform/quicktime/image_codecs/jpeg_reader.h"
+#include "platform/quicktime/image_exporters/jpeg_writer.h"
+
+#include <array>
+#include <new>
+
+namespace qt {
+namespace {
+
+/// The markers that describe the image to people: comments and what applications store. JFIF's and Adobe's
+/// own are the library's to write.
+void CopyMarkers(jpeg_decompress_struct& from, jpeg_compress_struct& to) {
+    for (const jpeg_marker_struct* marker = from.marker_list; marker != nullptr; marker = marker->next) {
+        const bool is_jfif = to.write_JFIF_header != FALSE && marker->marker == JPEG_APP0;
+        const bool is_adobe = to.write_Adobe_marker != FALSE && marker->marker == JPEG_APP0 + 14;
+        if (is_jfif || is_adobe) continue;
+        jpeg_write_marker(&to, marker->marker, marker->data, marker->data_length);
+    }
+}
+
+/// The reader's jump target serves both: an error of either ends the copy.
+bool Copy(JpegReader& reader, JpegWriter& writer, const ExportSettings& settings) {
+    if (setjmp(reader.failed) != 0) return false;
+    ReadJpegHeader(reader);
+    jpeg_decompress_struct& from = reader.decompress;
+    jvirt_barray_ptr* coefficients = jpeg_read_coefficients(&from);
+    if (setjmp(writer.failed) != 0) return false;
+    BeginJpeg(writer);
+    jpeg_compress_struct& to = writer.compress;
+    jpeg_copy_critical_parameters(&from, &to);
+    if (settings.compression_method == 1) jpeg_simple_progression(&to);
+    SetJpegResolution(to, settings);
+    jpeg_write_coefficients(&to, coefficients);
+    CopyMarkers(from, to);
+    jpeg_finish_compress(&to);
+    jpeg_finish_decompress(&from);
+    return true;
+}
+
+bool CopyCoefficients(DataSource& source, const ExportSettings& settings, EncodedBytes& out) {
+    JpegReader reader;
+    JpegWriter writer;
+    std::array<std::byte, 65'536> buffer;
+    PrepareJpeg(reader, source, buffer);
+    reader.keeps_markers = true;
+    PrepareJpeg(writer, out);
+    const bool copied = Copy(reader, writer, settings);
+    jpeg_destroy_compress(&writer.compress);
+    jpeg_destroy_decompress(&reader.decompress);
+    return copied;
+}
+
+bool CopyBytes(DataSource& source, EncodedBytes& out) {
+    const std::size_t before = out.size();
+    out.resize(before + source.GetSize());
+    return source.Read(0, std::span(out).subspan(before)) == source.GetSize();
+}
+
+bool Differs(const std::optional<Fixed>& wanted, Fixed present) {
+    return wanted && *wanted != present;
+}
+
+} // namespace
+
+bool TranscodeJpeg(DataSource& source, const ImageDescription& description, const ExportSettings& settings,
+                   EncodedBytes& out) {
+    if (description.cType != Code("jpeg")) return false;
+    if (settings.depth && *settings.depth != description.depth) return false;
+    const std::size_t before = out.size();
+    const bool as_it_is = !settings.compression_method &&
+                          !Differs(settings.horizontal_resolution, description.hRes) &&
+                          !Differs(settings.vertical_resolution, description.vRes);
+    bool copied = false;
+    try {
+        copied = as_it_is ? CopyBytes(source, out) : CopyCoefficients(source, settings, out);
+    } catch (const std::bad_alloc&) {
+        copied = false;
+    }
+    const bool fits = !settings.target_size || out.size() - before <= *settings.target_size;
+    if (!copied || !fits) out.resize(before);
+    return copied && fits;
+}
+
+} // namespace qt
