@@ -273,7 +273,7 @@ TEST(ImageCodecs, DamagedDataEndsInFactsOrACode) {
 
 TEST(ImageCodecs, OtherDataIsNotTheirs) {
     EXPECT_EQ(Sniff({}), nullptr);
-    EXPECT_EQ(Sniff(BytesOf("GIF89a")), nullptr);
+    EXPECT_EQ(Sniff(BytesOf("GIF88a")), nullptr);
     EXPECT_EQ(Sniff(BytesOf("\x89PNG\r\n\x1a")), nullptr);
     EXPECT_EQ(ReadFacts(qt::kJpegCodec, BytesOf("no picture at all")).code, codecBadDataErr);
     EXPECT_EQ(ReadFacts(qt::kPngCodec, BytesOf("no picture at all")).code, codecBadDataErr);

@@ -64,5 +64,16 @@ constexpr std::uint32_t BigEndian32(const std::byte* bytes) {
 
 extern const ImageCodec kJpegCodec;
 extern const ImageCodec kPngCodec;
+extern const ImageCodec kTiffCodec;
+extern const ImageCodec kGifCodec;
+extern const ImageCodec kBmpCodec;
+extern const ImageCodec kJpeg2000Codec;
+extern const ImageCodec kSgiCodec;
+extern const ImageCodec kPcxCodec;
+extern const ImageCodec kTgaCodec;
+extern const ImageCodec kPhotoshopCodec;
+extern const ImageCodec kQuickTimeImageCodec;
+extern const ImageCodec kPictCodec;
+extern const ImageCodec kMacPaintCodec;
 
 } // namespace qt

@@ -7,7 +7,22 @@
 namespace qt {
 namespace {
 
-constexpr std::array<const ImageCodec*, 2> kCodecs = {&kJpegCodec, &kPngCodec};
+/// In the order in which content is tried: the formats without a signature come last.
+constexpr std::array kCodecs = {
+    &kJpegCodec,           //
+    &kPngCodec,            //
+    &kTiffCodec,           //
+    &kGifCodec,            //
+    &kBmpCodec,            //
+    &kJpeg2000Codec,       //
+    &kPhotoshopCodec,      //
+    &kQuickTimeImageCodec, //
+    &kPictCodec,           //
+    &kSgiCodec,            //
+    &kPcxCodec,            //
+    &kMacPaintCodec,       //
+    &kTgaCodec,            //
+};
 
 template <class Predicate>
 const ImageCodec* Find(Predicate matches) {

@@ -1,0 +1,56 @@
+#include "tests/quicktime/codecs/codec_checks.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace corvane::test;
+
+constexpr Sample kSamples[] = {
+    {"-size 67x41 plasma: -depth 8 -type TrueColor -quality 100", "rgb.jp2", 24},
+    {"-size 67x41 plasma: -depth 8 -type TrueColor -quality 100", "rgb.j2k", 24},
+    {"-size 67x41 plasma: -depth 8 -type TrueColor -quality 60", "lossy.jp2", 24},
+    {"-size 67x41 plasma: -depth 8 -colorspace Gray -quality 100", "grey.jp2", 40},
+    {"-size 67x41 plasma: -depth 8 -alpha set -channel A -fx u.r -quality 100", "rgba.jp2", 32},
+    {"-size 67x41 plasma: -depth 16 -type TrueColor -quality 100", "deep.jp2", 24, 1},
+    {"-size 300x200 plasma: -depth 8 -type TrueColor -quality 100", "larger.jp2", 24},
+    {"-size 1x1 xc:red -depth 8 -type TrueColor", "one.jp2", 24},
+};
+
+TEST(Jpeg2000Codec, ReadsWhatImageMagickWrites) {
+    ExpectSamplesAreRead(qt::kJpeg2000Codec, kSamples);
+}
+
+TEST(Jpeg2000Codec, SurvivesDamage) {
+    const MadeImages images;
+    for (const Sample& sample : kSamples) {
+        SCOPED_TRACE(sample.file);
+        ExpectDamageIsSurvived(qt::kJpeg2000Codec, images.MakeBytes(sample.arguments, sample.file), 60);
+    }
+}
+
+TEST(Jpeg2000Codec, RefusesWhatIsTooLarge) {
+    const MadeImages images;
+    Bytes bytes = images.MakeBytes("-size 67x41 plasma: -type TrueColor", "large.j2k");
+    const auto facts_code = [&] {
+        qt::ImageFacts facts;
+        return qt::kJpeg2000Codec.read_facts(*qt::MemorySource(std::span(bytes)), facts);
+    };
+    ASSERT_EQ(facts_code(), noErr);
+    bytes[9] = bytes[10] = std::byte{0x50}; // 20,560 or more columns: many tiles more than the data can hold
+    EXPECT_EQ(facts_code(), codecBadDataErr);
+    bytes[9] = bytes[10] = std::byte{0};
+    for (const std::size_t at : {std::size_t{8}, std::size_t{24}}) { // columns of the image and of its tiles
+        bytes[at] = bytes[at + 1] = std::byte{0};
+        bytes[at + 2] = std::byte{0x60}; // 24,576
+    }
+    for (const std::size_t at : {std::size_t{12}, std::size_t{28}}) bytes[at + 2] = std::byte{0x60};
+    EXPECT_EQ(facts_code(), noErr);
+    qt::PixelImage image;
+    EXPECT_EQ(qt::kJpeg2000Codec.decode(*qt::MemorySource(std::span(bytes)), 1, image), codecSizeErr);
+    bytes[10] = std::byte{0x80}; // 32,768 columns
+    bytes[26] = std::byte{0x80};
+    EXPECT_EQ(facts_code(), codecSizeErr);
+}
+
+} // namespace

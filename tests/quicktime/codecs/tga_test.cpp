@@ -1,0 +1,87 @@
+#include "tests/quicktime/codecs/codec_checks.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace corvane::test;
+
+constexpr Sample kSamples[] = {
+    {"-size 67x41 plasma: -type TrueColor -compress None", "rgb.tga", 24},
+    {"-size 67x41 plasma: -posterize 3 -type TrueColor -compress RLE", "runs.tga", 24},
+    {"-size 67x41 plasma: -alpha set -channel A -fx u.r -compress None", "rgba.tga", 32},
+    {"-size 67x41 plasma: -alpha set -channel A -fx u.r +channel -posterize 4 -type TrueColorMatte -compress "
+     "RLE",
+     "rgbaruns.tga", 32},
+    {"-size 67x41 plasma: -colors 60 -compress None", "palette.tga", 8},
+    {"-size 67x41 plasma: -colors 6 -compress RLE", "paletteruns.tga", 8},
+    {"-size 67x41 plasma: -colorspace Gray -compress None", "grey.tga", 40},
+    {"-size 67x41 plasma: -colorspace Gray -posterize 3 -compress RLE", "greyruns.tga", 40},
+    {"-size 67x41 plasma: -type TrueColor -orient TopLeft -compress None", "top.tga", 24},
+    {"-size 1x1 xc:red -type TrueColor", "one.tga", 24},
+};
+
+TEST(TgaCodec, ReadsWhatImageMagickWrites) {
+    ExpectSamplesAreRead(qt::kTgaCodec, kSamples, "-auto-orient"); // which it leaves to the viewer
+}
+
+TEST(TgaCodec, SurvivesDamage) {
+    const MadeImages images;
+    for (const Sample& sample : kSamples) {
+        SCOPED_TRACE(sample.file);
+        ExpectDamageIsSurvived(qt::kTgaCodec, images.MakeBytes(sample.arguments, sample.file));
+    }
+}
+
+Bytes BytesOf(std::initializer_list<unsigned> values) {
+    Bytes bytes;
+    for (const unsigned value : values) bytes.push_back(static_cast<std::byte>(value));
+    return bytes;
+}
+
+std::vector<std::uint32_t> PixelsOf(const qt::PixelImage& image) {
+    std::vector<std::uint32_t> pixels;
+    for (std::int32_t y = 0; y < image.height(); ++y) {
+        pixels.insert(pixels.end(), image.Row(y), image.Row(y) + image.width());
+    }
+    return pixels;
+}
+
+TEST(TgaCodec, OriginsDepthsAndRunsOverRows) {
+    using Pixels = std::vector<std::uint32_t>;
+    const auto read = [](std::initializer_list<unsigned> values) {
+        return PixelsOf(DecodeWhole(qt::kTgaCodec, BytesOf(values)));
+    };
+    // 2 by 2 of 16 bits: red, green below blue, white; bottom left first, then from the top right.
+    EXPECT_EQ(read({0,    0,    2,    0,    0,    0, 0,    0,   0, 0, 0, 0, 2, 0, 2, 0, 16, 0, //
+                    0x00, 0x7C, 0xE0, 0x03, 0x1F, 0, 0xFF, 0x7F}),
+              (Pixels{0xFF0000FF, 0xFFFFFFFF, 0xFFFF0000, 0xFF00FF00}));
+    EXPECT_EQ(read({0,    0,    2,    0,    0,    0, 0,    0,   0, 0, 0, 0, 2, 0, 2, 0, 16, 0x30, //
+                    0x00, 0x7C, 0xE0, 0x03, 0x1F, 0, 0xFF, 0x7F}),
+              (Pixels{0xFF00FF00, 0xFFFF0000, 0xFFFFFFFF, 0xFF0000FF}));
+    // The alpha bit; a packet of three equal pixels that ends in the second row; data that breaks off.
+    EXPECT_EQ(read({0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 0, 3, 0, 16, 0x21, 0x82, 0x1F, 0x80, 0, 0xE0, 3}),
+              (Pixels{0xFF0000FF, 0xFF0000FF, 0xFF0000FF, 0x0000FF00, 0xFFFFFFFF, 0xFFFFFFFF}));
+    // A palette that begins at 5, of 32-bit colours.
+    EXPECT_EQ(read({0, 1, 1, 5, 0, 2, 0, 32, 0, 0, 0, 0, 3, 0, 1, 0, 8, 0, 1, 2, 3, 4, 5, 6, 7, 8, 5, 6, 7}),
+              (Pixels{0x04030201, 0x08070605, 0xFF000000}));
+}
+
+TEST(TgaCodec, RefusesWhatDoesNotFit) {
+    const Bytes bomb =
+        BytesOf({0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x80, 0x3E, 0x80, 0x3E, 24, 0, 0xFF, 1, 2, 3});
+    const auto source = qt::MemorySource(std::span(bomb));
+    qt::PixelImage image;
+    EXPECT_EQ(qt::kTgaCodec.decode(*source, 1, image), codecBadDataErr);
+    EXPECT_EQ(image.width(), 0);
+    EXPECT_FALSE(qt::kTgaCodec.sniff(BytesOf({0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 0, 2, 0, 25, 0})));
+    EXPECT_FALSE(qt::kTgaCodec.sniff(Bytes(1024)));
+    const MadeImages images;
+    const Bytes commented = images.MakeBytes("-size 5x5 xc:red -set comment 'two words'", "comment.tga");
+    std::vector<qt::MetadataItem> items;
+    EXPECT_EQ(qt::kTgaCodec.read_metadata(*qt::MemorySource(std::span(commented)), items), noErr);
+    ASSERT_EQ(items.size(), 1U);
+    EXPECT_EQ(items[0].text, "two words");
+}
+
+} // namespace

@@ -1,0 +1,145 @@
+#include "tests/quicktime/codecs/codec_checks.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <limits>
+#include <tiffio.h>
+
+namespace {
+
+using namespace corvane::test;
+
+constexpr Sample kSamples[] = {
+    {"-size 67x41 plasma: -depth 8 -type TrueColor -compress None", "none.tif", 24},
+    {"-size 67x41 plasma: -depth 8 -type TrueColor -compress LZW", "lzw.tif", 24},
+    {"-size 67x41 plasma: -depth 8 -type TrueColor -compress Zip", "zip.tif", 24},
+    {"-size 67x41 plasma: -depth 8 -type TrueColor -compress RLE", "packbits.tif", 24},
+    {"-size 67x41 plasma: -depth 8 -type TrueColor -compress JPEG -quality 90", "jpeg.tif", 24, 2},
+    {"-size 67x41 plasma: -depth 8 -colorspace Gray -compress JPEG -quality 90", "greyjpeg.tif", 40, 2},
+    {"-size 67x41 plasma: -depth 16 -type TrueColor", "deep.tif", 24},
+    {"-size 67x41 plasma: -depth 16 -endian MSB -type TrueColor", "big.tif", 24},
+    {"-size 67x41 plasma: -depth 12 -type TrueColor", "twelve.tif", 24, 1},
+    {"-size 67x41 plasma: -colors 200 -type Palette", "p8.tif", 8},
+    {"-size 67x41 plasma: -colors 16 -type Palette -depth 4", "p4.tif", 4},
+    {"-size 67x41 plasma: -colorspace Gray -depth 8", "g8.tif", 40},
+    {"-size 67x41 plasma: -colorspace Gray -depth 4", "g4.tif", 36},
+    {"-size 67x41 plasma: -colorspace Gray -depth 2", "g2.tif", 34},
+    {"-size 67x41 plasma: -colorspace Gray -depth 16", "g16.tif", 40},
+    {"-size 67x41 plasma: -colorspace Gray -depth 8 -define quantum:polarity=min-is-white", "inverted.tif",
+     40},
+    {"-size 67x41 pattern:gray50 -monochrome -compress Group4", "fax.tif", 1},
+    {"-size 67x41 plasma: -depth 8 -alpha set -channel A -fx u.r", "rgba.tif", 32},
+    {"-size 67x41 plasma: -depth 8 -alpha set -channel A -fx 'u.r*0.5+0.5' -define tiff:alpha=associated",
+     "associated.tif", 32, 1},
+    {"-size 67x41 plasma: -depth 8 -colorspace Gray -alpha set -channel A -fx u.r", "greyalpha.tif", 32},
+    {"-size 67x41 plasma: -depth 8 -colorspace CMYK", "cmyk.tif", 32, 1},
+    {"-size 67x41 plasma: -depth 8 -type TrueColor -define tiff:tile-geometry=32x16", "tiles.tif", 24},
+    {"-size 67x41 plasma: -depth 8 -type TrueColor -interlace Plane", "planes.tif", 24},
+    {"-size 67x41 plasma: -depth 8 -colorspace YCbCr -compress JPEG", "ycbcr.tif", 24, 3},
+    {"-size 1x1 xc:red -depth 8 -type TrueColor", "one.tif", 24},
+};
+
+TEST(TiffCodec, ReadsWhatImageMagickWrites) {
+    ExpectSamplesAreRead(qt::kTiffCodec, kSamples);
+}
+
+TEST(TiffCodec, SurvivesDamage) {
+    const MadeImages images;
+    for (const Sample& sample : kSamples) {
+        SCOPED_TRACE(sample.file);
+        ExpectDamageIsSurvived(qt::kTiffCodec, images.MakeBytes(sample.arguments, sample.file), 200);
+    }
+}
+
+TEST(TiffCodec, LayoutsOfLibtiff) {
+    const MadeImages images;
+    const std::string source =
+        images.Make("-size 67x41 plasma: -depth 8 -type TrueColor -compress None", "source.tif");
+    const Bytes expected = MagickRgba(images, source);
+    const std::string copy = images.folder.Path("copy.tif");
+    for (const char* options :
+         {"-s -r 1", "-s -r 41 -c none", "-t -w 16 -l 32 -c lzw:2", "-p separate -c zip:2",
+          "-p separate -t -w 32 -l 32", "-B -c packbits", "-L -f lsb2msb", "-8"}) {
+        SCOPED_TRACE(options);
+        ASSERT_EQ(
+            std::system(("tiffcp " + std::string(options) + " '" + source + "' '" + copy + "'").c_str()), 0);
+        EXPECT_EQ(Difference(RgbaOf(DecodeWhole(qt::kTiffCodec, FileBytes(copy))), expected), 0);
+        ExpectDamageIsSurvived(qt::kTiffCodec, FileBytes(copy), 60);
+    }
+}
+
+TEST(TiffCodec, WideSamples) {
+    const MadeImages images;
+    const auto row_of = [&](int format, const void* samples) {
+        const std::string path = images.folder.Path("wide.tif");
+        TIFF* tiff = TIFFOpen(path.c_str(), "w");
+        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 4);
+        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
+        TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 32);
+        TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, format);
+        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+        TIFFWriteEncodedStrip(tiff, 0, const_cast<void*>(samples), 16);
+        TIFFClose(tiff);
+        const qt::PixelImage image = DecodeWhole(qt::kTiffCodec, FileBytes(path));
+        return std::vector<std::uint32_t>(image.Row(0), image.Row(0) + image.width());
+    };
+    const float numbers[] = {-1.0F, 0.5F, 1.0F, std::numeric_limits<float>::quiet_NaN()};
+    EXPECT_EQ(row_of(SAMPLEFORMAT_IEEEFP, numbers),
+              (std::vector<std::uint32_t>{0xFF000000, 0xFF808080, 0xFFFFFFFF, 0xFF000000}));
+    const std::uint32_t integers[] = {0, 0x80000000, 0x7FFFFFFF, 0xFFFFFFFF};
+    EXPECT_EQ(row_of(SAMPLEFORMAT_UINT, integers),
+              (std::vector<std::uint32_t>{0xFF000000, 0xFF808080, 0xFF7F7F7F, 0xFFFFFFFF}));
+}
+
+TEST(TiffCodec, PagesResolutionAndTexts) {
+    const MadeImages images;
+    const std::string path = images.Make("-units PixelsPerCentimeter -density 100x50 -size 20x10 xc:red "
+                                         "-size 30x15 xc:blue -size 5x40 plasma:",
+                                         "pages.tif");
+    ASSERT_EQ(std::system(
+                  ("tiffset -s 270 'a picture' '" + path + "' && tiffset -s 315 Ann '" + path + "'").c_str()),
+              0);
+    const Bytes bytes = FileBytes(path);
+    const auto source = qt::MemorySource(std::span(bytes));
+    qt::ImageFacts facts;
+    ASSERT_EQ(qt::kTiffCodec.read_facts(*source, facts), noErr);
+    EXPECT_EQ(facts.image_count, 3U);
+    EXPECT_EQ((facts.description.hRes + 0x8000) >> 16, 254);
+    EXPECT_EQ((facts.description.vRes + 0x8000) >> 16, 127);
+    EXPECT_EQ(DecodeWhole(qt::kTiffCodec, bytes, 2).Row(14)[29], 0xFF0000FF);
+    EXPECT_EQ(Difference(RgbaOf(DecodeWhole(qt::kTiffCodec, bytes, 3)), MagickRgba(images, path + "[2]")), 0);
+    qt::PixelImage image;
+    EXPECT_EQ(qt::kTiffCodec.decode(*source, 4, image), paramErr);
+    std::vector<qt::MetadataItem> items;
+    EXPECT_EQ(qt::kTiffCodec.read_metadata(*source, items), noErr);
+    ASSERT_GE(items.size(), 2U);
+    EXPECT_EQ(items[0].type, 0xA9646573U);
+    EXPECT_EQ(items[0].text, "a picture");
+    EXPECT_EQ(items[1].text, "Ann");
+}
+
+TEST(TiffCodec, DirectoriesInACircleAndSizesThatLie) {
+    const MadeImages images;
+    Bytes bytes = images.MakeBytes("-size 20x10 xc:red -type TrueColor -compress None", "circle.tif");
+    const auto at = [&](std::size_t offset) { return std::to_integer<std::size_t>(bytes[offset]); };
+    ASSERT_EQ(at(0), std::size_t{'I'});
+    const std::size_t directory = at(4) | at(5) << 8 | at(6) << 16;
+    const std::size_t next = directory + 2 + 12 * (at(directory) | at(directory + 1) << 8);
+    for (std::size_t i = 0; i < 4; ++i) bytes[next + i] = bytes[4 + i];
+    const auto source = qt::MemorySource(std::span(bytes));
+    qt::ImageFacts facts;
+    EXPECT_EQ(qt::kTiffCodec.read_facts(*source, facts), noErr);
+    EXPECT_EQ(facts.image_count, 1U);
+    qt::PixelImage image;
+    EXPECT_EQ(qt::kTiffCodec.decode(*source, 2, image), paramErr);
+
+    for (std::size_t entry = directory + 2; entry < next; entry += 12) {
+        if (at(entry) < 2 && at(entry + 1) == 1)
+            bytes[entry + 9] = std::byte{0x3E}; // 15,872 and more both ways
+    }
+    EXPECT_EQ(qt::kTiffCodec.decode(*source, 1, image), codecBadDataErr);
+    EXPECT_EQ(image.width(), 0);
+}
+
+} // namespace
