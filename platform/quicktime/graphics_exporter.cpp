@@ -1,22 +1,120 @@
-#include "platform/quicktime/graphics_exporter.h"
+#include "platform/quicktime/graphics_exporter_state.h"
+#include "platform/quicktime/movies/handle_bytes.h"
 
 #include <algorithm>
-#include <array>
+#include <new>
 
 namespace qt {
 namespace {
 
-constexpr std::array<OSType, 2> kFileTypes = {Code("JPEG"), Code("jpeg")};
+/// Hands the exporter to `act`.
+template <class Act>
+ComponentResult WithExporter(GraphicsExportComponent instance, Act act) {
+    auto* exporter = dynamic_cast<GraphicsExporter*>(instance);
+    if (exporter == nullptr) return kBadComponentInstance;
+    return act(*exporter);
+}
 
-/// Encodes nothing yet: it stands for the encoder when others ask whether there is one.
-class GraphicsExporter final : public Component {};
+ComponentResult Encode(const GraphicsExporter& exporter, EncodedBytes& out) {
+    ImageDescription description;
+    const auto description_code = GraphicsImportGetImageDescription(exporter.input, &description);
+    if (description_code != noErr) return description_code;
+    ExportSettings settings = exporter.settings;
+    if (!settings.horizontal_resolution) {
+        settings.horizontal_resolution = description.hRes;
+        settings.vertical_resolution = description.vRes;
+    }
+    DataSource* source = exporter.dont_recompress ? UnchangedSource(exporter.input) : nullptr;
+    if (source != nullptr && exporter.format.transcode != nullptr &&
+        exporter.format.transcode(*source, description, settings, out))
+        return noErr;
+    PixelImage image;
+    if (const auto code = DrawImporter(exporter.input, image); code != noErr) return code;
+    return exporter.format.encode(image, settings, out);
+}
 
 } // namespace
 
 std::unique_ptr<Component> OpenGraphicsExporter(OSType file_type) {
-    const bool known =
-        file_type == kAnySubtype || std::ranges::find(kFileTypes, file_type) != kFileTypes.end();
-    return known ? std::make_unique<GraphicsExporter>() : nullptr;
+    const ImageExporter* format =
+        file_type == kAnySubtype ? ImageExporters().front() : FindImageExporter(file_type);
+    return format != nullptr ? std::make_unique<GraphicsExporter>(*format) : nullptr;
 }
 
 } // namespace qt
+
+ComponentResult GraphicsExportSetInputGraphicsImporter(GraphicsExportComponent instance,
+                                                       GraphicsImportComponent importer) {
+    return qt::WithExporter(instance, [&](qt::GraphicsExporter& exporter) {
+        exporter.input = importer;
+        return noErr;
+    });
+}
+
+ComponentResult GraphicsExportSetOutputHandle(GraphicsExportComponent instance, Handle output) {
+    return qt::WithExporter(instance, [&](qt::GraphicsExporter& exporter) {
+        exporter.output = output;
+        return noErr;
+    });
+}
+
+ComponentResult GraphicsExportSetDepth(GraphicsExportComponent instance, std::int32_t depth) {
+    constexpr std::array<std::int32_t, 11> kDepths = {1, 2, 4, 8, 16, 24, 32, 33, 34, 36, 40};
+    return qt::WithExporter(instance, [&](qt::GraphicsExporter& exporter) {
+        if (std::ranges::find(kDepths, depth) == kDepths.end()) return paramErr;
+        exporter.settings.depth = depth;
+        return noErr;
+    });
+}
+
+ComponentResult GraphicsExportSetResolution(GraphicsExportComponent instance, Fixed horizontal,
+                                            Fixed vertical) {
+    return qt::WithExporter(instance, [&](qt::GraphicsExporter& exporter) {
+        if (horizontal <= 0) return paramErr;
+        exporter.settings.horizontal_resolution = horizontal;
+        exporter.settings.vertical_resolution = vertical > 0 ? vertical : horizontal;
+        return noErr;
+    });
+}
+
+ComponentResult GraphicsExportSetTargetDataSize(GraphicsExportComponent instance, std::uint32_t bytes) {
+    return qt::WithExporter(instance, [&](qt::GraphicsExporter& exporter) {
+        exporter.settings.target_size = bytes;
+        return noErr;
+    });
+}
+
+ComponentResult GraphicsExportSetCompressionQuality(GraphicsExportComponent instance, std::int32_t quality) {
+    return qt::WithExporter(instance, [&](qt::GraphicsExporter& exporter) {
+        exporter.settings.quality = std::clamp(quality, 0, 1024);
+        return noErr;
+    });
+}
+
+ComponentResult GraphicsExportSetCompressionMethod(GraphicsExportComponent instance, std::int32_t method) {
+    return qt::WithExporter(instance, [&](qt::GraphicsExporter& exporter) {
+        exporter.settings.compression_method = method;
+        return noErr;
+    });
+}
+
+ComponentResult GraphicsExportSetDontRecompress(GraphicsExportComponent instance, bool dont) {
+    return qt::WithExporter(instance, [&](qt::GraphicsExporter& exporter) {
+        exporter.dont_recompress = dont;
+        return noErr;
+    });
+}
+
+ComponentResult GraphicsExportDoExport(GraphicsExportComponent instance, std::uint64_t* written) {
+    return qt::WithExporter(instance, [&](qt::GraphicsExporter& exporter) -> ComponentResult {
+        if (exporter.input == nullptr || exporter.output == nullptr) return paramErr;
+        try {
+            qt::EncodedBytes bytes;
+            if (const auto code = qt::Encode(exporter, bytes); code != noErr) return code;
+            *written = bytes.size();
+            return qt::SetHandleBytes(exporter.output, bytes);
+        } catch (const std::bad_alloc&) {
+            return memFullErr;
+        }
+    });
+}

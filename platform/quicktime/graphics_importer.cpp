@@ -1,43 +1,14 @@
 #include "platform/quicktime/graphics_importer.h"
 
-#include "platform/quicktime/data_references.h"
-#include "platform/quicktime/image_codecs/codec.h"
+#include "platform/quicktime/graphics_importer_state.h"
 
+#include <algorithm>
 #include <array>
-#include <optional>
+#include <new>
 #include <utility>
 
 namespace qt {
 namespace {
-
-class GraphicsImporter final : public Component {
-public:
-    explicit GraphicsImporter(const ImageCodec& codec) : codec_(codec) {}
-
-    void SetSource(std::unique_ptr<DataSource> source) {
-        source_ = std::move(source);
-        facts_code_.reset();
-    }
-
-    [[nodiscard]] bool Validates() const { return codec_.validates; }
-
-    /// 0 with the facts, which are read once.
-    ComponentResult Facts(const ImageFacts*& facts) {
-        if (source_ == nullptr) return invalidDataRef;
-        if (!facts_code_) {
-            facts_ = {};
-            facts_code_ = codec_.read_facts(*source_, facts_);
-        }
-        facts = &facts_;
-        return *facts_code_;
-    }
-
-private:
-    const ImageCodec& codec_;
-    std::unique_ptr<DataSource> source_;
-    ImageFacts facts_;
-    std::optional<ComponentResult> facts_code_;
-};
 
 /// Hands the importer's facts to `take`.
 template <class Take>
@@ -47,6 +18,13 @@ ComponentResult WithFacts(GraphicsImportComponent instance, Take take) {
     const ImageFacts* facts = nullptr;
     const ComponentResult code = importer->Facts(facts);
     if (code == noErr) take(*facts);
+    return code;
+}
+
+OSErr CopyReference(Handle handle, OSType type, DataReference& copy) {
+    Handle bytes = nullptr;
+    const OSErr code = PtrToHand(*handle, &bytes, GetHandleSize(handle));
+    copy = {MemoryHandle(bytes), type};
     return code;
 }
 
@@ -67,8 +45,10 @@ OSErr GetGraphicsImporterForDataRef(Handle data_reference, OSType type, Graphics
     const std::size_t size = opened.source->Read(0, head);
     const qt::ImageCodec* codec = qt::FindImageCodec({head.data(), size});
     if (codec == nullptr) return badComponentType;
+    qt::DataReference reference;
+    if (const OSErr code = qt::CopyReference(data_reference, type, reference); code != noErr) return code;
     auto made = std::make_unique<qt::GraphicsImporter>(*codec);
-    made->SetSource(std::move(opened.source));
+    made->SetSource(std::move(opened.source), std::move(reference));
     *importer = made.release();
     return noErr;
 }
@@ -77,7 +57,9 @@ ComponentResult GraphicsImportSetDataHandle(GraphicsImportComponent instance, Ha
     auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
     if (importer == nullptr) return kBadComponentInstance;
     if (data == nullptr) return paramErr;
-    importer->SetSource(qt::MemorySource(qt::HandleBytes(data)));
+    qt::DataReference reference;
+    if (const OSErr code = QTNewDataReferenceFromHandle(data, reference); code != noErr) return code;
+    importer->SetSource(qt::MemorySource(qt::HandleBytes(data)), std::move(reference));
     return noErr;
 }
 
@@ -108,8 +90,46 @@ ComponentResult GraphicsImportGetDataOffsetAndSize(GraphicsImportComponent impor
     });
 }
 
-ComponentResult GraphicsImportGetNaturalBounds(GraphicsImportComponent importer, Rect* bounds) {
-    return qt::WithFacts(importer, [&](const qt::ImageFacts& facts) {
-        *bounds = {0, 0, facts.description.height, facts.description.width};
-    });
+ComponentResult GraphicsImportReadData(GraphicsImportComponent instance, void* bytes, std::uint64_t offset,
+                                       std::uint64_t size) {
+    auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
+    if (importer == nullptr) return kBadComponentInstance;
+    if (importer->source() == nullptr) return invalidDataRef;
+    const std::size_t count = importer->source()->Read(offset, {static_cast<std::byte*>(bytes), size});
+    return count == size ? noErr : eofErr;
+}
+
+ComponentResult GraphicsImportGetDataFile(GraphicsImportComponent instance, std::u16string* path) {
+    auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
+    if (importer == nullptr) return kBadComponentInstance;
+    const qt::DataReference& reference = importer->reference();
+    if (reference.type != qt::kAliasDataHandler) return invalidDataRef;
+    const std::span<const std::byte> bytes = qt::HandleBytes(reference.handle.get());
+    path->resize(bytes.size() / sizeof(char16_t));
+    std::ranges::copy(bytes.first(path->size() * sizeof(char16_t)),
+                      std::as_writable_bytes(std::span(*path)).begin());
+    return noErr;
+}
+
+ComponentResult GraphicsImportGetDataReference(GraphicsImportComponent instance,
+                                               qt::DataReference* reference) {
+    auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
+    if (importer == nullptr) return kBadComponentInstance;
+    const qt::DataReference& own = importer->reference();
+    if (!own.handle) return invalidDataRef;
+    return qt::CopyReference(own.handle.get(), own.type, *reference);
+}
+
+ComponentResult GraphicsImportGetMetaData(GraphicsImportComponent instance, UserData list) {
+    auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
+    if (importer == nullptr) return kBadComponentInstance;
+    if (importer->source() == nullptr) return invalidDataRef;
+    if (importer->codec().read_metadata == nullptr) return noErr;
+    std::vector<qt::MetadataItem> items;
+    const ComponentResult code = importer->codec().read_metadata(*importer->source(), items);
+    if (code != noErr) return code;
+    for (const qt::MetadataItem& item : items) {
+        if (const OSErr added = AddUserDataText(list, item.text, item.type); added != noErr) return added;
+    }
+    return noErr;
 }

@@ -1,14 +1,23 @@
-// Graphics importers: what an image's data says about it.
+// Graphics importers: what an image's data says about it, and its pixels.
 //
 // Each operation answers 0, a code, or kBadComponentInstance for an instance that is no importer; outputs are
 // written only with 0. The data is looked at when it is first asked about, and only its header then. Data
 // that does not hold what the importer reads gives codecBadDataErr, an image above 30,000 pixels either way
 // codecSizeErr, an importer without data invalidDataRef.
+//
+// A new importer stands at the first image of its data, with the whole image as its source rectangle and no
+// clip region.
 #pragma once
 
 #include "platform/quicktime/components.h"
-#include "platform/quicktime/handles.h"
+#include "platform/quicktime/data_references.h"
 #include "platform/quicktime/image_description.h"
+#include "platform/quicktime/movies/atom_containers.h"
+#include "platform/quicktime/pixel_image.h"
+#include "platform/quicktime/regions.h"
+#include "platform/quicktime/user_data.h"
+
+#include <string>
 
 using GraphicsImportComponent = ComponentInstance;
 
@@ -29,12 +38,45 @@ ComponentResult GraphicsImportGetImageCount(GraphicsImportComponent importer, st
 /// Where the image's data lies in its source, in bytes.
 ComponentResult GraphicsImportGetDataOffsetAndSize(GraphicsImportComponent importer, std::uint64_t* offset,
                                                    std::uint64_t* size);
+/// Reads so many bytes of the importer's source from `offset` on. eofErr when there are fewer.
+ComponentResult GraphicsImportReadData(GraphicsImportComponent importer, void* bytes, std::uint64_t offset,
+                                       std::uint64_t size);
+/// The native path of the file that is read; invalidDataRef when it is no file.
+ComponentResult GraphicsImportGetDataFile(GraphicsImportComponent importer, std::u16string* path);
+/// A copy of the reference to what is read.
+ComponentResult GraphicsImportGetDataReference(GraphicsImportComponent importer,
+                                               qt::DataReference* reference);
+/// Adds the image's text items to the list. Data without any, and formats without, add none.
+ComponentResult GraphicsImportGetMetaData(GraphicsImportComponent importer, UserData list);
+
+/// Chooses one of the data's images, from 1; paramErr for one that isn't there. The description, the bounds
+/// and the source rectangle are then those of that image, which is decoded for it.
+ComponentResult GraphicsImportSetImageIndex(GraphicsImportComponent importer, std::uint32_t index);
 /// The image's size in pixels, at the origin.
 ComponentResult GraphicsImportGetNaturalBounds(GraphicsImportComponent importer, Rect* bounds);
+/// The part of the image that is drawn; null: all of it. What lies outside the image is not drawn; paramErr
+/// for a rectangle that has no pixel of it.
+ComponentResult GraphicsImportSetSourceRect(GraphicsImportComponent importer, const Rect* rectangle);
+ComponentResult GraphicsImportGetSourceRect(GraphicsImportComponent importer, Rect* rectangle);
+/// Pixels outside the region, which is copied, stay unpainted; null: none do. The source rectangle's corner
+/// is the region's origin.
+ComponentResult GraphicsImportSetClip(GraphicsImportComponent importer, RgnHandle region);
+
+/// The types that images can be exported to: for each an 'expo' atom with the atoms 'ftyp' (the type, four
+/// bytes), 'ext ' (of file names) and 'desc' (a name for people).
+ComponentResult GraphicsImportGetExportImageTypeList(GraphicsImportComponent importer,
+                                                     QTAtomContainer* container);
 
 namespace qt {
 
 /// An importer without data for a file type; null when no codec reads it.
 std::unique_ptr<Component> OpenGraphicsImporter(OSType file_type);
+
+/// Draws the source rectangle within the clip region; pixels that stay unpainted are white. Decodes again at
+/// each call, so that no image stays in memory.
+ComponentResult DrawImporter(GraphicsImportComponent importer, PixelImage& image);
+
+/// The importer's data, when it holds exactly what would be drawn: one image, all of it. Else null.
+DataSource* UnchangedSource(GraphicsImportComponent importer);
 
 } // namespace qt

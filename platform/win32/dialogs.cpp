@@ -7,12 +7,18 @@
 
 namespace {
 
-// Takes the next answer from the queue, whatever it is: the path of one of this kind.
-std::optional<std::u16string> TakeAnswer(std::string_view kind) {
+// Takes the next answer from the queue, whatever it is. An empty queue cancels.
+std::string TakeAnswer() {
     auto& answers = fm::CurrentSession().answers;
-    if (answers.empty()) return std::nullopt;
-    const std::string answer = std::move(answers.front());
+    if (answers.empty()) return "cancel";
+    std::string answer = std::move(answers.front());
     answers.pop_front();
+    return answer;
+}
+
+// The path of an answer of this kind.
+std::optional<std::u16string> TakePath(std::string_view kind) {
+    const std::string answer = TakeAnswer();
     if (!answer.starts_with(kind) || answer.size() == kind.size()) return std::nullopt;
     return utf::ToUtf16(std::string_view(answer).substr(kind.size()));
 }
@@ -20,7 +26,7 @@ std::optional<std::u16string> TakeAnswer(std::string_view kind) {
 } // namespace
 
 BOOL GetOpenFileNameW(OPENFILENAMEW* dialog) {
-    const auto path = TakeAnswer("file:");
+    const auto path = TakePath("file:");
     if (!path || path->size() >= dialog->nMaxFile) return FALSE;
     path->copy(dialog->lpstrFile, path->size());
     dialog->lpstrFile[path->size()] = u'\0';
@@ -30,7 +36,15 @@ BOOL GetOpenFileNameW(OPENFILENAMEW* dialog) {
 namespace win32 {
 
 std::optional<std::u16string> BrowseForFolder(const BROWSEINFOW&) {
-    return TakeAnswer("folder:");
+    return TakePath("folder:");
+}
+
+std::optional<std::string> AskForSettings() {
+    constexpr std::string_view kSettings = "set:";
+    const std::string answer = TakeAnswer();
+    if (answer == "ok") return std::string();
+    if (!answer.starts_with(kSettings)) return std::nullopt;
+    return answer.substr(kSettings.size());
 }
 
 } // namespace win32

@@ -1,0 +1,47 @@
+// The importer behind a GraphicsImportComponent.
+#pragma once
+
+#include "platform/quicktime/graphics_importer.h"
+#include "platform/quicktime/image_codecs/codec.h"
+
+#include <optional>
+
+namespace qt {
+
+class GraphicsImporter final : public Component {
+public:
+    explicit GraphicsImporter(const ImageCodec& codec) : codec_(codec) {}
+
+    void SetSource(std::unique_ptr<DataSource> source, DataReference reference);
+
+    [[nodiscard]] const ImageCodec& codec() const { return codec_; }
+    [[nodiscard]] bool Validates() const { return codec_.validates; }
+    [[nodiscard]] DataSource* source() { return source_.get(); }
+    [[nodiscard]] const DataReference& reference() const { return reference_; }
+
+    /// 0 with the facts of the chosen image, which are read once.
+    ComponentResult Facts(const ImageFacts*& facts);
+
+    ComponentResult SetIndex(std::uint32_t index);
+    ComponentResult SetSourceRect(const Rect* rectangle);
+    ComponentResult GetSourceRect(Rect& rectangle);
+    ComponentResult SetClip(RgnHandle region);
+    ComponentResult Draw(PixelImage& image);
+    [[nodiscard]] bool DrawsAll() const { return index_ == 1 && !source_rect_ && clip_ == nullptr; }
+
+private:
+    ComponentResult Decode(PixelImage& image);
+
+    const ImageCodec& codec_;
+    std::unique_ptr<DataSource> source_;
+    DataReference reference_;
+    ImageFacts facts_;
+    std::optional<ComponentResult> facts_code_;
+    std::uint32_t index_ = 1;
+    std::optional<Rect> source_rect_;
+    OwnedRegion clip_;
+    PixelImage
+        decoded_; ///< of an image other than the first, until it is drawn: only decoding tells its size
+};
+
+} // namespace qt

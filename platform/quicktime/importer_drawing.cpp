@@ -1,0 +1,175 @@
+// What importers draw: the chosen image's source rectangle, within the clip region.
+#include "platform/quicktime/graphics_importer_state.h"
+#include "platform/quicktime/image_exporters/exporter.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace qt {
+namespace {
+
+constexpr std::uint32_t kWhite = Pixel(255, 255, 255);
+
+/// Copies a rectangle of an image, which lies within it.
+ComponentResult Crop(const PixelImage& image, const Rect& part, PixelImage& out) {
+    const std::int32_t width = part.right - part.left;
+    if (const auto code = out.Allocate(width, part.bottom - part.top); code != noErr) return code;
+    for (std::int32_t y = 0; y < out.height(); ++y) {
+        std::copy_n(image.Row(part.top + y) + part.left, width, out.Row(y));
+    }
+    out.has_alpha = image.has_alpha;
+    out.is_grey = image.is_grey;
+    return noErr;
+}
+
+ComponentResult WhitenOutside(PixelImage& image, RgnHandle clip) {
+    const Rect bounds = {0, 0, static_cast<std::int16_t>(image.height()),
+                         static_cast<std::int16_t>(image.width())};
+    const OwnedRegion outside(NewRgn());
+    if (outside == nullptr) return memFullErr;
+    RectRgn(outside.get(), &bounds);
+    DiffRgn(outside.get(), clip, outside.get());
+    for (const Rect& part : RegionRectangles(outside.get())) {
+        for (std::int32_t y = part.top; y < part.bottom; ++y) {
+            std::fill(image.Row(y) + part.left, image.Row(y) + part.right, kWhite);
+        }
+    }
+    return noErr;
+}
+
+} // namespace
+
+void GraphicsImporter::SetSource(std::unique_ptr<DataSource> source, DataReference reference) {
+    source_ = std::move(source);
+    reference_ = std::move(reference);
+    facts_code_.reset();
+    index_ = 1;
+    source_rect_.reset();
+    decoded_ = {};
+}
+
+ComponentResult GraphicsImporter::Facts(const ImageFacts*& facts) {
+    if (source_ == nullptr) return invalidDataRef;
+    if (!facts_code_) {
+        facts_ = {};
+        facts_code_ = codec_.read_facts(*source_, facts_);
+    }
+    facts = &facts_;
+    return *facts_code_;
+}
+
+ComponentResult GraphicsImporter::SetIndex(std::uint32_t index) {
+    const ImageFacts* facts = nullptr;
+    if (const auto code = Facts(facts); code != noErr) return code;
+    if (index < 1 || index > facts_.image_count) return paramErr;
+    if (index == index_) return noErr;
+    const std::uint32_t previous = std::exchange(index_, index);
+    PixelImage image;
+    if (const auto code = Decode(image); code != noErr) {
+        index_ = previous;
+        return code;
+    }
+    facts_.description.width = static_cast<std::int16_t>(image.width());
+    facts_.description.height = static_cast<std::int16_t>(image.height());
+    decoded_ = std::move(image);
+    source_rect_.reset();
+    return noErr;
+}
+
+ComponentResult GraphicsImporter::SetSourceRect(const Rect* rectangle) {
+    if (rectangle == nullptr) {
+        source_rect_.reset();
+        return noErr;
+    }
+    const ImageFacts* facts = nullptr;
+    if (const auto code = Facts(facts); code != noErr) return code;
+    const ImageDescription& image = facts->description;
+    const Rect part = {std::max<std::int16_t>(rectangle->top, 0), std::max<std::int16_t>(rectangle->left, 0),
+                       std::min(rectangle->bottom, image.height), std::min(rectangle->right, image.width)};
+    if (part.right <= part.left || part.bottom <= part.top) return paramErr;
+    source_rect_ = part;
+    return noErr;
+}
+
+ComponentResult GraphicsImporter::GetSourceRect(Rect& rectangle) {
+    const ImageFacts* facts = nullptr;
+    if (const auto code = Facts(facts); code != noErr) return code;
+    rectangle = source_rect_.value_or(Rect{0, 0, facts->description.height, facts->description.width});
+    return noErr;
+}
+
+ComponentResult GraphicsImporter::SetClip(RgnHandle region) {
+    OwnedRegion copy(region != nullptr ? NewRgn() : nullptr);
+    if (region != nullptr) {
+        if (copy == nullptr) return memFullErr;
+        CopyRgn(region, copy.get());
+    }
+    clip_ = std::move(copy);
+    return noErr;
+}
+
+ComponentResult GraphicsImporter::Decode(PixelImage& image) {
+    if (codec_.decode == nullptr) return codecUnimpErr;
+    return codec_.decode(*source_, index_, image);
+}
+
+ComponentResult GraphicsImporter::Draw(PixelImage& image) {
+    const ImageFacts* facts = nullptr;
+    if (const auto code = Facts(facts); code != noErr) return code;
+    if (decoded_.width() > 0) {
+        image = std::exchange(decoded_, {});
+    } else if (const auto code = Decode(image); code != noErr) {
+        return code;
+    }
+    if (source_rect_) {
+        PixelImage part;
+        if (const auto code = Crop(image, *source_rect_, part); code != noErr) return code;
+        image = std::move(part);
+    }
+    return clip_ != nullptr ? WhitenOutside(image, clip_.get()) : ComponentResult{noErr};
+}
+
+ComponentResult DrawImporter(GraphicsImportComponent instance, PixelImage& image) {
+    auto* importer = dynamic_cast<GraphicsImporter*>(instance);
+    if (importer == nullptr) return kBadComponentInstance;
+    try {
+        return importer->Draw(image);
+    } catch (const std::bad_alloc&) {
+        return memFullErr;
+    }
+}
+
+DataSource* UnchangedSource(GraphicsImportComponent instance) {
+    auto* importer = dynamic_cast<GraphicsImporter*>(instance);
+    return importer != nullptr && importer->DrawsAll() ? importer->source() : nullptr;
+}
+
+} // namespace qt
+
+ComponentResult GraphicsImportSetImageIndex(GraphicsImportComponent instance, std::uint32_t index) {
+    auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
+    return importer != nullptr ? importer->SetIndex(index) : kBadComponentInstance;
+}
+
+ComponentResult GraphicsImportGetNaturalBounds(GraphicsImportComponent instance, Rect* bounds) {
+    ImageDescription description;
+    const ComponentResult code = GraphicsImportGetImageDescription(instance, &description);
+    if (code == noErr) *bounds = {0, 0, description.height, description.width};
+    return code;
+}
+
+ComponentResult GraphicsImportSetSourceRect(GraphicsImportComponent instance, const Rect* rectangle) {
+    auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
+    return importer != nullptr ? importer->SetSourceRect(rectangle) : kBadComponentInstance;
+}
+
+ComponentResult GraphicsImportGetSourceRect(GraphicsImportComponent instance, Rect* rectangle) {
+    auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
+    return importer != nullptr ? importer->GetSourceRect(*rectangle) : kBadComponentInstance;
+}
+
+ComponentResult GraphicsImportSetClip(GraphicsImportComponent instance, RgnHandle region) {
+    auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
+    return importer != nullptr ? importer->SetClip(region) : kBadComponentInstance;
+}
