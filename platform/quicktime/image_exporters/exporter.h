@@ -53,5 +53,15 @@ const ImageExporter* FindImageExporter(OSType type);
 
 extern const ImageExporter kJpegExporter;
 extern const ImageExporter kPngExporter;
+extern const ImageExporter kTiffExporter;
+extern const ImageExporter kGifExporter;
+extern const ImageExporter kJpeg2000Exporter;
+extern const ImageExporter kBmpExporter;
+extern const ImageExporter kTgaExporter;
+extern const ImageExporter kSgiExporter;
+extern const ImageExporter kMacPaintExporter;
+extern const ImageExporter kPhotoshopExporter;
+extern const ImageExporter kPictExporter;
+extern const ImageExporter kQuickTimeImageExporter;
 
 } // namespace qt

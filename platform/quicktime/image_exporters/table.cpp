@@ -7,7 +7,14 @@ namespace qt {
 namespace {
 
 // In the order of lists.
-constexpr std::array<const ImageExporter*, 2> kExporters = {&kJpegExporter, &kPngExporter};
+constexpr std::array kExporters = {
+    &kJpegExporter,           //
+    &kMacPaintExporter,       //
+    &kPhotoshopExporter,      //
+    &kPictExporter,           //
+    &kPngExporter,            //
+    &kQuickTimeImageExporter, //
+};
 
 } // namespace
 

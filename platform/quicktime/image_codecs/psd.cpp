@@ -1,0 +1,254 @@
+// Photoshop documents: the merged image behind the layers, a plane a channel, in plain or packed rows.
+//
+// A document with transparency is merged onto white, and its colours are as seen there; other programs store
+// the colours themselves. The pixels tell: none that was laid on white is darker than what shines through.
+#include "platform/quicktime/image_codecs/psd_header.h"
+
+#include "platform/quicktime/image_codecs/packbits.h"
+#include "platform/quicktime/image_codecs/raster.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+namespace qt {
+namespace {
+
+constexpr std::array<OSType, 5> kTypes = {Code("8BPS"), Code("8bps"), Code("PSD "), Code("psd "),
+                                          Code("PSB ")};
+constexpr std::uint32_t kPacked = 1;
+
+using Plane = std::vector<std::uint8_t>; ///< a row of a channel, 8 bits a sample
+
+/// The rows of one channel, front to back.
+class ChannelReader {
+public:
+    /// `sizes`: of the channel's packed rows, in bytes; empty for plain rows.
+    ChannelReader(DataSource& source, std::uint64_t offset, std::size_t row_bytes,
+                  std::vector<std::uint32_t> sizes)
+        : reader_(source, offset), row_(row_bytes), sizes_(std::move(sizes)) {}
+
+    /// The row's bytes as stored, zero behind what is there; null at the end of the data.
+    const std::byte* Next() {
+        std::size_t count = 0;
+        if (sizes_.empty()) {
+            count = reader_.Read(row_);
+        } else {
+            // A sensible packed row is hardly longer than the plain one.
+            const std::uint32_t size = sizes_[next_++];
+            packed_.resize(std::min<std::size_t>(size, PackedBound(2 * row_.size())));
+            packed_.resize(reader_.Read(packed_));
+            reader_.Skip(size - std::min<std::size_t>(size, packed_.size()));
+            count = UnpackBits(packed_, row_).written;
+        }
+        std::fill(row_.begin() + static_cast<std::ptrdiff_t>(count), row_.end(), std::byte{});
+        return count > 0 ? row_.data() : nullptr;
+    }
+
+private:
+    ByteReader reader_;
+    std::vector<std::byte> row_;
+    std::vector<std::byte> packed_;
+    std::vector<std::uint32_t> sizes_;
+    std::size_t next_ = 0;
+};
+
+/// Rows of samples as 8 bits each; indices and bits stay what they are.
+void ToEightBits(const std::byte* row, unsigned depth, Plane& plane) {
+    switch (depth) {
+    case 1:
+        for (std::size_t x = 0; x < plane.size(); ++x) {
+            plane[x] = (std::to_integer<unsigned>(row[x / 8]) >> (7 - x % 8) & 1) != 0 ? 0 : 255;
+        }
+        break;
+    case 8: std::memcpy(plane.data(), row, plane.size()); break;
+    case 16:
+        for (std::size_t x = 0; x < plane.size(); ++x) {
+            plane[x] = static_cast<std::uint8_t>(EightOfSixteenBits(BigEndian16(row + 2 * x)));
+        }
+        break;
+    default:
+        for (std::size_t x = 0; x < plane.size(); ++x) {
+            const auto sample = std::bit_cast<float>(BigEndian32(row + 4 * x));
+            plane[x] =
+                static_cast<std::uint8_t>(sample > 0.0F ? std::min(sample, 1.0F) * 255.0F + 0.5F : 0.0F);
+        }
+    }
+}
+
+std::uint32_t PixelFromLab(std::uint32_t l, std::uint32_t a, std::uint32_t b) {
+    constexpr double kWhiteX = 0.9642; // the white of D50
+    constexpr double kWhiteZ = 0.8249;
+    const auto unfold = [](double f) {
+        return f > 6.0 / 29.0 ? f * f * f : (f - 16.0 / 116.0) * 108.0 / 841.0;
+    };
+    const auto companded = [](double linear) {
+        const double held = std::clamp(linear, 0.0, 1.0);
+        const double value = held <= 0.0031308 ? 12.92 * held : 1.055 * std::pow(held, 1.0 / 2.4) - 0.055;
+        return static_cast<std::uint32_t>(value * 255.0 + 0.5);
+    };
+    const double fy = (l * 100.0 / 255.0 + 16.0) / 116.0;
+    const double x = kWhiteX * unfold(fy + (static_cast<double>(a) - 128.0) / 500.0);
+    const double y = unfold(fy);
+    const double z = kWhiteZ * unfold(fy - (static_cast<double>(b) - 128.0) / 200.0);
+    return Pixel(companded(3.1338561 * x - 1.6168667 * y - 0.4906146 * z),
+                 companded(-0.9787684 * x + 1.9161415 * y + 0.0334540 * z),
+                 companded(0.0719453 * x - 0.2289914 * y + 1.4052427 * z));
+}
+
+/// Stored inks are inverted: 255 is none.
+std::uint32_t PixelFromInks(std::uint32_t cyan, std::uint32_t magenta, std::uint32_t yellow,
+                            std::uint32_t black) {
+    const auto with_black = [black](std::uint32_t ink) { return (ink * black + 127) / 255; };
+    return Pixel(with_black(cyan), with_black(magenta), with_black(yellow));
+}
+
+void PaintRow(const PsdHeader& header, const std::vector<Plane>& planes, std::int32_t count,
+              std::uint32_t* pixels) {
+    const auto paint = [&](auto pixel_at) {
+        for (std::int32_t x = 0; x < count; ++x) pixels[x] = pixel_at(static_cast<std::size_t>(x));
+    };
+    const std::size_t colours = header.ColourChannels();
+    const std::uint8_t* const first = planes[0].data();
+    const std::uint8_t* const second = colours > 1 ? planes[1].data() : nullptr;
+    const std::uint8_t* const third = colours > 1 ? planes[2].data() : nullptr;
+    const std::uint8_t* const fourth = colours > 3 ? planes[3].data() : nullptr;
+    switch (colours) {
+    case 1:
+        if (header.mode == PsdHeader::kIndexed) {
+            paint([&](std::size_t x) { return header.palette[first[x]]; });
+        } else {
+            paint([&](std::size_t x) { return Pixel(first[x], first[x], first[x]); });
+        }
+        break;
+    case 3:
+        if (header.mode == PsdHeader::kLab) {
+            paint([&](std::size_t x) { return PixelFromLab(first[x], second[x], third[x]); });
+        } else {
+            paint([&](std::size_t x) { return Pixel(first[x], second[x], third[x]); });
+        }
+        break;
+    default: paint([&](std::size_t x) { return PixelFromInks(first[x], second[x], third[x], fourth[x]); });
+    }
+    if (!header.has_alpha) return;
+    const std::uint8_t* const alpha = planes[colours].data();
+    for (std::int32_t x = 0; x < count; ++x) {
+        pixels[x] = (pixels[x] & 0x00FF'FFFF) | std::uint32_t{alpha[x]} << 24;
+    }
+}
+
+bool IsOnWhite(const PixelImage& image) {
+    for (std::int32_t y = 0; y < image.height(); ++y) {
+        for (std::int32_t x = 0; x < image.width(); ++x) {
+            const std::uint32_t pixel = image.Row(y)[x];
+            const std::uint32_t darkest = std::min({Red(pixel), Green(pixel), Blue(pixel)});
+            if (darkest + Alpha(pixel) + 1 < 255) return false;
+        }
+    }
+    return true;
+}
+
+void TakeFromWhite(PixelImage& image) {
+    for (std::int32_t y = 0; y < image.height(); ++y) {
+        std::uint32_t* row = image.Row(y);
+        for (std::int32_t x = 0; x < image.width(); ++x) {
+            const std::uint32_t alpha = Alpha(row[x]);
+            if (alpha == 0 || alpha == 255) continue;
+            const auto own = [alpha](std::uint32_t seen) {
+                const std::uint32_t white = 255 * (255 - alpha);
+                const std::uint32_t scaled = seen * 255;
+                return scaled > white ? std::min((scaled - white + alpha / 2) / alpha, 255U) : 0U;
+            };
+            row[x] = Pixel(own(Red(row[x])), own(Green(row[x])), own(Blue(row[x])), alpha);
+        }
+    }
+}
+
+/// A reader for each channel that is painted. False when there is no data for any row.
+bool OpenChannels(DataSource& source, const PsdHeader& header,
+                  std::vector<std::unique_ptr<ChannelReader>>& channels) {
+    std::array<std::byte, 2> compression;
+    if (source.Read(header.image_at, compression) != compression.size()) return false;
+    const std::uint32_t method = BigEndian16(compression.data());
+    if (method > kPacked) return false;
+    const std::size_t row_bytes = (std::size_t{header.width} * header.depth + 7) / 8;
+    const std::size_t count_bytes = header.is_large ? 4 : 2;
+    std::uint64_t at = header.image_at + compression.size();
+    if (method == 0) {
+        for (std::uint32_t i = 0; i < header.PaintedChannels(); ++i, at += row_bytes * header.height) {
+            channels.push_back(
+                std::make_unique<ChannelReader>(source, at, row_bytes, std::vector<std::uint32_t>{}));
+        }
+        return true;
+    }
+    std::uint64_t counts_at = at;
+    at += std::uint64_t{count_bytes} * header.channels * header.height;
+    std::vector<std::byte> counts(count_bytes * header.height);
+    for (std::uint32_t i = 0; i < header.PaintedChannels(); ++i, counts_at += counts.size()) {
+        if (source.Read(counts_at, counts) != counts.size()) return i > 0;
+        std::vector<std::uint32_t> sizes(header.height);
+        std::uint64_t all = 0;
+        for (std::size_t y = 0; y < sizes.size(); ++y) {
+            const std::byte* count = &counts[y * count_bytes];
+            sizes[y] = header.is_large ? BigEndian32(count) : BigEndian16(count);
+            all += sizes[y];
+        }
+        channels.push_back(std::make_unique<ChannelReader>(source, at, row_bytes, std::move(sizes)));
+        at += all;
+    }
+    return true;
+}
+
+bool Sniff(std::span<const std::byte> head) {
+    return head.size() >= 6 && BigEndian32(head.data()) == Code("8BPS") &&
+           (BigEndian16(&head[4]) == 1 || BigEndian16(&head[4]) == 2);
+}
+
+ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
+    PsdHeader header;
+    if (!ReadPsdHeader(source, header)) return codecBadDataErr;
+    facts.data_size = source.GetSize();
+    return DescribePsd(header, facts.description);
+}
+
+ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& image) {
+    constexpr std::uint32_t kMostPixelsOfByte = 64; // of a plane that is all one run
+    PsdHeader header;
+    ImageDescription description;
+    if (!ReadPsdHeader(source, header)) return codecBadDataErr;
+    if (const auto code = DescribePsd(header, description); code != noErr) return code;
+    const std::uint32_t most = header.depth == 1 ? 8 * kMostPixelsOfByte : kMostPixelsOfByte;
+    if (!DataHolds(source.GetSize(), header.width, header.height, most)) return codecBadDataErr;
+    std::vector<std::unique_ptr<ChannelReader>> channels;
+    if (!OpenChannels(source, header, channels)) return codecBadDataErr;
+    if (const auto code = AllocateFor(description, image); code != noErr) return code;
+    image.has_alpha = header.has_alpha;
+    image.is_grey = header.IsGrey();
+
+    // Of data that breaks off, channels behind the first may lack: they are as white paper has them.
+    std::vector<Plane> planes(header.PaintedChannels(), Plane(header.width, 255));
+    for (std::int32_t y = 0; y < image.height(); ++y) {
+        for (std::size_t i = 0; i < channels.size(); ++i) {
+            const std::byte* row = channels[i]->Next();
+            if (row != nullptr) {
+                ToEightBits(row, header.depth, planes[i]);
+            } else if (i > 0) {
+                std::ranges::fill(planes[i], std::uint8_t{255});
+            } else if (y == 0) {
+                return codecBadDataErr;
+            } else {
+                WhitenRows(image, y, image.height());
+                return noErr;
+            }
+        }
+        PaintRow(header, planes, image.width(), image.Row(y));
+    }
+    if (header.has_alpha && IsOnWhite(image)) TakeFromWhite(image);
+    return noErr;
+}
+
+} // namespace
+
+const ImageCodec kPhotoshopCodec = {kTypes, Sniff, ReadFacts, true, Decode};
+
+} // namespace qt
