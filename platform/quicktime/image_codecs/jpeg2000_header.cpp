@@ -1,0 +1,178 @@
+#include "platform/quicktime/image_codecs/jpeg2000_header.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+
+namespace qt {
+namespace {
+
+constexpr std::array<unsigned char, 12> kSignatureBox = {0,   0,   0,    12,   'j',  'P',
+                                                         ' ', ' ', '\r', '\n', 0x87, '\n'};
+constexpr std::uint32_t kStartAndSize = 0xFF4F'FF51; ///< the two markers with which a codestream begins
+constexpr std::uint32_t kMostComponents = 64;
+constexpr std::uint64_t kMostTileComponents = 65'535; ///< the codec keeps about 1 KB for each
+
+enum Marker : std::uint32_t { kCodingStyle = 0xFF52, kStartOfTile = 0xFF90 };
+
+std::uint64_t DividedUp(std::uint64_t value, std::uint64_t by) {
+    return (value + by - 1) / by;
+}
+
+template <std::size_t kCount>
+bool ReadAt(DataSource& source, std::uint64_t offset, std::array<std::byte, kCount>& bytes) {
+    return source.Read(offset, bytes) == kCount;
+}
+
+/// The marker segment of the size, `at` behind its length.
+bool ReadSize(DataSource& source, std::uint64_t at, Jpeg2000Header& header) {
+    std::array<std::byte, 36> bytes;
+    if (!ReadAt(source, at, bytes)) return false;
+    const auto field = [&](std::size_t offset) { return BigEndian32(&bytes[offset]); };
+    const std::uint32_t right = field(2), bottom = field(6), left = field(10), top = field(14);
+    const std::uint32_t tile_width = field(18), tile_height = field(22);
+    const std::uint32_t tile_left = field(26), tile_top = field(30);
+    header.components = BigEndian16(&bytes[34]);
+    if (right <= left || bottom <= top || tile_width == 0 || tile_height == 0 || tile_left > left ||
+        tile_top > top || header.components == 0 || header.components > kMostComponents)
+        return false;
+    header.width = right - left;
+    header.height = bottom - top;
+    header.tiles = DividedUp(right - tile_left, tile_width) * DividedUp(bottom - tile_top, tile_height);
+    for (std::uint32_t component = 0; component < header.components; ++component) {
+        std::array<std::byte, 3> sampling;
+        if (!ReadAt(source, at + bytes.size() + 3 * component, sampling)) return false;
+        const auto across = std::to_integer<std::uint32_t>(sampling[1]);
+        const auto down = std::to_integer<std::uint32_t>(sampling[2]);
+        if (across == 0 || down == 0) return false;
+        header.samples += DividedUp(header.width, across) * DividedUp(header.height, down);
+    }
+    return header.tiles * header.components <= kMostTileComponents && header.tiles <= source.GetSize();
+}
+
+/// The main header from its first marker on.
+bool ReadCodestream(DataSource& source, std::uint64_t at, Jpeg2000Header& header) {
+    std::array<std::byte, 4> start;
+    if (!ReadAt(source, at, start) || BigEndian32(start.data()) != kStartAndSize) return false;
+    at += 2;
+    bool has_size = false;
+    std::array<std::byte, 14> segment;
+    while (ReadAt(source, at, segment)) {
+        const std::uint32_t marker = BigEndian16(&segment[0]);
+        const std::uint32_t length = BigEndian16(&segment[2]);
+        if (marker == kStartOfTile) return has_size;
+        if (marker < 0xFF00 || length < 2) return false;
+        if (!has_size) {
+            has_size = ReadSize(source, at + 4, header);
+            if (!has_size) return false;
+        }
+        if (marker == kCodingStyle) header.is_reversible = segment[13] == std::byte{1};
+        at += 2 + length;
+    }
+    return false;
+}
+
+struct Box {
+    OSType type = 0;
+    std::uint64_t at = 0; ///< of its contents
+    std::uint64_t end = 0;
+};
+
+/// The box at `at` within what ends at `end`.
+bool ReadBox(DataSource& source, std::uint64_t at, std::uint64_t end, Box& box) {
+    std::array<std::byte, 16> bytes{};
+    const std::size_t count = source.Read(at, bytes);
+    if (count < 8 || at + 8 > end) return false;
+    std::uint64_t length = BigEndian32(&bytes[0]);
+    std::uint64_t header = 8;
+    box.type = BigEndian32(&bytes[4]);
+    if (length == 1) {
+        header = 16;
+        length = std::uint64_t{BigEndian32(&bytes[8])} << 32 | BigEndian32(&bytes[12]);
+    } else if (length == 0) {
+        length = end - at;
+    }
+    if (length < header) return false;
+    box.at = at + header;
+    box.end = at + std::min(length, end - at);
+    return true;
+}
+
+template <class OnBox>
+void WalkBoxes(DataSource& source, std::uint64_t at, std::uint64_t end, OnBox on_box) {
+    constexpr int kMostBoxes = 1000;
+    Box box;
+    for (int i = 0; i < kMostBoxes && at < end && ReadBox(source, at, end, box); ++i) {
+        on_box(box);
+        at = box.end;
+    }
+}
+
+/// Pixels per metre as a fraction times a power of ten; down first, then across.
+void TakeResolution(DataSource& source, const Box& box, Jpeg2000Header& header) {
+    constexpr double kMetresPerInch = 0.0254;
+    std::array<std::byte, 10> bytes;
+    if (!ReadAt(source, box.at, bytes)) return;
+    const auto dots = [&](std::size_t at, std::size_t exponent_at) {
+        const std::uint32_t divisor = BigEndian16(&bytes[at + 2]);
+        if (divisor == 0) return 0.0;
+        const int exponent = static_cast<signed char>(bytes[exponent_at]);
+        return BigEndian16(&bytes[at]) * std::pow(10.0, exponent) / divisor * kMetresPerInch;
+    };
+    header.vertical_dpi = dots(0, 8);
+    header.horizontal_dpi = dots(4, 9);
+}
+
+/// Whether a channel definition box names an opacity channel.
+bool DefinesAlpha(DataSource& source, const Box& box) {
+    std::array<std::byte, 2> count;
+    if (!ReadAt(source, box.at, count)) return false;
+    const std::uint32_t channels = std::min(BigEndian16(count.data()), kMostComponents);
+    for (std::uint32_t i = 0; i < channels; ++i) {
+        std::array<std::byte, 2> kind;
+        if (!ReadAt(source, box.at + 2 + 6 * i + 2, kind)) return false;
+        if (BigEndian16(kind.data()) == 1 || BigEndian16(kind.data()) == 2) return true;
+    }
+    return false;
+}
+
+void ReadHeaderBoxes(DataSource& source, const Box& boxes, Jpeg2000Header& header) {
+    WalkBoxes(source, boxes.at, boxes.end, [&](const Box& box) {
+        if (box.type == Code("pclr")) header.has_palette = true;
+        if (box.type == Code("cdef")) header.has_alpha = DefinesAlpha(source, box);
+        if (box.type != Code("res ")) return;
+        WalkBoxes(source, box.at, box.end, [&](const Box& resolution) {
+            const bool is_capture = resolution.type == Code("resc");
+            const bool is_display = resolution.type == Code("resd") && header.horizontal_dpi == 0.0;
+            if (is_capture || is_display) TakeResolution(source, resolution, header);
+        });
+    });
+}
+
+} // namespace
+
+bool SniffJpeg2000(std::span<const std::byte> head) {
+    if (head.size() < kSignatureBox.size()) return false;
+    return std::memcmp(head.data(), kSignatureBox.data(), kSignatureBox.size()) == 0 ||
+           BigEndian32(head.data()) == kStartAndSize;
+}
+
+ComponentResult ReadJpeg2000Header(DataSource& source, Jpeg2000Header& header) {
+    std::array<std::byte, kSignatureBox.size()> head;
+    if (!ReadAt(source, 0, head) || !SniffJpeg2000(head)) return codecBadDataErr;
+    header.has_boxes = BigEndian32(head.data()) != kStartAndSize;
+    bool is_good = false;
+    if (header.has_boxes) {
+        WalkBoxes(source, 0, source.GetSize(), [&](const Box& box) {
+            if (box.type == Code("jp2h")) ReadHeaderBoxes(source, box, header);
+            if (box.type == Code("jp2c") && !is_good) is_good = ReadCodestream(source, box.at, header);
+        });
+    } else {
+        is_good = ReadCodestream(source, 0, header);
+        header.has_alpha = header.components % 2 == 0;
+    }
+    return is_good ? ComponentResult{noErr} : codecBadDataErr;
+}
+
+} // namespace qt

@@ -1,0 +1,27 @@
+// What the boxes and the main header of JPEG 2000 data say, read without the codec.
+#pragma once
+
+#include "platform/quicktime/image_codecs/codec.h"
+
+namespace qt {
+
+struct Jpeg2000Header {
+    bool has_boxes = false; ///< a JP2 file; else the codestream alone
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    std::uint64_t tiles = 0;
+    std::uint32_t components = 0;
+    std::uint64_t samples = 0; ///< of all components together
+    bool is_reversible = false;
+    bool has_palette = false;
+    bool has_alpha = false;
+    double horizontal_dpi = 0.0; ///< 0 where unknown
+    double vertical_dpi = 0.0;
+};
+
+bool SniffJpeg2000(std::span<const std::byte> head);
+
+/// codecBadDataErr for what is no JPEG 2000, or claims more tiles than its data can hold.
+ComponentResult ReadJpeg2000Header(DataSource& source, Jpeg2000Header& header);
+
+} // namespace qt

@@ -1,0 +1,112 @@
+// TIFF, through libtiff. Its orientation is left as stored.
+#include "platform/quicktime/image_codecs/raster.h"
+#include "platform/quicktime/image_codecs/tiff_file.h"
+
+#include <algorithm>
+
+namespace qt {
+namespace {
+
+constexpr std::array<OSType, 3> kTypes = {Code("TIFF"), Code("tiff"), Code("tif ")};
+
+std::int16_t DepthOf(const TiffLayout& layout) {
+    if (layout.is_converted || layout.colours == 3) return layout.has_alpha ? 32 : 24;
+    if (layout.colours == 4 || layout.has_alpha) return 32;
+    const auto bits = static_cast<std::int16_t>(layout.bits <= 2 ? layout.bits : layout.bits <= 4 ? 4 : 8);
+    const bool is_grey = layout.photometric != PHOTOMETRIC_PALETTE && bits > 1;
+    return static_cast<std::int16_t>(is_grey ? 32 + bits : bits);
+}
+
+Fixed ResolutionOf(TIFF* tiff, std::uint32_t tag) {
+    constexpr double kCentimetresPerInch = 2.54;
+    float value = 0.0F;
+    std::uint16_t unit = RESUNIT_INCH;
+    TIFFGetField(tiff, tag, &value);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_RESOLUTIONUNIT, &unit);
+    if (unit != RESUNIT_INCH && unit != RESUNIT_CENTIMETER) value = 0.0F;
+    return FixedResolution(unit == RESUNIT_CENTIMETER ? value * kCentimetresPerInch : value);
+}
+
+/// JPEG inside says nothing of its quality here.
+std::int32_t QualityOf(std::uint16_t compression) {
+    const bool is_lossy = compression == COMPRESSION_JPEG || compression == COMPRESSION_OJPEG;
+    return is_lossy ? 512 : kLosslessQuality;
+}
+
+bool Sniff(std::span<const std::byte> head) {
+    using namespace std::string_view_literals;
+    constexpr std::array kSignatures = {"II*\0"sv, "MM\0*"sv, "II+\0\x08\0\0\0"sv, "MM\0+\0\x08\0\0"sv};
+    return std::ranges::any_of(kSignatures, [&](std::string_view signature) {
+        return head.size() >= 8 && std::memcmp(head.data(), signature.data(), signature.size()) == 0;
+    });
+}
+
+ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
+    const TiffFile file(source);
+    TIFF* tiff = file.Get();
+    if (tiff == nullptr) return codecBadDataErr;
+    TiffLayout layout;
+    if (const auto code = ReadTiffLayout(tiff, layout); code != noErr) return code;
+    if (TIFFGetStrileOffset(tiff, 0) >= source.GetSize()) return codecBadDataErr;
+    ImageDescription& description = facts.description;
+    description.cType = Code("tiff");
+    description.name = Name("TIFF");
+    description.spatialQuality = QualityOf(layout.compression);
+    description.depth = DepthOf(layout);
+    description.hRes = ResolutionOf(tiff, TIFFTAG_XRESOLUTION);
+    description.vRes = ResolutionOf(tiff, TIFFTAG_YRESOLUTION);
+    facts.image_count = std::max<std::uint32_t>(TIFFNumberOfDirectories(tiff), 1);
+    facts.data_size = source.GetSize();
+    return SetDimensions(description, layout.width, layout.height);
+}
+
+ComponentResult Decode(DataSource& source, std::uint32_t index, PixelImage& image) {
+    constexpr std::uint32_t kMostPixelsOfPlainByte = 8;
+    constexpr std::uint32_t kMostPixelsOfPackedByte = 22'000; // LZW of one bit a pixel
+    const TiffFile file(source);
+    TIFF* tiff = file.Get();
+    if (tiff == nullptr) return codecBadDataErr;
+    if (index == 0) return paramErr;
+    if (index > 1 && TIFFSetDirectory(tiff, index - 1) == 0) return paramErr;
+    TiffLayout layout;
+    ImageDescription description;
+    if (const auto code = ReadTiffLayout(tiff, layout); code != noErr) return code;
+    if (const auto code = SetDimensions(description, layout.width, layout.height); code != noErr) return code;
+    const std::uint32_t pixels_per_byte =
+        layout.compression == COMPRESSION_NONE ? kMostPixelsOfPlainByte : kMostPixelsOfPackedByte;
+    if (!DataHolds(source.GetSize(), layout.width, layout.height, pixels_per_byte)) return codecBadDataErr;
+    if (const auto code = AllocateFor(description, image); code != noErr) return code;
+    return DecodeTiff(tiff, layout, image);
+}
+
+ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& items) {
+    struct TextTag {
+        std::uint32_t tag;
+        OSType type;
+    };
+    constexpr std::array<TextTag, 9> kTexts = {{
+        {TIFFTAG_DOCUMENTNAME, TextItem("nam")},
+        {TIFFTAG_IMAGEDESCRIPTION, TextItem("des")},
+        {TIFFTAG_ARTIST, TextItem("ART")},
+        {TIFFTAG_COPYRIGHT, TextItem("cpy")},
+        {TIFFTAG_DATETIME, TextItem("day")},
+        {TIFFTAG_MAKE, TextItem("mak")},
+        {TIFFTAG_MODEL, TextItem("mod")},
+        {TIFFTAG_SOFTWARE, TextItem("swr")},
+        {TIFFTAG_HOSTCOMPUTER, TextItem("hst")},
+    }};
+    const TiffFile file(source);
+    if (file.Get() == nullptr) return codecBadDataErr;
+    for (const TextTag& text : kTexts) {
+        const char* value = nullptr;
+        if (TIFFGetField(file.Get(), text.tag, &value) == 0 || value == nullptr || *value == '\0') continue;
+        items.push_back({text.type, value});
+    }
+    return noErr;
+}
+
+} // namespace
+
+const ImageCodec kTiffCodec = {kTypes, Sniff, ReadFacts, true, Decode, ReadMetadata};
+
+} // namespace qt
