@@ -8,6 +8,7 @@
 #include "plugin/results.h"
 
 #include <limits>
+#include <span>
 #include <string>
 
 namespace corvane {
@@ -52,12 +53,6 @@ bool FindSource(const FM_Data* parameter, FileSource& source) {
     return code == 0;
 }
 
-// For FM_BinaryData_AddFromReader.
-bool ReadPiece(void* context, std::uint32_t offset, std::uint32_t amount, void* buffer) {
-    auto* source = static_cast<qt::DataSource*>(context);
-    return source->Read(offset, {static_cast<std::byte*>(buffer), amount}) == amount;
-}
-
 void ReportUnreadable(std::int32_t code) {
     ReportError(code, "Error reading target data");
 }
@@ -65,7 +60,7 @@ void ReportUnreadable(std::int32_t code) {
 void InsertText(qt::DataSource& data) {
     if (data.GetSize() > std::numeric_limits<std::int32_t>::max()) return ReportUnreadable(kErrorOutOfMemory);
     std::string text(data.GetSize(), '\0');
-    if (!ReadPiece(&data, 0, static_cast<std::uint32_t>(text.size()), text.data()))
+    if (data.Read(0, std::as_writable_bytes(std::span(text))) != text.size())
         return ReportUnreadable(kFM_ErrorReading);
     AppendResultBufferText(text);
 }
@@ -77,15 +72,9 @@ void AddFilePath(FM_BinaryData* container, const XFileSpec& file) {
 
 // False when the container could not be made and that is reported.
 bool InsertContainer(qt::DataSource& data, const FileSource& source, FM_Data& result) {
-    if (data.GetSize() > std::numeric_limits<std::uint32_t>::max()) {
-        ReportUnreadable(kErrorOutOfMemory);
-        return false;
-    }
     const BinaryData container(Host(FM_BinaryData_Constructor1));
-    const FM_Error code =
-        Host(FM_BinaryData_AddFromReader, container.get(), NewQuadChar(kFileStream).get(),
-             static_cast<std::uint32_t>(data.GetSize()), ReadPiece, static_cast<void*>(&data));
-    if (code != kFM_ErrorNone) {
+    const std::int32_t code = AddStreamFrom(container.get(), kFileStream, data, 0);
+    if (code != 0) {
         ReportUnreadable(code);
         return false;
     }

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <limits>
 #include <string>
 
 namespace corvane {
@@ -66,8 +67,8 @@ std::int32_t FindStream(const FM_BinaryData* container, std::uint32_t type) {
 /// Reads a part of a stream into memory of the caller; false when the host refuses and that is reported.
 bool ReadStream(const FM_BinaryData* container, std::int32_t index, std::uint32_t offset, std::uint32_t size,
                 char* bytes) {
-    FM_Status status = kFM_StatusOk;
-    const FM_Error error = FM_BinaryData_GetData(container, index, offset, size, bytes, &status);
+    const FM_Error error =
+        Host(FM_BinaryData_GetData, container, index, offset, size, static_cast<void*>(bytes));
     if (error != kFM_ErrorNone) ReportError(error, "Could not access stream data");
     return error == kFM_ErrorNone;
 }
@@ -84,6 +85,18 @@ qt::MemoryHandle ReadStreamBehind(const FM_BinaryData* container, std::int32_t i
     std::memset(*data.get(), 0, header_size);
     if (!ReadStream(container, index, skipped, size, *data.get() + header_size)) return {};
     return data;
+}
+
+/// A source from some offset on.
+struct Rest {
+    qt::DataSource& source;
+    std::uint64_t begin;
+};
+
+/// For FM_BinaryData_AddFromReader.
+bool ReadRest(void* context, std::uint32_t offset, std::uint32_t amount, void* buffer) {
+    const auto& rest = *static_cast<const Rest*>(context);
+    return rest.source.Read(rest.begin + offset, {static_cast<std::byte*>(buffer), amount}) == amount;
 }
 
 } // namespace
@@ -161,6 +174,15 @@ void AddStream(FM_BinaryData* container, std::uint32_t type, std::span<const std
     const FM_Error error = Host(FM_BinaryData_Add, container, NewQuadChar(type).get(),
                                 static_cast<std::uint32_t>(bytes.size()), bytes.data());
     if (error != kFM_ErrorNone) throw HostFailure();
+}
+
+std::int32_t AddStreamFrom(FM_BinaryData* container, std::uint32_t type, qt::DataSource& source,
+                           std::uint64_t offset) {
+    const std::uint64_t size = source.GetSize() - std::min(offset, source.GetSize());
+    if (size > std::numeric_limits<std::uint32_t>::max()) return kErrorOutOfMemory;
+    Rest rest{source, offset};
+    return Host(FM_BinaryData_AddFromReader, container, NewQuadChar(type).get(),
+                static_cast<std::uint32_t>(size), ReadRest, static_cast<void*>(&rest));
 }
 
 void AddSizeStream(FM_BinaryData* container, std::int32_t width, std::int32_t height) {

@@ -1,6 +1,7 @@
 #include "images/table.h"
 
 #include "images/functions.h"
+#include "plugin/functions.h"
 #include "plugin/not_built.h"
 
 #include <array>
@@ -27,7 +28,7 @@ constexpr std::array<CountedFunction, 13> kFunctionsBeforeFiles = {{
      FunctionNotBuilt},
     {"Media_EffectApply", "Media_EffectApply ( container ; effectDescription [; container2 ] )", 2, 3,
      FunctionNotBuilt},
-    {"Media_InsertImage", "Media_InsertImage ( filepath ; byReference )", 2, 2, FunctionNotBuilt},
+    {"Media_InsertImage", "Media_InsertImage ( filepath ; byReference )", 2, 2, InsertImage},
 }};
 
 constexpr std::array<CountedFunction, 18> kFunctionsAfterFiles = {{
@@ -43,14 +44,14 @@ constexpr std::array<CountedFunction, 18> kFunctionsAfterFiles = {{
     {"Media_TResize", "Media_TResize ( xDim ; yDim )", 2, 2, FunctionNotBuilt},
     kReservedFunction,
     {"Media_SetImageDefaults", "Media_SetImageDefaults ( previewQuality ; previewMark )", 2, 2,
-     FunctionNotBuilt},
-    {"Media_ConversionDialog", "Media_ConversionDialog ( imageType )", 1, 1, FunctionNotBuilt},
+     SetImageDefaults},
+    {"Media_ConversionDialog", "Media_ConversionDialog ( imageType )", 1, 1, ConversionDialog},
     {"Media_ConvertImage",
      "Media_ConvertImage ( container ; imageType ; depth ; hres ; vres ; targetBytes ; quality ; imageIndex "
      "; transcode ; packBits ; interlace )",
-     2, 11, FunctionNotBuilt},
-    {"Media_ListImageOutputTypes", "Media_ListImageOutputTypes", 0, 0, FunctionNotBuilt},
-    {"Media_GetMetadata", "Media_GetMetadata ( containerOrFile {; tag} )", 1, 2, FunctionNotBuilt},
+     2, 11, ConvertImage},
+    {"Media_ListImageOutputTypes", "Media_ListImageOutputTypes", 0, 0, ListImageOutputTypes},
+    {"Media_GetMetadata", "Media_GetMetadata ( containerOrFile {; tag} )", 1, 2, GetMetadata},
     {"Media_InsertFile", "Media_InsertFile ( filepath ; byReference ; asText )", 3, 3, InsertFile},
     kReservedFunction,
 }};

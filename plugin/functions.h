@@ -1,4 +1,4 @@
-// Handlers of the functions that belong to no medium: version, settings and the last error.
+// Handlers of the functions that belong to no single medium: version, settings, the last error, metadata.
 #pragma once
 
 #include "platform/fmwrapper/fmwrapper.h"
@@ -13,5 +13,8 @@ FM_Error GetLastError(std::int16_t id, const FM_ExprEnv& environment, const FM_D
                       FM_Data& result);
 FM_Error Get(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters, FM_Data& result);
 FM_Error Set(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters, FM_Data& result);
+/// Registered with the sound and the image functions. It is defined with the sounds, which see both media.
+FM_Error GetMetadata(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                     FM_Data& result);
 
 } // namespace corvane

@@ -2,6 +2,7 @@
 
 #include "files/numbered_files.h"
 #include "images/availability.h"
+#include "images/image_settings.h"
 #include "platform/quicktime/movie_toolbox.h"
 #include "platform/win32/message_box.h"
 #include "platform/win32/version.h"
@@ -91,6 +92,7 @@ std::intptr_t StartUp(std::int16_t interface_version) {
     }
     RegisterImageAndFileFunctions();
     DecideImagesAvailable();
+    ResetImageSettings();
     g_started = true;
     return kStarted;
 }

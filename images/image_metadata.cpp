@@ -1,0 +1,75 @@
+#include "images/image_metadata.h"
+
+#include "images/exif_dump.h"
+#include "images/image_importer.h"
+#include "plugin/errors.h"
+#include "plugin/results.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace corvane {
+namespace {
+
+constexpr OSType kTextMark = 0xA9; ///< first byte of the types of readable texts
+
+std::string_view Terminated(std::string_view text) {
+    return text.substr(0, text.find('\0'));
+}
+
+void AddTextItems(GraphicsImportComponent importer, MetadataText& text) {
+    UserData opened = nullptr;
+    if (NewUserData(&opened) != noErr) return;
+    const qt::OwnedUserData list(opened);
+    GraphicsImportGetMetaData(importer, list.get());
+    bool headed = false;
+    for (OSType type = 0; (type = GetNextUserDataType(list.get(), type)) != 0;) {
+        if (type >> 24 != kTextMark) continue;
+        std::string name;
+        for (int shift = 24; shift >= 0; shift -= 8) name += static_cast<char>(type >> shift & 0xFF);
+        for (std::int32_t index = 1; index <= CountUserDataType(list.get(), type); ++index) {
+            std::string item;
+            if (GetUserDataText(list.get(), item, type, index) != noErr) continue;
+            if (!headed) text.AddLine("IPTC");
+            headed = true;
+            text.AddLine("  " + name + ": " + std::string(Terminated(item)));
+        }
+    }
+}
+
+/// False when the data can't be read and that is reported.
+bool AddExif(GraphicsImportComponent importer, MetadataText& text) {
+    std::uint64_t offset = 0;
+    std::uint64_t size = 0;
+    ComponentResult code = GraphicsImportGetDataOffsetAndSize(importer, &offset, &size);
+    std::vector<std::byte> data(std::min<std::uint64_t>(size, kExifDumpBytes));
+    if (code == noErr) code = GraphicsImportReadData(importer, data.data(), offset, data.size());
+    if (code != noErr) {
+        ReportError(code, "Error reading image data");
+        return false;
+    }
+    AddExifDump(data, text);
+    return true;
+}
+
+void ReadMetadata(const FM_Data& parameter) {
+    const ImageImporter importer = OpenImageImporter(&parameter);
+    if (!importer) return;
+    ImageDescription description;
+    const ComponentResult code = GraphicsImportGetImageDescription(importer.get(), &description);
+    if (code != noErr) return ReportError(code, "Unrecognized image format");
+    MetadataText text;
+    AddTextItems(importer.get(), text);
+    if (description.cType == qt::Code("jpeg") && !AddExif(importer.get(), text)) return;
+    SetResultBufferText(text.Utf8());
+}
+
+} // namespace
+
+FM_Error ImageMetadata(const FM_Data& parameter, FM_Data& result) {
+    ReadMetadata(parameter);
+    FinishResult(result);
+    return kFM_ErrorNone;
+}
+
+} // namespace corvane

@@ -1,0 +1,100 @@
+#include "files/references.h"
+#include "images/functions.h"
+#include "images/image_importer.h"
+#include "images/preview.h"
+#include "images/streams.h"
+#include "plugin/results.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::uint32_t kJpegType = FourCC("JPEG");
+constexpr std::uint32_t kPictureType = FourCC("PICT");
+constexpr std::uint64_t kPictureHeaderSize = 512; ///< of picture files; streams are without it
+
+/// The stream type of a compressor type: its letters in upper case, but for two that have names of their own.
+std::uint32_t StreamTypeOf(OSType compressor) {
+    std::uint32_t type = 0;
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        const std::uint32_t character = compressor >> shift & 0xFF;
+        type = type << 8 | (character >= 'a' && character <= 'z' ? character - 'a' + 'A' : character);
+    }
+    if (type == FourCC("QDRW")) return kPictureType;
+    if (type == FourCC("GIF ")) return FourCC("GIFf");
+    return type;
+}
+
+/// True when the result is set; else a failure is reported.
+bool InsertReference(GraphicsImportComponent importer, const ImageDescription& description, FM_Data& result) {
+    constexpr std::string_view kNoFile = "Source must be a file to import by reference";
+    std::u16string path;
+    const ComponentResult code = GraphicsImportGetDataFile(importer, &path);
+    if (code != noErr) {
+        ReportError(code, kNoFile);
+        return false;
+    }
+    XFileSpec file;
+    std::int32_t reference_code = file.SetFromNativePathW(path);
+    if (reference_code == 0) {
+        reference_code =
+            PutFileReferenceResult(result, file, "image", static_cast<std::uint16_t>(description.width),
+                                   static_cast<std::uint16_t>(description.height));
+    }
+    if (reference_code != 0) ReportError(reference_code, kNoFile);
+    return reference_code == 0;
+}
+
+/// True when the result is set; else a failure is reported.
+bool InsertContainer(GraphicsImportComponent importer, const ImageDescription& description, FM_Data& result) {
+    constexpr std::string_view kNoData = "Error retrieving web image";
+    const std::uint32_t type = StreamTypeOf(description.cType);
+    qt::DataReference reference;
+    ComponentResult code = GraphicsImportGetDataReference(importer, &reference);
+    qt::OpenedSource data;
+    if (code == noErr) {
+        data = qt::OpenDataReference(reference.handle.get(), reference.type);
+        code = data.code;
+    }
+    if (code != noErr || data.source->GetSize() == 0) {
+        ReportError(code, kNoData);
+        return false;
+    }
+    const BinaryData container(Host(FM_BinaryData_Constructor1));
+    code = AddStreamFrom(container.get(), type, *data.source, type == kPictureType ? kPictureHeaderSize : 0);
+    if (code != noErr) {
+        ReportError(code, kNoData);
+        return false;
+    }
+    if (type == kJpegType || type == kPictureType) {
+        AddSizeStream(container.get(), description.width, description.height);
+    } else {
+        AddPreview(container.get(), importer);
+    }
+    SetContainerResult(result, container.get());
+    return true;
+}
+
+/// True when the result is set; else the result buffer holds an error.
+bool Insert(const FM_DataVect& parameters, FM_Data& result) {
+    if (CheckParameterCount(parameters, 2)) return false;
+    const bool by_reference = Host(FM_DataVect_AtAsBoolean, &parameters, 1);
+    const ImageImporter importer = OpenImageImporter(Host(FM_DataVect_At, &parameters, 0));
+    if (!importer) return false;
+    ImageDescription description;
+    const ComponentResult code = GraphicsImportGetImageDescription(importer.get(), &description);
+    if (code != noErr) {
+        ReportError(code, "Unrecognized image format");
+        return false;
+    }
+    return by_reference ? InsertReference(importer.get(), description, result)
+                        : InsertContainer(importer.get(), description, result);
+}
+
+} // namespace
+
+FM_Error InsertImage(std::int16_t, const FM_ExprEnv&, const FM_DataVect& parameters, FM_Data& result) {
+    if (!Insert(parameters, result)) FinishResult(result);
+    return kFM_ErrorNone;
+}
+
+} // namespace corvane

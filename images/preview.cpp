@@ -1,0 +1,81 @@
+#include "images/preview.h"
+
+#include "images/image_settings.h"
+#include "images/streams.h"
+#include "platform/quicktime/graphics_exporter.h"
+#include "plugin/results.h"
+
+#include <algorithm>
+
+namespace corvane {
+namespace {
+
+constexpr std::int32_t kPreviewDepth = 24;
+
+Rect Inset(const Rect& rectangle, int horizontal, int vertical) {
+    const auto moved = [](std::int16_t edge, int by) { return static_cast<std::int16_t>(edge + by); };
+    return {moved(rectangle.top, vertical), moved(rectangle.left, horizontal),
+            moved(rectangle.bottom, -vertical), moved(rectangle.right, -horizontal)};
+}
+
+/// Null without memory.
+qt::OwnedRegion PreviewMark(const Rect& bounds) {
+    qt::OwnedRegion mark(NewRgn());
+    const qt::OwnedRegion part(NewRgn());
+    if (mark == nullptr || part == nullptr) return nullptr;
+    for (const Rect& rectangle : PreviewMarkRectangles(bounds.right, bounds.bottom)) {
+        RectRgn(part.get(), &rectangle);
+        XorRgn(mark.get(), part.get(), mark.get());
+    }
+    return mark;
+}
+
+ComponentResult ExportPreview(GraphicsExportComponent exporter, GraphicsImportComponent importer,
+                              const Rect& bounds, Handle output) {
+    GraphicsExportSetInputGraphicsImporter(exporter, importer);
+    GraphicsExportSetOutputHandle(exporter, output);
+    GraphicsExportSetDontRecompress(exporter, false);
+    GraphicsExportSetCompressionQuality(exporter, CurrentPreviewSettings().quality);
+    GraphicsExportSetDepth(exporter, kPreviewDepth);
+    if (CurrentPreviewSettings().mark) GraphicsImportSetClip(importer, PreviewMark(bounds).get());
+    std::uint64_t size = 0;
+    return GraphicsExportDoExport(exporter, &size);
+}
+
+} // namespace
+
+std::array<Rect, 7> PreviewMarkRectangles(std::int16_t width, std::int16_t height) {
+    const int shorter = std::min(width, height);
+    const int wide = std::max(shorter / 16, 2);
+    const int narrow = std::max(shorter / 128, 1);
+    const Rect whole = {0, 0, height, width};
+    const Rect frame = Inset(whole, width / 16, height / 16);
+    const Rect columns = Inset(frame, wide, 0);
+    const Rect rows = Inset(frame, 0, height / 16);
+    return {whole,
+            frame,
+            Inset(frame, narrow, narrow),
+            columns,
+            Inset(columns, 0, narrow),
+            rows,
+            Inset(rows, narrow, 0)};
+}
+
+void AddPreview(FM_BinaryData* container, GraphicsImportComponent importer) {
+    Rect bounds;
+    GraphicsImportGetNaturalBounds(importer, &bounds);
+    AddSizeStream(container, bounds.right, bounds.bottom);
+    if (CurrentPreviewSettings().quality < 0) return;
+    ComponentInstance opened = nullptr;
+    OSErr code = OpenADefaultComponent(qt::kGraphicsExporter, qt::Code("JPEG"), &opened);
+    const qt::OpenComponent exporter(opened);
+    if (code != noErr) return ReportError(code, "No codec for creating CV preview!");
+    const qt::MemoryHandle output(NewHandle(0));
+    code = MemError();
+    const ComponentResult export_code =
+        code == noErr ? ExportPreview(exporter.get(), importer, bounds, output.get()) : code;
+    if (export_code != noErr) return ReportError(export_code, "Preview creation failed");
+    AddStream(container, FourCC("JPEG"), qt::HandleBytes(output.get()));
+}
+
+} // namespace corvane
