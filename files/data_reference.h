@@ -5,7 +5,13 @@
 
 namespace corvane {
 
+/// The reference designates no file: memory, or an address.
+inline constexpr std::int32_t kNotAFileReference = -2053;
+
 /// The media layer's reference to the file that `spec` names, which need not exist; the layer's code.
 std::int32_t DataReferenceOf(const XFileSpec& spec, qt::DataReference& reference);
+
+/// The file that a reference designates: codes of XFileSpec's native paths, or kNotAFileReference.
+std::int32_t FileOfDataReference(const qt::DataReference& reference, XFileSpec& spec);
 
 } // namespace corvane

@@ -1,0 +1,55 @@
+#include "files/reference_movie.h"
+
+#include "files/data_reference.h"
+#include "files/movie_file.h"
+#include "files/temporary_files.h"
+#include "platform/quicktime/movies/movie_files.h"
+#include "platform/quicktime/movies/reference_movies.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace corvane {
+namespace {
+
+constexpr OSType kCreator = qt::Code("TVOD");
+constexpr std::string_view kNameEnd = "_ref.mov";
+
+std::int32_t WriteReferenceMovie(Movie source, const XFileSpec& file) {
+    qt::DataReference reference;
+    if (const std::int32_t code = DataReferenceOf(file, reference); code != 0) return code;
+    DataHandler storage = nullptr;
+    Movie created = nullptr;
+    const OSErr code = CreateMovieStorage(reference.handle.get(), reference.type, kCreator, 0,
+                                          createMovieFileDontCreateResFile, &storage, &created);
+    const qt::OwnedStorage owned_storage(storage);
+    const qt::OwnedMovie movie(created);
+    if (code != noErr) return code;
+    if (const OSErr added = qt::AddReferenceTracks(source, created); added != noErr) return added;
+    return AddMovieToStorage(created, storage);
+}
+
+} // namespace
+
+std::int32_t MakeReferenceMovie(XFileSpec& movie_file) {
+    XFileSpec folder;
+    if (const std::int32_t code = GetWritableParent(movie_file, folder); code != 0) return code;
+    qt::OwnedMovie source;
+    if (const std::int32_t code = OpenMovieFile(movie_file, source); code != 0) return code;
+
+    XFileSpec reference_movie = movie_file;
+    reference_movie.name.erase(std::min(reference_movie.name.rfind('.'), reference_movie.name.size()));
+    reference_movie.name += kNameEnd;
+    if (reference_movie.CheckExists() == 0) {
+        if (const std::int32_t code = DeleteFileOf(reference_movie); code != 0) return code;
+    }
+    const std::int32_t code = WriteReferenceMovie(source.get(), reference_movie);
+    if (code != 0) {
+        DeleteFileOf(reference_movie);
+        return code;
+    }
+    movie_file = reference_movie;
+    return 0;
+}
+
+} // namespace corvane
