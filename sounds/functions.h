@@ -9,5 +9,21 @@ namespace corvane {
 
 FM_Error ExtractInfo(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                      FM_Data& result);
+FM_Error Amplify(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                 FM_Data& result);
+FM_Error AppendSound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                     FM_Data& result);
+FM_Error CreateSound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                     FM_Data& result);
+FM_Error ExtractSound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                      FM_Data& result);
+FM_Error FadeSound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                   FM_Data& result);
+FM_Error GetSoundInfo(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                      FM_Data& result);
+FM_Error MixSounds(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                   FM_Data& result);
+FM_Error Normalize(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                   FM_Data& result);
 
 } // namespace corvane

@@ -1,0 +1,129 @@
+#include "sounds/functions.h"
+
+#include "platform/text/utf.h"
+#include "plugin/drawing_port.h"
+#include "plugin/host_data.h"
+#include "plugin/parameters.h"
+#include "sounds/generate_tone.h"
+#include "sounds/note_frequency.h"
+#include "sounds/sound_results.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace corvane {
+namespace {
+
+struct WaveName {
+    std::string_view name;
+    std::uint16_t wave;
+};
+constexpr std::array<WaveName, 9> kWaveNames = {{{"sin", kToneSine},
+                                                 {"sine", kToneSine},
+                                                 {"saw", kToneSawtooth},
+                                                 {"sawtooth", kToneSawtooth},
+                                                 {"square", kToneSquare},
+                                                 {"rectangle", kToneSquare},
+                                                 {"silence", kToneSilence},
+                                                 {"none", kToneSilence},
+                                                 {"noise", kToneNoise}}};
+
+std::optional<std::uint16_t> WaveOf(const std::string& text) {
+    constexpr std::size_t kTypeLimit = 255;
+    const std::string name = ToLowerAscii(std::string(utf::CutAtCharacter(text, kTypeLimit)));
+    for (const WaveName& wave : kWaveNames)
+        if (wave.name == name) return wave.wave;
+    return std::nullopt;
+}
+
+// The decimal number that the text begins with, blanks before it skipped, as 16.16 with the fraction cut off.
+// What is out of range stands at the end of the range.
+std::optional<Fixed> ScanFixed(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n\v\f"), text.size()));
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+')) text.remove_prefix(1);
+    const bool digits = text.find_first_of("0123456789") <= (text.starts_with('.') ? 1U : 0U);
+    if (!digits) return std::nullopt; // among others the names of infinity, and of what is no number
+    double number = 0;
+    const auto scanned = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (scanned.ec == std::errc::result_out_of_range) {
+        // The only sign that can be left is the exponent's.
+        const bool tiny = std::find(text.data(), scanned.ptr, '-') != scanned.ptr;
+        number = tiny ? 0 : std::numeric_limits<double>::infinity();
+    }
+    constexpr double kLargest = std::numeric_limits<Fixed>::max();
+    const double fixed = std::min(std::trunc(number * 65536), kLargest);
+    return static_cast<Fixed>(negative ? -fixed : fixed);
+}
+
+std::int32_t ReadDuration(const FM_DataVect& parameters, ToneRequest& request, CVSError& error) {
+    const Read<std::string> text = ReadTextParameter(parameters, 1);
+    const std::optional<Fixed> duration = text.code == 0 ? ScanFixed(text.value) : std::nullopt;
+    if (!duration)
+        return error.Fail(text.code != 0 ? text.code : kErrorWrongParameter,
+                          "Error converting parameter #2 to duration.");
+    // The range's end stands for all that is longer.
+    if (*duration <= 0 || *duration == std::numeric_limits<Fixed>::max())
+        return error.Fail(kErrorWrongParameter, {});
+    request.duration = *duration;
+    return 0;
+}
+
+std::int32_t ReadFrequency(const FM_DataVect& parameters, ToneRequest& request, CVSError& error) {
+    const Read<std::string> text = ReadTextParameter(parameters, 2);
+    std::optional<Fixed> frequency = text.code == 0 ? NoteFrequency(text.value) : std::nullopt;
+    if (!frequency && text.code == 0) frequency = ScanFixed(text.value);
+    if (!frequency)
+        return error.Fail(text.code != 0 ? text.code : kErrorWrongParameter,
+                          "Error converting parameter #3 to frequency.");
+    request.frequency = *frequency;
+    return 0;
+}
+
+std::int32_t MakeTone(const ToneRequest& request, Movie movie) {
+    const auto scale = static_cast<TimeScale>((std::uint64_t{request.sample_rate} + 0x8000) >> 16);
+    const Track track = NewMovieTrack(movie, 0, 0, kFullVolume);
+    const Media media = NewTrackMedia(track, qt::Code("soun"), scale, nullptr, qt::kHandleDataHandler);
+    if (media == nullptr) return GetMoviesError();
+    std::int32_t code = BeginMediaEdits(media);
+    if (code == 0) code = GenerateTone(media, request);
+    if (code == 0) code = InsertMediaIntoTrack(track, 0, 0, GetMediaDuration(media), kNormalRate);
+    return code == 0 ? EndMediaEdits(media) : code;
+}
+
+FM_Error Create(const FM_DataVect& parameters, FM_Data& result, CVSError& error) {
+    const std::int32_t count = Host(FM_DataVect_Size, &parameters);
+    if (count < 1) return error.Fail(kErrorWrongParameter, "This function requires 1 or more parameters.");
+    const Read<std::string> type = ReadTextParameter(parameters, 0);
+    const std::optional<std::uint16_t> wave = type.code == 0 ? WaveOf(type.value) : std::nullopt;
+    if (!wave) return error.Fail(type.code != 0 ? type.code : kErrorWrongParameter, {});
+    ToneRequest request;
+    request.layout |= *wave;
+    if (count > 1 && ReadDuration(parameters, request, error) != 0) return error.HostCode();
+    if (count > 2 && ReadFrequency(parameters, request, error) != 0) return error.HostCode();
+
+    const qt::OwnedMovie movie(NewMovie(0));
+    std::int32_t code = MakeTone(request, movie.get());
+    if (code != 0) return error.Fail(code, "Error generating waveform.");
+    code = PutSoundResourceResult(result, movie.get());
+    if (code != 0) return error.Fail(code, "Could not set sound container.");
+    error.SetCode(0);
+    return kFM_ErrorNone;
+}
+
+} // namespace
+
+FM_Error CreateSound(std::int16_t, const FM_ExprEnv&, const FM_DataVect& parameters, FM_Data& result) {
+    CVSError& error = BeginCall("Media_CreateSound");
+    const qt::CurrentPort port(DrawingPort());
+    if (Create(parameters, result, error) != kFM_ErrorNone) ClearResult(result);
+    return error.HostCode();
+}
+
+} // namespace corvane

@@ -1,0 +1,55 @@
+#include "sounds/sound_results.h"
+
+#include "files/movie_file.h"
+#include "files/reference_movie.h"
+#include "files/references.h"
+#include "files/temporary_files.h"
+#include "platform/quicktime/movies/sound_resource.h"
+#include "plugin/host_data.h"
+#include "plugin/workarounds.h"
+#include "sounds/sound_track.h"
+#include "sounds/wave_samples.h"
+
+namespace corvane {
+
+std::int32_t PutMovieResult(FM_Data& result, Movie movie) {
+    XFileSpec file;
+    if (const std::int32_t code = MovieFileOf(movie, file); code != 0) return code;
+    if (WorkaroundValue(Workaround::kLinkMedia)) {
+        if (const std::int32_t code = MakeReferenceMovie(file); code != 0) return code;
+    }
+    return PutFileReferenceResult(result, file, "movie", 0, 0);
+}
+
+std::int32_t PutSoundResourceResult(FM_Data& result, Movie movie) {
+    constexpr std::uint32_t kSoundResource = FourCC("snd ");
+    SetMovieActive(movie, true);
+    const qt::MemoryHandle resource(NewHandle(0));
+    if (!resource) return kErrorOutOfMemory;
+    const OSErr code = PutMovieIntoTypedHandle(movie, nullptr, kSoundResource, resource.get());
+    if (code != noErr) return code;
+    const BinaryData container(Host(FM_BinaryData_Constructor1));
+    const FM_Error error = Host(FM_BinaryData_Add, container.get(), NewQuadChar(kSoundResource).get(),
+                                static_cast<std::uint32_t>(GetHandleSize(resource.get())),
+                                static_cast<const void*>(*resource.get()));
+    if (error != kFM_ErrorNone) return error;
+    Host(FM_Data_SetBinaryData, &result, container.get(), true);
+    return 0;
+}
+
+FM_Error PutWaveResult(FM_Data& result, qt::OwnedMovie movie, const WaveResultMessages& messages,
+                       CVSError& error) {
+    XFileSpec file;
+    std::int32_t code = MakeTemporaryFile(file, ".wav");
+    if (code != 0) return error.Fail(code, messages.no_file);
+    code = ExportIntermediateWave(movie.get(), file);
+    if (code != 0) return error.Fail(code, messages.not_exported);
+    code = OpenMovieFile(file, movie);
+    if (code != 0) return error.Fail(code, messages.not_opened);
+    code = PutMovieResult(result, movie.get());
+    if (code != 0) return error.Fail(code, messages.no_result);
+    error.SetCode(0);
+    return kFM_ErrorNone;
+}
+
+} // namespace corvane
