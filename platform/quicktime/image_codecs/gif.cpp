@@ -2,6 +2,7 @@
 //
 // An image is what a viewer shows at that frame: all frames up to it on top of each other. What none of them
 // covers is transparent.
+#include "platform/quicktime/image_codecs/metadata_items.h"
 #include "platform/quicktime/image_codecs/raster.h"
 
 #include <algorithm>
@@ -312,9 +313,7 @@ ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& item
     if (source.Read(0, header) != header.size() || !Sniff(header)) return codecBadDataErr;
     WalkBlocks(
         source, std::to_integer<unsigned>(header[10]), [](const Frame&) {},
-        [&](const std::string& text) {
-            if (!text.empty()) items.push_back({TextItem("cmt"), text});
-        });
+        [&](const std::string& text) { AppendTextItem(TextItem("cmt"), text, items); });
     return noErr;
 }
 

@@ -1,4 +1,5 @@
 // SGI: rows from the bottom up, one channel after the other, plain or run-length encoded row by row.
+#include "platform/quicktime/image_codecs/metadata_items.h"
 #include "platform/quicktime/image_codecs/raster.h"
 
 #include <algorithm>
@@ -187,7 +188,7 @@ ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& item
     std::string name(kNameSize, '\0');
     name.resize(source.Read(kNameAt, std::as_writable_bytes(std::span(name))));
     name.resize(std::min(name.find('\0'), name.size()));
-    if (!name.empty() && name != "no name") items.push_back({TextItem("nam"), name});
+    if (name != "no name") AppendTextItem(TextItem("nam"), name, items);
     return noErr;
 }
 

@@ -1,4 +1,5 @@
 // TGA. The format has no signature: content counts as TGA only when every field of the header fits.
+#include "platform/quicktime/image_codecs/metadata_items.h"
 #include "platform/quicktime/image_codecs/raster.h"
 
 #include <algorithm>
@@ -251,7 +252,7 @@ ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& item
     std::string text(header.identifier_size, '\0');
     text.resize(source.Read(kHeaderSize, std::as_writable_bytes(std::span(text))));
     text.resize(std::min(text.find('\0'), text.size()));
-    if (!text.empty()) items.push_back({TextItem("cmt"), text});
+    AppendTextItem(TextItem("cmt"), text, items);
     return noErr;
 }
 

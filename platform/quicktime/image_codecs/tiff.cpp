@@ -1,4 +1,5 @@
 // TIFF, through libtiff. Its orientation is left as stored.
+#include "platform/quicktime/image_codecs/metadata_items.h"
 #include "platform/quicktime/image_codecs/raster.h"
 #include "platform/quicktime/image_codecs/tiff_file.h"
 
@@ -79,6 +80,30 @@ ComponentResult Decode(DataSource& source, std::uint32_t index, PixelImage& imag
     return DecodeTiff(tiff, layout, image);
 }
 
+/// The bytes of a tag that holds a block of another format; empty when it is absent.
+std::span<const std::byte> BlockOf(TIFF* tiff, std::uint32_t tag, std::size_t unit) {
+    std::uint32_t count = 0;
+    const void* data = nullptr;
+    if (TIFFGetField(tiff, tag, &count, &data) == 0 || data == nullptr) return {};
+    return {static_cast<const std::byte*>(data), count * unit};
+}
+
+/// IPTC for itself or among Photoshop's resources, and XMP.
+void AppendBlocks(TIFF* tiff, std::vector<MetadataItem>& items) {
+    const std::span<const std::byte> resources = BlockOf(tiff, TIFFTAG_PHOTOSHOP, 1);
+    const std::span<const std::byte> words = BlockOf(tiff, TIFFTAG_RICHTIFFIPTC, 4);
+    // The library takes IPTC for words and has put them into this machine's order.
+    std::vector<std::uint32_t> restored(words.size() / 4);
+    if (!words.empty()) std::memcpy(restored.data(), words.data(), words.size());
+    if (TIFFIsByteSwapped(tiff) != 0) {
+        TIFFSwabArrayOfLong(restored.data(), static_cast<tmsize_t>(restored.size()));
+    }
+    const std::span<const std::byte> iptc = std::as_bytes(std::span(restored));
+    AppendIptcItems(iptc.empty() ? FindImageResource(resources, kIptcResource) : iptc, items);
+    const std::span<const std::byte> packet = BlockOf(tiff, TIFFTAG_XMLPACKET, 1);
+    AppendXmpItems({reinterpret_cast<const char*>(packet.data()), packet.size()}, items);
+}
+
 ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& items) {
     struct TextTag {
         std::uint32_t tag;
@@ -99,9 +124,10 @@ ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& item
     if (file.Get() == nullptr) return codecBadDataErr;
     for (const TextTag& text : kTexts) {
         const char* value = nullptr;
-        if (TIFFGetField(file.Get(), text.tag, &value) == 0 || value == nullptr || *value == '\0') continue;
-        items.push_back({text.type, value});
+        if (TIFFGetField(file.Get(), text.tag, &value) == 0 || value == nullptr) continue;
+        AppendTextItem(text.type, value, items);
     }
+    AppendBlocks(file.Get(), items);
     return noErr;
 }
 

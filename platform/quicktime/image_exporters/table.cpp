@@ -8,12 +8,18 @@ namespace {
 
 // In the order of lists.
 constexpr std::array kExporters = {
+    &kBmpExporter,            //
     &kJpegExporter,           //
+    &kJpeg2000Exporter,       //
     &kMacPaintExporter,       //
     &kPhotoshopExporter,      //
     &kPictExporter,           //
     &kPngExporter,            //
     &kQuickTimeImageExporter, //
+    &kSgiExporter,            //
+    &kTgaExporter,            //
+    &kTiffExporter,           //
+    &kGifExporter,            //
 };
 
 } // namespace

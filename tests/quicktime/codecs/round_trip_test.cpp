@@ -1,0 +1,224 @@
+// Every exporter that keeps pixels exactly, through the importer of the same type, and through ImageMagick.
+#include "platform/quicktime/image_exporters/exporter.h"
+#include "tests/quicktime/codecs/codec_checks.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace {
+
+using namespace corvane::test;
+
+/// Gradients, runs, single pixels and, with alpha, every degree of it.
+qt::PixelImage MadeImage(std::int32_t width, std::int32_t height, bool has_alpha) {
+    qt::PixelImage image;
+    EXPECT_EQ(image.Allocate(width, height), noErr);
+    std::mt19937 random(7);
+    for (std::int32_t y = 0; y < height; ++y) {
+        for (std::int32_t x = 0; x < width; ++x) {
+            const auto across = static_cast<std::uint32_t>(x), down = static_cast<std::uint32_t>(y);
+            const std::uint32_t alpha = has_alpha ? (across * 5 + down) & 255 : 255;
+            const bool is_run = y % 4 == 1 && x > width / 3;
+            image.Row(y)[x] = is_run ? qt::Pixel(200, 100, 50, has_alpha ? 90 : 255)
+                                     : qt::Pixel(across * 3 & 255, down * 5 & 255, random() & 255, alpha);
+        }
+    }
+    image.has_alpha = has_alpha;
+    return image;
+}
+
+struct Case {
+    const qt::ImageExporter* exporter;
+    std::int32_t depth; ///< of the pixels that come back exactly
+    std::optional<std::int32_t> method;
+};
+
+std::string NameOf(const Case& tried) {
+    return std::string(tried.exporter->extension) + " of depth " + std::to_string(tried.depth) + ", method " +
+           std::to_string(tried.method.value_or(-1));
+}
+
+const Case kCases[] = {
+    {&qt::kBmpExporter, 24, {}},      {&qt::kBmpExporter, 32, {}},      {&qt::kTgaExporter, 24, {}},
+    {&qt::kTgaExporter, 32, {}},      {&qt::kTgaExporter, 24, 1},       {&qt::kTgaExporter, 32, 1},
+    {&qt::kSgiExporter, 24, {}},      {&qt::kSgiExporter, 32, {}},      {&qt::kSgiExporter, 24, 1},
+    {&qt::kTiffExporter, 24, {}},     {&qt::kTiffExporter, 32, {}},     {&qt::kTiffExporter, 24, 32'773},
+    {&qt::kTiffExporter, 32, 5},      {&qt::kTiffExporter, 24, 8},      {&qt::kTiffExporter, 24, 5},
+    {&qt::kJpeg2000Exporter, 24, {}}, {&qt::kJpeg2000Exporter, 32, {}},
+};
+
+Bytes Encoded(const qt::ImageExporter& exporter, const qt::PixelImage& image,
+              const qt::ExportSettings& settings) {
+    qt::EncodedBytes bytes(3, std::byte{7}); // what stands there already stays
+    EXPECT_EQ(exporter.encode(image, settings, bytes), noErr);
+    EXPECT_EQ(bytes[2], std::byte{7});
+    bytes.erase(bytes.begin(), bytes.begin() + 3);
+    return bytes;
+}
+
+qt::PixelImage ReadBack(const Bytes& bytes) {
+    const qt::ImageCodec* codec =
+        qt::FindImageCodec(std::span(bytes).first(std::min(bytes.size(), qt::kSniffedBytes)));
+    EXPECT_NE(codec, nullptr);
+    return codec != nullptr ? DecodeWhole(*codec, bytes) : qt::PixelImage();
+}
+
+/// As ImageMagick reads these bytes.
+Bytes MagickReads(const MadeImages& images, const qt::ImageExporter& exporter, const Bytes& bytes) {
+    const std::string text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const std::string path = images.folder.MakeFile("written." + std::string(exporter.extension), text);
+    return MagickRgba(images, path, "-auto-orient");
+}
+
+TEST(RoundTrip, PixelsAndResolutionStay) {
+    const MadeImages images;
+    for (const Case& tried : kCases) {
+        for (const auto& [width, height] : {std::pair(67, 41), std::pair(1, 1), std::pair(300, 5)}) {
+            SCOPED_TRACE(NameOf(tried) + ", width " + std::to_string(width));
+            const qt::PixelImage image = MadeImage(width, height, tried.depth == 32);
+            qt::ExportSettings settings;
+            settings.depth = tried.depth;
+            settings.quality = 1024;
+            settings.compression_method = tried.method;
+            settings.horizontal_resolution = 300 << 16;
+            settings.vertical_resolution = 150 << 16;
+            const Bytes bytes = Encoded(*tried.exporter, image, settings);
+            EXPECT_EQ(Difference(RgbaOf(ReadBack(bytes)), RgbaOf(image)), 0);
+            EXPECT_EQ(Difference(MagickReads(images, *tried.exporter, bytes), RgbaOf(image)), 0);
+            const bool has_resolution =
+                tried.exporter != &qt::kTgaExporter && tried.exporter != &qt::kSgiExporter;
+            const qt::ImageCodec* codec = qt::FindImageCodec(tried.exporter->types[0]);
+            ASSERT_NE(codec, nullptr);
+            qt::ImageFacts facts;
+            ASSERT_EQ(codec->read_facts(*qt::MemorySource(std::span(bytes)), facts), noErr);
+            EXPECT_EQ(facts.description.depth, tried.depth);
+            EXPECT_EQ(facts.description.spatialQuality, 1024);
+            EXPECT_EQ((facts.description.hRes + 0x8000) >> 16, has_resolution ? 300 : 72);
+            EXPECT_EQ((facts.description.vRes + 0x8000) >> 16, has_resolution ? 150 : 72);
+            EXPECT_EQ(qt::FindImageExporter(facts.description.cType), tried.exporter);
+        }
+    }
+}
+
+TEST(RoundTrip, EveryDepthIsReadAlike) {
+    const MadeImages images;
+    const qt::PixelImage colours = MadeImage(67, 41, false);
+    const qt::PixelImage translucent = MadeImage(67, 41, true);
+    for (const qt::ImageExporter* exporter :
+         {&qt::kBmpExporter, &qt::kGifExporter, &qt::kTgaExporter, &qt::kSgiExporter, &qt::kTiffExporter,
+          &qt::kJpeg2000Exporter}) {
+        for (const std::int32_t depth : {1, 2, 4, 8, 16, 24, 32, 33, 34, 36, 40, 5, 0}) {
+            for (const qt::PixelImage* image : {&colours, &translucent}) {
+                SCOPED_TRACE(std::string(exporter->extension) + " of depth " + std::to_string(depth));
+                qt::ExportSettings settings;
+                if (depth != 0) settings.depth = depth;
+                const Bytes bytes = Encoded(*exporter, *image, settings);
+                const qt::PixelImage back = ReadBack(bytes);
+                EXPECT_EQ(back.width(), image->width());
+                const int tolerance = exporter == &qt::kTgaExporter && depth == 16 ? 7 : 0;
+                const int difference = Difference(RgbaOf(back), MagickReads(images, *exporter, bytes));
+                EXPECT_TRUE(difference >= 0 && difference <= tolerance) << difference;
+                EXPECT_TRUE(depth < 33 || back.is_grey);
+                EXPECT_TRUE(depth != 32 || image == &colours || back.has_alpha ||
+                            exporter == &qt::kGifExporter);
+            }
+        }
+    }
+}
+
+TEST(RoundTrip, FewColoursStayExact) {
+    const MadeImages images;
+    qt::PixelImage image;
+    ASSERT_EQ(image.Allocate(33, 20), noErr);
+    constexpr std::uint32_t kColours[] = {0xFF102030, 0xFFC0B0A0, 0xFF00FF00, 0xFFFFFFFF};
+    for (std::int32_t y = 0; y < 20; ++y) {
+        for (std::int32_t x = 0; x < 33; ++x)
+            image.Row(y)[x] = kColours[static_cast<unsigned>(x * y + x) % 4];
+    }
+    for (const qt::ImageExporter* exporter :
+         {&qt::kBmpExporter, &qt::kGifExporter, &qt::kTgaExporter, &qt::kTiffExporter}) {
+        for (const std::int32_t depth : {2, 4, 8}) {
+            for (const std::int32_t method : {0, 1}) {
+                SCOPED_TRACE(std::string(exporter->extension) + " of depth " + std::to_string(depth));
+                const Bytes bytes = Encoded(*exporter, image, {depth, {}, {}, {}, {}, method});
+                EXPECT_EQ(Difference(RgbaOf(ReadBack(bytes)), RgbaOf(image)), 0);
+                EXPECT_EQ(Difference(MagickReads(images, *exporter, bytes), RgbaOf(image)), 0);
+            }
+        }
+    }
+    for (std::int32_t x = 0; x < 33; ++x) image.Row(7)[x] = 0x00102030;
+    image.has_alpha = true;
+    const Bytes gif = Encoded(qt::kGifExporter, image, {});
+    EXPECT_EQ(Difference(RgbaOf(ReadBack(gif)), RgbaOf(image)), 0);
+    EXPECT_EQ(Difference(MagickReads(images, qt::kGifExporter, gif), RgbaOf(image)), 0);
+}
+
+double SquareError(const qt::PixelImage& left, const qt::PixelImage& right) {
+    const Bytes a = RgbaOf(left), b = RgbaOf(right);
+    double sum = 0.0;
+    for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
+        const int difference = std::to_integer<int>(a[i]) - std::to_integer<int>(b[i]);
+        sum += difference * difference;
+    }
+    return sum / static_cast<double>(a.size());
+}
+
+TEST(RoundTrip, Jpeg2000FollowsQualityAndSize) {
+    const MadeImages images;
+    const Bytes plasma =
+        images.MakeBytes("-size 400x300 plasma: -blur 0x1 -type TrueColor", "bmp3:plasma.bmp");
+    const qt::PixelImage image = DecodeWhole(qt::kBmpCodec, plasma);
+    std::size_t last_size = 0;
+    double last_error = 1e9;
+    for (const std::int32_t quality : {0, 256, 512, 768, 1023, 1024}) {
+        SCOPED_TRACE(quality);
+        const Bytes bytes = Encoded(qt::kJpeg2000Exporter, image, {{}, {}, {}, quality, {}, {}});
+        const double error = SquareError(image, ReadBack(bytes));
+        EXPECT_GT(bytes.size(), last_size);
+        EXPECT_LT(error, last_error);
+        last_size = bytes.size();
+        last_error = error;
+    }
+    EXPECT_EQ(last_error, 0.0);
+    for (const std::uint32_t target : {3'000U, 20'000U, 60'000U}) {
+        SCOPED_TRACE(target);
+        const Bytes bytes = Encoded(qt::kJpeg2000Exporter, image, {{}, {}, {}, 100, target, {}});
+        EXPECT_LE(bytes.size(), target);
+        EXPECT_GT(bytes.size(), target * 9 / 10);
+    }
+}
+
+/// Memory that counts what is read of it.
+class CountingSource : public qt::DataSource {
+public:
+    explicit CountingSource(const Bytes& bytes) : bytes_(qt::MemorySource(std::span(bytes))) {}
+    [[nodiscard]] std::uint64_t GetSize() const noexcept override { return bytes_->GetSize(); }
+    std::size_t Read(std::uint64_t offset, std::span<std::byte> buffer) noexcept override {
+        const std::size_t count = bytes_->Read(offset, buffer);
+        read += count;
+        return count;
+    }
+    std::uint64_t read = 0;
+
+private:
+    std::unique_ptr<qt::DataSource> bytes_;
+};
+
+TEST(RoundTrip, FactsReadTheHeaderAlone) {
+    const qt::PixelImage image = MadeImage(2'000, 1'500, false);
+    for (const qt::ImageExporter* exporter : {&qt::kBmpExporter, &qt::kTgaExporter, &qt::kSgiExporter,
+                                              &qt::kTiffExporter, &qt::kJpeg2000Exporter}) {
+        SCOPED_TRACE(exporter->extension);
+        qt::ExportSettings settings;
+        settings.depth = 24;
+        const Bytes bytes = Encoded(*exporter, image, settings);
+        CountingSource source(bytes);
+        qt::ImageFacts facts;
+        EXPECT_EQ(qt::FindImageCodec(exporter->types[0])->read_facts(source, facts), noErr);
+        EXPECT_EQ(facts.description.width, 2'000);
+        EXPECT_LT(source.read, 16U * 1024);
+    }
+}
+
+} // namespace
