@@ -89,20 +89,34 @@ Encoded Encode(const FM_Data* parameter, std::uint32_t type) {
     return {};
 }
 
-void SetResult(Encoded encoded, FM_Data& result) {
+/// The preview of an encoded image; nothing when it can't be opened, which is reported.
+std::optional<Preview> PreviewOf(const Encoded& encoded) {
+    ComponentInstance opened = nullptr;
+    const OSErr code = OpenADefaultComponent(qt::kGraphicsImporter, encoded.type, &opened);
+    const qt::OpenComponent importer(opened);
+    if (code != noErr) {
+        ReportError(code, "Could not find QT importer for this type.");
+        return std::nullopt;
+    }
+    GraphicsImportSetDataHandle(importer.get(), encoded.data.get());
+    return MakePreview(importer.get());
+}
+
+void SetResult(const Encoded& encoded, FM_Data& result) {
     constexpr std::array<std::uint32_t, 4> kShownByHosts = {FourCC("JPEG"), FourCC("BMPf"), FourCC("PNGf"),
                                                             FourCC("TIFF")};
+    const bool shown = std::ranges::find(kShownByHosts, encoded.type) != kShownByHosts.end();
+    const std::optional<Preview> preview = shown ? std::nullopt : PreviewOf(encoded);
     const bool is_picture = encoded.type == FourCC("PICT") || encoded.type == FourCC("pict");
     const BinaryData container(Host(FM_BinaryData_Constructor1));
     const std::span<const std::byte> bytes = qt::HandleBytes(encoded.data.get());
     const std::size_t skipped = is_picture ? std::min(kPictureHeaderSize, bytes.size()) : 0;
     AddStream(container.get(), encoded.type, bytes.subspan(skipped));
-    if (std::ranges::find(kShownByHosts, encoded.type) != kShownByHosts.end()) {
+    if (shown) {
         AddSizeStream(container.get(), encoded.source.right - encoded.source.left,
                       encoded.source.bottom - encoded.source.top);
-    } else {
-        const ImageImporter importer = OpenStreamImporter(encoded.type, std::move(encoded.data));
-        if (importer) AddPreview(container.get(), importer.get());
+    } else if (preview) {
+        AddPreview(container.get(), *preview);
     }
     SetContainerResult(result, container.get());
 }
@@ -117,9 +131,9 @@ bool Convert(const FM_DataVect& parameters, FM_Data& result) {
     const std::optional<std::uint32_t> type = ParseImageTypeCode(Host(FM_DataVect_At, &parameters, 1));
     if (!type) return false;
     if (count == 11) CurrentConversionSettings() = ReadSettings(parameters);
-    Encoded encoded = Encode(Host(FM_DataVect_At, &parameters, 0), *type);
+    const Encoded encoded = Encode(Host(FM_DataVect_At, &parameters, 0), *type);
     if (!encoded.data) return false;
-    SetResult(std::move(encoded), result);
+    SetResult(encoded, result);
     return true;
 }
 

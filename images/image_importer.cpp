@@ -24,7 +24,14 @@ ImageImporter Fail(std::int32_t code, std::string_view message) {
 
 ImageImporter OpenEmbedded(const FM_Data* parameter) {
     MainImage image = GetMainImageData(parameter);
-    return image.data ? OpenStreamImporter(image.type, std::move(image.data)) : ImageImporter();
+    if (!image.data) return {};
+    GraphicsImportComponent component = nullptr;
+    const OSErr code = OpenADefaultComponent(qt::kGraphicsImporter, image.type, &component);
+    if (code != noErr) return Fail(code, kNoImporter);
+    const Handle data = image.data.get();
+    ImageImporter importer(component, std::move(image.data));
+    const ComponentResult data_code = GraphicsImportSetDataHandle(importer.get(), data);
+    return data_code == noErr ? std::move(importer) : Fail(data_code, kNoImporter);
 }
 
 ImageImporter OpenReference(const qt::DataReference& reference, std::string_view message) {
@@ -59,16 +66,6 @@ ImageImporter OpenImageImporter(const FM_Data* parameter) {
     const std::int32_t code = ResolvePathParameter(*parameter, spec);
     if (code == kEmbeddedContainer) return OpenEmbedded(parameter);
     return code == 0 ? OpenFile(spec) : OpenAddress(parameter, code);
-}
-
-ImageImporter OpenStreamImporter(std::uint32_t type, qt::MemoryHandle data) {
-    GraphicsImportComponent component = nullptr;
-    const OSErr code = OpenADefaultComponent(qt::kGraphicsImporter, type, &component);
-    if (code != noErr) return Fail(code, kNoImporter);
-    const Handle bytes = data.get();
-    ImageImporter importer(component, std::move(data));
-    const ComponentResult data_code = GraphicsImportSetDataHandle(importer.get(), bytes);
-    return data_code == noErr ? std::move(importer) : Fail(data_code, kNoImporter);
 }
 
 } // namespace corvane

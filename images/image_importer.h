@@ -25,8 +25,4 @@ private:
 /// that begins with "http://". Empty when there is no image and that is reported.
 ImageImporter OpenImageImporter(const FM_Data* parameter);
 
-/// Opens an importer by type on an image as it stands in a file. Empty when there is none for the type, and
-/// that is reported.
-ImageImporter OpenStreamImporter(std::uint32_t type, qt::MemoryHandle data);
-
 } // namespace corvane

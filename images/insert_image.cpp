@@ -59,16 +59,18 @@ bool InsertContainer(GraphicsImportComponent importer, const ImageDescription& d
         ReportError(code, kNoData);
         return false;
     }
+    const bool shown_by_hosts = type == kJpegType || type == kPictureType;
+    const Preview preview = shown_by_hosts ? Preview() : MakePreview(importer);
     const BinaryData container(Host(FM_BinaryData_Constructor1));
     code = AddStreamFrom(container.get(), type, *data.source, type == kPictureType ? kPictureHeaderSize : 0);
     if (code != noErr) {
         ReportError(code, kNoData);
         return false;
     }
-    if (type == kJpegType || type == kPictureType) {
+    if (shown_by_hosts) {
         AddSizeStream(container.get(), description.width, description.height);
     } else {
-        AddPreview(container.get(), importer);
+        AddPreview(container.get(), preview);
     }
     SetContainerResult(result, container.get());
     return true;

@@ -61,21 +61,29 @@ std::array<Rect, 7> PreviewMarkRectangles(std::int16_t width, std::int16_t heigh
             Inset(rows, narrow, 0)};
 }
 
-void AddPreview(FM_BinaryData* container, GraphicsImportComponent importer) {
-    Rect bounds;
-    GraphicsImportGetNaturalBounds(importer, &bounds);
-    AddSizeStream(container, bounds.right, bounds.bottom);
-    if (CurrentPreviewSettings().quality < 0) return;
+Preview MakePreview(GraphicsImportComponent importer) {
+    Preview preview;
+    GraphicsImportGetNaturalBounds(importer, &preview.bounds);
+    if (CurrentPreviewSettings().quality < 0) return preview;
     ComponentInstance opened = nullptr;
-    OSErr code = OpenADefaultComponent(qt::kGraphicsExporter, qt::Code("JPEG"), &opened);
+    const OSErr opening_code = OpenADefaultComponent(qt::kGraphicsExporter, qt::Code("JPEG"), &opened);
     const qt::OpenComponent exporter(opened);
-    if (code != noErr) return ReportError(code, "No codec for creating CV preview!");
-    const qt::MemoryHandle output(NewHandle(0));
-    code = MemError();
-    const ComponentResult export_code =
-        code == noErr ? ExportPreview(exporter.get(), importer, bounds, output.get()) : code;
-    if (export_code != noErr) return ReportError(export_code, "Preview creation failed");
-    AddStream(container, FourCC("JPEG"), qt::HandleBytes(output.get()));
+    if (opening_code != noErr) {
+        ReportError(opening_code, "No codec for creating CV preview!");
+        return preview;
+    }
+    preview.jpeg = qt::MemoryHandle(NewHandle(0));
+    const ComponentResult code = ExportPreview(exporter.get(), importer, preview.bounds, preview.jpeg.get());
+    if (code != noErr) {
+        ReportError(code, "Preview creation failed");
+        preview.jpeg = {};
+    }
+    return preview;
+}
+
+void AddPreview(FM_BinaryData* container, const Preview& preview) {
+    AddSizeStream(container, preview.bounds.right, preview.bounds.bottom);
+    if (preview.jpeg) AddStream(container, FourCC("JPEG"), qt::HandleBytes(preview.jpeg.get()));
 }
 
 } // namespace corvane

@@ -8,10 +8,18 @@
 
 namespace corvane {
 
-/// Appends a "SIZE" stream of the importer's natural bounds and, unless the preview settings say otherwise, a
-/// "JPEG" stream of its picture. A failure is reported, and what was appended so far stays. The importer is
-/// left with the preview's clip region.
-void AddPreview(FM_BinaryData* container, GraphicsImportComponent importer);
+struct Preview {
+    Rect bounds;           ///< of the picture, at the origin
+    qt::MemoryHandle jpeg; ///< null: there is none, for the settings say so or for a reason that is reported
+};
+
+/// Encodes the importer's picture as the preview settings say; the importer is left with the mark as its clip
+/// region. It stands apart from adding it, so that the decoded picture is gone before large streams are
+/// copied.
+Preview MakePreview(GraphicsImportComponent importer);
+
+/// Appends a "SIZE" stream and, when there is a picture, a "JPEG" stream.
+void AddPreview(FM_BinaryData* container, const Preview& preview);
 
 /// The rectangles of the preview mark for a picture of that size: what lies in an odd number of them is
 /// painted, so that thin lines between them are not.

@@ -76,7 +76,8 @@ TEST_F(ImageInfo, OfAnAddress) {
     EXPECT_EQ(Info(TextValue(server.Url("a b.png") + "\rmore")), Text(48, 64, 1024, 72, 72, bytes.size()));
     EXPECT_EQ(Info(TextValue(server.Url("status-404"))), "$-43:Could not find referenced image file");
     EXPECT_EQ(Info(TextValue(server.Url("status-500"))), "$-2004:Could not find referenced image file");
-    EXPECT_EQ(Info(TextValue(server.Url("bytes"))), "$-2005:Could not find referenced image file");
+    std::ofstream(images_.folder.Path("drive") + "/page.html") << "<html>no image</html>";
+    EXPECT_EQ(Info(TextValue(server.Url("page.html"))), "$-2005:Could not find referenced image file");
 }
 
 TEST_F(ImageInfo, Failures) {
