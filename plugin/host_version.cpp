@@ -14,8 +14,8 @@ namespace {
 constexpr std::size_t kFileNameLimit = 4096;
 
 // Without language, and US English in Windows Latin: the two that hosts have been built with.
-constexpr std::array<const char*, 2> kVersionNames = {"\\StringFileInfo\\000004B0\\FileVersion",
-                                                      "\\StringFileInfo\\000904E4\\FileVersion"};
+constexpr std::array<const char*, 2> kVersionNames = {R"(\StringFileInfo\000004B0\FileVersion)",
+                                                      R"(\StringFileInfo\000904E4\FileVersion)"};
 
 struct KnownVersion {
     std::int16_t interface_version;
