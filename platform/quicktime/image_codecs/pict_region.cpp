@@ -214,22 +214,27 @@ Region LineRegion(std::int32_t from_x, std::int32_t from_y, std::int32_t to_x, s
             Box{std::min(from_x, to_x), from_y, std::max(from_x, to_x) + pen_width, to_y + pen_height});
     }
     const double slope = static_cast<double>(to_x - from_x) / (to_y - from_y);
-    // Where the pen's left edge is while its top lies within the row: as a thin line has it.
-    const auto edge = [&](std::int32_t y, double part) {
-        const double x = from_x + slope * (y - from_y + part);
-        return std::clamp(static_cast<std::int32_t>(std::floor(x + 0.5)), std::min(from_x, to_x),
-                          std::max(from_x, to_x));
+    // Steep lines have one place in a row, flat ones all whose nearest row it is.
+    const auto x_at = [&](double y) { return from_x + slope * (y - from_y); };
+    const auto held = [&](double x) {
+        const auto column = static_cast<std::int32_t>(x);
+        return std::clamp(column, std::min(from_x, to_x), std::max(from_x, to_x));
     };
-    const bool steep = std::abs(slope) < 1.0;
+    const auto places = [&](std::int32_t y) -> std::pair<std::int32_t, std::int32_t> {
+        if (std::abs(slope) <= 1.0) {
+            const std::int32_t column = held(std::floor(x_at(y) + 0.5));
+            return {column, column};
+        }
+        const double before = x_at(y - 0.5);
+        const double behind = x_at(y + 0.5);
+        return {held(std::ceil(std::min(before, behind))), held(std::ceil(std::max(before, behind)) - 1.0)};
+    };
     std::vector<Box> boxes;
     const std::int32_t end = std::min(to_y + pen_height, within.y2);
     for (std::int32_t y = std::max(from_y, within.y1); y < end; ++y) {
-        const std::int32_t first = std::clamp(y - pen_height + 1, from_y, to_y);
-        const std::int32_t last = std::clamp(y, from_y, to_y);
-        const double half = steep ? 0.0 : 0.5;
-        const std::int32_t a = edge(first, -half);
-        const std::int32_t b = edge(last, half);
-        AddSpan(boxes, y, std::min(a, b), std::max(a, b) + pen_width);
+        const auto first = places(std::clamp(y - pen_height + 1, from_y, to_y));
+        const auto last = places(std::clamp(y, from_y, to_y));
+        AddSpan(boxes, y, std::min(first.first, last.first), std::max(first.second, last.second) + pen_width);
     }
     return Region(boxes);
 }

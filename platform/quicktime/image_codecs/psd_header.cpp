@@ -138,8 +138,9 @@ ComponentResult DescribePsd(const PsdHeader& header, ImageDescription& descripti
     description.cType = Code("8BPS");
     description.name = Name("Photoshop");
     description.spatialQuality = kLosslessQuality;
-    description.hRes = FixedResolution(header.horizontal_dpi);
-    description.vRes = FixedResolution(header.vertical_dpi);
+    // Less than a dot to the inch is what writers without a resolution leave behind.
+    description.hRes = FixedResolution(header.horizontal_dpi >= 1.0 ? header.horizontal_dpi : 0.0);
+    description.vRes = FixedResolution(header.vertical_dpi >= 1.0 ? header.vertical_dpi : 0.0);
     const bool is_wide = header.has_alpha || header.ColourChannels() == 4;
     description.depth = header.mode == PsdHeader::kBitmap    ? 1
                         : is_wide                            ? 32

@@ -103,7 +103,10 @@ ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& 
     Atom data;
     if (const auto code = ReadParts(source, described, data); code != noErr) return code;
     PartSource part(source, data.data_at, data.data_size);
-    return DecodeDescribedImage(described, part, image);
+    if (const auto code = DecodeDescribedImage(described, part, image); code != noErr) return code;
+    const bool is_as_described =
+        image.width() == described.description.width && image.height() == described.description.height;
+    return is_as_described ? ComponentResult{noErr} : codecBadDataErr;
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// Photoshop documents: one merged image without layers, its rows packed. With transparency the colours are
-// those seen in front of white, as readers of merged images expect.
+// Photoshop documents: a merged image, its rows packed. Only a layer can be transparent: an image that is has
+// one, and its merged image shows the layer in front of white, as readers expect.
 #include "platform/quicktime/image_codecs/packbits.h"
 #include "platform/quicktime/image_codecs/psd_header.h"
 #include "platform/quicktime/image_exporters/big_endian.h"
@@ -35,7 +35,7 @@ void AppendResource(EncodedBytes& out, std::uint32_t number, std::span<const std
     if (data.size() % 2 != 0) out.push_back(std::byte{0});
 }
 
-void AppendResources(const ExportSettings& settings, bool alpha, EncodedBytes& out) {
+void AppendResources(const ExportSettings& settings, EncodedBytes& out) {
     const DotsPerInch resolution = ResolutionOf(settings);
     EncodedBytes resources;
     EncodedBytes data;
@@ -45,10 +45,6 @@ void AppendResources(const ExportSettings& settings, bool alpha, EncodedBytes& o
         Append16(data, 1); // sizes in inches
     }
     AppendResource(resources, kPsdResolution, data);
-    if (alpha) {
-        constexpr std::string_view kName = "\x0CTransparency";
-        AppendResource(resources, kPsdAlphaNames, std::as_bytes(std::span(kName)));
-    }
     Append32(out, static_cast<std::uint32_t>(resources.size()));
     out.insert(out.end(), resources.begin(), resources.end());
 }
@@ -78,16 +74,17 @@ void AppendHeader(const Format& format, std::int32_t width, std::int32_t height,
     Append16(out, format.mode);
 }
 
-/// Packs all rows of all channels behind their sizes; `row_of` answers a row's bytes.
+/// Packs all rows of the channels from `first` up to `end` behind their sizes; `row_of` answers a row's
+/// bytes.
 template <class RowOf>
-void AppendRows(std::uint32_t channels, std::int32_t height, EncodedBytes& out, RowOf row_of) {
+void AppendRows(std::uint32_t first, std::uint32_t end, std::int32_t height, EncodedBytes& out,
+                RowOf row_of) {
     constexpr std::uint32_t kPacked = 1;
-    Append32(out, 0); // no layers
     Append16(out, kPacked);
     std::size_t sizes_at = out.size();
-    out.resize(out.size() + std::size_t{2} * channels * static_cast<std::size_t>(height));
+    out.resize(out.size() + std::size_t{2} * (end - first) * static_cast<std::size_t>(height));
     std::vector<std::byte> packed;
-    for (std::uint32_t channel = 0; channel < channels; ++channel) {
+    for (std::uint32_t channel = first; channel < end; ++channel) {
         for (std::int32_t y = 0; y < height; ++y, sizes_at += 2) {
             const std::span<const std::byte> row = row_of(channel, y);
             packed.resize(PackedBound(row.size()));
@@ -98,21 +95,80 @@ void AppendRows(std::uint32_t channels, std::int32_t height, EncodedBytes& out, 
     }
 }
 
+/// Rows of the channels red, green, blue, alpha.
+class ChannelRows {
+public:
+    ChannelRows(const PixelImage& image, bool in_front_of_white)
+        : image_(image),
+          in_front_of_white_(in_front_of_white),
+          scratch_(static_cast<std::size_t>(image.width())),
+          row_(scratch_.size()) {}
+
+    std::span<const std::byte> operator()(std::uint32_t channel, std::int32_t y) {
+        const bool is_alpha = channel == 3;
+        const std::uint32_t* pixels =
+            is_alpha || !in_front_of_white_ ? image_.Row(y) : OpaqueRow(image_, y, scratch_.data());
+        const unsigned shift = is_alpha ? 24 : 16 - 8 * channel;
+        std::byte* const bytes = row_.data();
+        const std::size_t count = row_.size();
+        for (std::size_t x = 0; x < count; ++x) bytes[x] = static_cast<std::byte>(pixels[x] >> shift);
+        return row_;
+    }
+
+private:
+    const PixelImage& image_;
+    bool in_front_of_white_;
+    std::vector<std::uint32_t> scratch_;
+    std::vector<std::byte> row_;
+};
+
+/// The section of layers, with one that is the image.
+void AppendLayer(const PixelImage& image, EncodedBytes& out) {
+    constexpr std::uint32_t kMinusOne = 0xFFFF;
+    constexpr std::string_view kName("\x05Image\0\0", 8);
+    const std::size_t section_at = out.size();
+    Append32(out, 0); // sizes of the section and of the layers, once they are known
+    Append32(out, 0);
+    Append16(out, kMinusOne); // one layer, and the merged image is transparent
+    for (const std::int32_t edge : {0, 0, image.height(), image.width()}) {
+        Append32(out, static_cast<std::uint32_t>(edge));
+    }
+    Append16(out, 4);
+    const std::size_t channels_at = out.size();
+    for (const std::uint32_t number : {0U, 1U, 2U, kMinusOne}) { // the last is transparency
+        Append16(out, number);
+        Append32(out, 0);
+    }
+    Append32(out, Code("8BIM"));
+    Append32(out, Code("norm"));
+    Append32(out, 0xFF00'0000); // opaque, not clipped, visible
+    Append32(out, static_cast<std::uint32_t>(8 + kName.size()));
+    Append32(out, 0); // no mask
+    Append32(out, 0); // no blending ranges
+    const auto name = std::as_bytes(std::span(kName));
+    out.insert(out.end(), name.begin(), name.end());
+    for (std::uint32_t channel = 0; channel < 4; ++channel) {
+        const std::size_t begin = out.size();
+        AppendRows(channel, channel + 1, image.height(), out, ChannelRows(image, false));
+        Replace32(out, channels_at + 6 * channel + 2, static_cast<std::uint32_t>(out.size() - begin));
+    }
+    if ((out.size() - section_at) % 2 != 0) out.push_back(std::byte{0});
+    Replace32(out, section_at + 4, static_cast<std::uint32_t>(out.size() - section_at - 8));
+    Append32(out, 0); // no mask over all layers
+    Replace32(out, section_at, static_cast<std::uint32_t>(out.size() - section_at - 4));
+}
+
 void EncodeColours(const PixelImage& image, bool alpha, const ExportSettings& settings, EncodedBytes& out) {
     const Format format = {PsdHeader::kRgb, alpha ? 4U : 3U, 8};
     AppendHeader(format, image.width(), image.height(), out);
     Append32(out, 0); // no palette
-    AppendResources(settings, alpha, out);
-    const auto width = static_cast<std::size_t>(image.width());
-    std::vector<std::uint32_t> scratch(width);
-    std::vector<std::byte> row(width);
-    AppendRows(format.channels, image.height(), out, [&](std::uint32_t channel, std::int32_t y) {
-        const bool is_alpha = channel == 3;
-        const std::uint32_t* pixels = is_alpha ? image.Row(y) : OpaqueRow(image, y, scratch.data());
-        const unsigned shift = is_alpha ? 24 : 16 - 8 * channel;
-        for (std::size_t x = 0; x < width; ++x) row[x] = static_cast<std::byte>(pixels[x] >> shift);
-        return std::span<const std::byte>(row);
-    });
+    AppendResources(settings, out);
+    if (alpha) {
+        AppendLayer(image, out);
+    } else {
+        Append32(out, 0);
+    }
+    AppendRows(0, format.channels, image.height(), out, ChannelRows(image, true));
 }
 
 bool IsBlackAndWhite(const std::vector<std::uint32_t>& palette) {
@@ -141,10 +197,11 @@ ComponentResult EncodeIndices(const PixelImage& image, std::int32_t depth, const
     } else {
         Append32(out, 0);
     }
-    AppendResources(settings, false, out);
+    AppendResources(settings, out);
+    Append32(out, 0); // no layers
     const auto width = static_cast<std::size_t>(image.width());
     std::vector<std::byte> row((width * format.bits + 7) / 8);
-    AppendRows(1, image.height(), out, [&](std::uint32_t /*channel*/, std::int32_t y) {
+    AppendRows(0, 1, image.height(), out, [&](std::uint32_t /*channel*/, std::int32_t y) {
         PackIndices(std::span(indexed.indices).subspan(static_cast<std::size_t>(y) * width, width),
                     format.bits, row.data());
         return std::span<const std::byte>(row);

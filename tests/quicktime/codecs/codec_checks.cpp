@@ -97,7 +97,7 @@ void ExpectSamplesAreRead(const qt::ImageCodec& codec, std::span<const Sample> s
         qt::ImageFacts facts;
         ASSERT_EQ(codec.read_facts(*source, facts), noErr);
         EXPECT_EQ(facts.description.depth, sample.depth);
-        EXPECT_EQ(facts.data_size, bytes.size());
+        EXPECT_EQ(facts.data_offset + facts.data_size, bytes.size());
         EXPECT_NE(qt::FindImageCodec(facts.description.cType), nullptr);
         const qt::PixelImage image = DecodeWhole(codec, bytes);
         EXPECT_EQ(image.width(), facts.description.width);

@@ -1,0 +1,144 @@
+#include "tests/quicktime/codecs/written_images.h"
+
+#include <algorithm>
+
+namespace {
+
+using namespace corvane::test;
+
+constexpr OSType kPsd = qt::Code("8BPS");
+
+constexpr Sample kSamples[] = {
+    {"-size 67x41 plasma: -type TrueColor -depth 8", "rgb.psd", 24},
+    {"-size 67x41 plasma: -type TrueColor -depth 8 -compress none", "plain.psd", 24},
+    {"-size 67x41 plasma: -type TrueColor -depth 8 -compress rle", "packed.psd", 24},
+    {"-size 67x41 plasma: -type TrueColor -depth 16", "deep.psd", 24},
+    {"-size 67x41 plasma: -type TrueColor -define quantum:format=floating-point -depth 32", "float.psd", 24,
+     1},
+    {"-size 67x41 plasma: -type TrueColor -depth 8", "psb:large.psb", 24},
+    {"-size 67x41 plasma: -colorspace Gray -type Grayscale -depth 8 -compress rle", "grey.psd", 40},
+    {"-size 67x41 pattern:gray50 -type Bilevel -monochrome", "mono.psd", 40},
+    {"-size 67x41 plasma: -colorspace CMYK -depth 8 -compress rle", "cmyk.psd", 32, 1},
+};
+
+TEST(PsdCodec, ReadsWhatImageMagickWrites) {
+    ExpectSamplesAreRead(qt::kPhotoshopCodec, kSamples, "-delete 1 -colorspace sRGB"); // without the layer
+}
+
+TEST(PsdCodec, SurvivesDamage) {
+    const MadeImages images;
+    for (const Sample& sample : kSamples) {
+        SCOPED_TRACE(sample.file);
+        ExpectDamageIsSurvived(qt::kPhotoshopCodec, images.MakeBytes(sample.arguments, sample.file));
+    }
+}
+
+/// A document of one row of plain samples; `layers` is the layer section.
+Bytes MadeDocument(int mode, int channels, int width, const std::string& resources, const std::string& layers,
+                   const std::string& samples) {
+    qt::EncodedBytes bytes;
+    const auto put16 = [&](std::size_t value) {
+        bytes.push_back(static_cast<std::byte>(value >> 8));
+        bytes.push_back(static_cast<std::byte>(value));
+    };
+    const auto put = [&](const std::string& text) {
+        for (const char c : text) bytes.push_back(static_cast<std::byte>(c));
+    };
+    put("8BPS");
+    for (const int word : {1, 0, 0, 0, channels, 0, 1, 0, width, 8, mode, 0, 0})
+        put16(static_cast<unsigned>(word));
+    put16(0);
+    put16(resources.size());
+    put(resources);
+    put16(0);
+    put16(layers.size());
+    put(layers);
+    put16(0);
+    put(samples);
+    return bytes;
+}
+
+TEST(PsdCodec, ExtraChannelsAreTransparencyOnlyWhenTheySaySo) {
+    using namespace std::string_literals;
+    const std::string layers = "\0\0\0\2\xFF\xFF"s; // minus one
+    const std::string samples = "\xFF\x80\x40\x20"s;
+    const auto selection = "8BIM\x03\xEE\0\0\0\0\0\x08\7Alpha 1"s;
+    const auto pixel = [&](const std::string& resources, const std::string& section) {
+        return DecodeWhole(qt::kPhotoshopCodec, MadeDocument(3, 4, 1, resources, section, samples)).Row(0)[0];
+    };
+    EXPECT_EQ(pixel("", ""), 0x20FF8040);
+    EXPECT_EQ(pixel(selection, ""), 0xFFFF8040);
+    EXPECT_EQ(pixel(selection, layers), 0x20FF8040);
+    EXPECT_EQ(pixel("", "\0\0\0\2\0\1"s), 0xFFFF8040);
+}
+
+TEST(PsdCodec, ColoursInFrontOfWhiteAreTakenFromIt) {
+    // Half of black, half of red; then a document that stores black itself.
+    const std::string matted = "\x7F\xFF\x7F\x7F\x7F\x7F\x80\x80";
+    const auto laid = DecodeWhole(qt::kPhotoshopCodec, MadeDocument(3, 4, 2, "", "", matted));
+    EXPECT_EQ(laid.Row(0)[0], 0x80000000);
+    EXPECT_EQ(laid.Row(0)[1], 0x80FF0000);
+    const std::string straight = std::string("\0\xFF\0\x7F\0\x7F", 6) + "\x80\x80";
+    const auto stored = DecodeWhole(qt::kPhotoshopCodec, MadeDocument(3, 4, 2, "", "", straight));
+    EXPECT_EQ(stored.Row(0)[0], 0x80000000);
+    EXPECT_EQ(stored.Row(0)[1], 0x80FF7F7F);
+}
+
+TEST(PsdCodec, LabAndDuotone) {
+    const auto lab =
+        DecodeWhole(qt::kPhotoshopCodec, MadeDocument(9, 3, 2, "", "", "\xFF\x88\x80\xD0\x80\xC3"));
+    EXPECT_EQ(lab.Row(0)[0], 0xFFFFFFFF);
+    EXPECT_NEAR(qt::Red(lab.Row(0)[1]), 252, 3); // L 53, a 80, b 67: red
+    EXPECT_LE(qt::Green(lab.Row(0)[1]), 20U);
+    EXPECT_LE(qt::Blue(lab.Row(0)[1]), 20U);
+    const auto duotone = DecodeWhole(qt::kPhotoshopCodec, MadeDocument(8, 1, 2, "", "", "\x10\x20"));
+    EXPECT_EQ(duotone.Row(0)[1], 0xFF202020);
+}
+
+/// As ffmpeg decodes it, which knows palettes.
+Bytes FfmpegReads(const MadeImages& images, const Bytes& bytes) {
+    const std::string in = images.folder.Path("in.psd");
+    const std::string out = images.folder.Path("out.rgba");
+    std::ofstream(in, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    const std::string command = "/usr/bin/ffmpeg -v error -y -i " + in + " -pix_fmt rgba -f rawvideo " + out;
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    return FileBytes(out);
+}
+
+TEST(PsdExporter, IsReadByOthers) {
+    const MadeImages images;
+    const auto image = MadeImage(images, "-size 301x57 plasma: -type TrueColor");
+    for (const int depth : {24, 1, 2, 4, 8, 33, 34, 36, 40}) {
+        SCOPED_TRACE(depth);
+        const Bytes written = Written(kPsd, image, AtDepth(depth));
+        const Bytes ours = RgbaOf(DecodeWhole(qt::kPhotoshopCodec, written));
+        const bool indexed = depth == 2 || depth == 4 || depth == 8;
+        const Bytes theirs =
+            indexed ? FfmpegReads(images, written) : MagickReads(images, written, "written.psd");
+        EXPECT_EQ(Difference(ours, theirs), 0);
+        EXPECT_TRUE(depth != 24 || Difference(ours, RgbaOf(image)) == 0);
+    }
+    EXPECT_EQ(FactsOf(qt::kPhotoshopCodec, Written(kPsd, image, AtDepth(33))).description.depth, 1);
+    EXPECT_EQ(FactsOf(qt::kPhotoshopCodec, Written(kPsd, image, AtDepth(36))).description.depth, 40);
+    const Bytes resolved = Written(kPsd, image, AtResolution(300, 150));
+    EXPECT_EQ(FactsOf(qt::kPhotoshopCodec, resolved).description.hRes, 300 << 16);
+    EXPECT_EQ(FactsOf(qt::kPhotoshopCodec, resolved).description.vRes, 150 << 16);
+}
+
+TEST(PsdExporter, Transparency) {
+    const MadeImages images;
+    const auto image =
+        MadeImage(images, "-size 64x40 plasma: -alpha set -channel A -fx 'floor(i/16)/3' +channel");
+    const Bytes written = Written(kPsd, image);
+    const Bytes source = RgbaOf(image);
+    const Bytes ours = RgbaOf(DecodeWhole(qt::kPhotoshopCodec, written));
+    // In front of white a third of a colour keeps a third of its steps; the layer keeps all.
+    EXPECT_LE(Difference(ours, source), 2);
+    const std::string path = images.folder.Path("written.psd");
+    EXPECT_EQ(MagickReads(images, written, "written.psd").size(), 2 * source.size());
+    EXPECT_LE(Difference(MagickRgba(images, path + "[0]"), source), 2);
+    EXPECT_EQ(Difference(MagickRgba(images, path + "[1]"), source), 0);
+}
+
+} // namespace
