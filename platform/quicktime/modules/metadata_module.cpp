@@ -12,12 +12,21 @@ void BeQuiet() {
     Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
 }
 
+/// How many texts a property has. The library counts the characters of what is no array.
+template <class Property>
+long CountOf(const Property& property) {
+    switch (property.typeId()) {
+    case Exiv2::xmpAlt:
+    case Exiv2::xmpBag:
+    case Exiv2::xmpSeq: return property.count();
+    default: return 1;
+    }
+}
+
 template <class Properties>
 void HandOver(const Properties& properties, MetadataReceiver receiver, void* context) {
     for (const auto& property : properties) {
-        // Of the same text in several languages, the library gives the default one for any index.
-        const long count = property.typeId() == Exiv2::langAlt ? 1 : property.count();
-        for (long i = 0; i < count; ++i) {
+        for (long i = 0; i < CountOf(property); ++i) {
             const std::string text = property.toString(i);
             receiver(context, property.key().c_str(), text.data(), text.size());
         }

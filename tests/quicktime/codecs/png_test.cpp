@@ -1,0 +1,124 @@
+#include "platform/quicktime/image_exporters/exporter.h"
+#include "tests/quicktime/codecs/written_images.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+using namespace corvane::test;
+
+constexpr Sample kSamples[] = {
+    {"-size 67x41 plasma:", "png24:rgb.png", 24},
+    {"-size 67x41 plasma:", "png48:deep.png", 24},
+    {"-size 67x41 plasma: -alpha set -channel A -fx u.r", "png32:rgba.png", 32},
+    {"-size 67x41 plasma: -alpha set -channel A -fx u.r", "png64:deepa.png", 32},
+    {"-size 67x41 plasma: -interlace PNG", "png24:adam7.png", 24},
+    {"-size 67x41 plasma: -colors 200", "png8:p8.png", 8},
+    {"-size 67x41 plasma: -colors 200 -transparent '#000000' -fill none -draw 'rectangle 3,3 20,20'",
+     "png8:p8t.png", 8},
+    {"-size 67x41 plasma: -colors 13 -define png:color-type=3 -define png:bit-depth=4", "p4.png", 4},
+    {"-size 67x41 plasma: -colors 3 -define png:color-type=3 -define png:bit-depth=2 -interlace PNG",
+     "p2.png", 2},
+    {"-size 67x41 gradient: -define png:color-type=0 -define png:bit-depth=8", "g8.png", 40},
+    {"-size 67x41 gradient: -define png:color-type=0 -define png:bit-depth=16", "g16.png", 40},
+    {"-size 67x41 gradient: -posterize 4 -define png:color-type=0 -define png:bit-depth=2", "g2.png", 34},
+    {"-size 67x41 pattern:gray50 -define png:color-type=0 -define png:bit-depth=1", "g1.png", 1},
+    {"-size 67x41 gradient: -alpha set -channel A -evaluate set 40% -define png:color-type=4", "ga.png", 32},
+    {"-size 1x1 xc:red", "png24:one.png", 24},
+};
+
+TEST(PngCodec, ReadsWhatImageMagickWrites) {
+    ExpectSamplesAreRead(qt::kPngCodec, kSamples);
+}
+
+TEST(PngCodec, SurvivesDamage) {
+    const MadeImages images;
+    for (const Sample& sample : kSamples) {
+        SCOPED_TRACE(sample.file);
+        ExpectDamageIsSurvived(qt::kPngCodec, images.MakeBytes(sample.arguments, sample.file), 100);
+    }
+}
+
+TEST(PngCodec, GivesTheRowsOfDataThatBreaksOff) {
+    const MadeImages images;
+    for (const char* interlace : {"None", "PNG"}) {
+        SCOPED_TRACE(interlace);
+        const Bytes whole = images.MakeBytes(
+            std::string("-size 200x200 plasma:red-blue -interlace ") + interlace, "png24:a.png");
+        const Bytes half(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() / 2));
+        const qt::PixelImage image = DecodeWhole(qt::kPngCodec, half);
+        EXPECT_EQ(image.Row(0)[0], DecodeWhole(qt::kPngCodec, whole).Row(0)[0]);
+        const bool coarse = image.Row(199)[199] != qt::Pixel(255, 255, 255);
+        EXPECT_EQ(coarse, interlace == std::string("PNG")) << "a first pass shows all of the image";
+    }
+}
+
+TEST(PngCodec, ReadsItsTextItems) {
+    const MadeImages images;
+    const Bytes bytes =
+        images.MakeBytes("-size 8x8 xc:red -set Title 'gr\xC3\xB6\xC3\x9F' -set Author Ann -set Other no "
+                         "-set Comment \"$(yes long | head -c 3000)\"",
+                         "png24:a.png");
+    std::vector<qt::MetadataItem> items;
+    ASSERT_EQ(qt::kPngCodec.read_metadata(*qt::MemorySource(std::span(bytes)), items), noErr);
+    std::ranges::sort(items, {}, &qt::MetadataItem::type);
+    ASSERT_EQ(items.size(), 3U);
+    EXPECT_EQ(items[0].type, qt::Code("\xA9"
+                                      "aut"));
+    EXPECT_EQ(items[0].text, "Ann");
+    EXPECT_EQ(items[1].type, qt::Code("\xA9"
+                                      "cmt"));
+    EXPECT_EQ(items[1].text.size(), 2999U);
+    EXPECT_EQ(items[2].text, "gr\xF6\xDF");
+}
+
+TEST(PngExporter, KeepsEveryPixel) {
+    const MadeImages images;
+    struct Case {
+        const char* arguments;
+        int depth; ///< 0: the exporter's choice
+        int written;
+    };
+    constexpr Case kCases[] = {
+        {"-size 67x41 plasma:red-blue -type TrueColor", 0, 24},
+        {"-size 67x41 plasma: -alpha set -channel A -fx u.r", 0, 32},
+        {"-size 67x41 plasma:red-blue -type TrueColor", 32, 32},
+        {"-size 67x41 gradient: -colorspace Gray", 40, 40},
+        {"-size 67x41 plasma: -colors 200", 8, 8},
+        {"-size 67x41 plasma: -colors 16", 4, 4},
+        {"-size 67x41 plasma: -colors 4", 2, 2},
+        {"-size 67x41 plasma: -colors 2", 1, 1},
+        {"-size 67x41 xc:none -fill red -draw 'rectangle 3,3 20,20'", 4, 4},
+        {"-size 3x3 xc:red", 24, 24},
+    };
+    for (const Case& sample : kCases) {
+        for (const int method : {0, 1}) {
+            SCOPED_TRACE(std::string(sample.arguments) + " " + std::to_string(method));
+            const qt::PixelImage image = MadeImage(images, sample.arguments);
+            qt::ExportSettings settings = AtResolution(300, 150);
+            if (sample.depth != 0) settings.depth = sample.depth;
+            settings.compression_method = method;
+            const Bytes bytes = Written(qt::Code("PNGf"), image, settings);
+            EXPECT_EQ(MagickReads(images, bytes, "out.png"), RgbaOf(image));
+            EXPECT_EQ(bytes[28], std::byte(method)) << "the interlace method in the header";
+            const ImageDescription description = FactsOf(qt::kPngCodec, bytes).description;
+            EXPECT_EQ(description.depth, sample.written);
+            EXPECT_NEAR(description.hRes / 65'536.0, 300, 0.1);
+            EXPECT_NEAR(description.vRes / 65'536.0, 150, 0.1);
+        }
+    }
+}
+
+TEST(PngExporter, CompressesPhotographsBetterThanOneFilterDoes) {
+    const MadeImages images;
+    const qt::PixelImage image = MadeImage(images, "-size 600x400 plasma:red-blue");
+    const Bytes sub =
+        images.MakeBytes("'" + images.folder.Path("source.png") +
+                             "' -define png:compression-level=1 -define png:compression-filter=1",
+                         "png24:sub.png");
+    EXPECT_LT(Written(qt::Code("PNGf"), image).size(), sub.size());
+}
+
+} // namespace
