@@ -20,6 +20,8 @@
 namespace corvane {
 namespace {
 
+constexpr std::string_view kFailed = "Error generating waveform.";
+
 struct WaveName {
     std::string_view name;
     std::uint16_t wave;
@@ -42,9 +44,8 @@ std::optional<std::uint16_t> WaveOf(const std::string& text) {
     return std::nullopt;
 }
 
-// The decimal number that the text begins with, blanks before it skipped, as 16.16 with the fraction cut off.
-// What is out of range stands at the end of the range.
-std::optional<Fixed> ScanFixed(std::string_view text) {
+// The decimal number that the text begins with, blanks before it skipped.
+std::optional<double> ScanNumber(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n\v\f"), text.size()));
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+')) text.remove_prefix(1);
@@ -57,32 +58,39 @@ std::optional<Fixed> ScanFixed(std::string_view text) {
         const bool tiny = std::find(text.data(), scanned.ptr, '-') != scanned.ptr;
         number = tiny ? 0 : std::numeric_limits<double>::infinity();
     }
+    return negative ? -number : number;
+}
+
+// As 16.16 with the fraction cut off. What is out of range stands at the end of the range.
+Fixed ToFixed(double number) {
     constexpr double kLargest = std::numeric_limits<Fixed>::max();
-    const double fixed = std::min(std::trunc(number * 65536), kLargest);
-    return static_cast<Fixed>(negative ? -fixed : fixed);
+    return static_cast<Fixed>(std::clamp(std::trunc(number * 65536), -kLargest, kLargest));
 }
 
 std::int32_t ReadDuration(const FM_DataVect& parameters, ToneRequest& request, CVSError& error) {
+    constexpr double kTooLong = 32768; // seconds
     const Read<std::string> text = ReadTextParameter(parameters, 1);
-    const std::optional<Fixed> duration = text.code == 0 ? ScanFixed(text.value) : std::nullopt;
-    if (!duration)
+    const std::optional<double> seconds = text.code == 0 ? ScanNumber(text.value) : std::nullopt;
+    if (!seconds)
         return error.Fail(text.code != 0 ? text.code : kErrorWrongParameter,
                           "Error converting parameter #2 to duration.");
-    // The range's end stands for all that is longer.
-    if (*duration <= 0 || *duration == std::numeric_limits<Fixed>::max())
-        return error.Fail(kErrorWrongParameter, {});
-    request.duration = *duration;
+    request.duration = ToFixed(*seconds);
+    if (request.duration <= 0 || *seconds >= kTooLong) return error.Fail(kErrorWrongParameter, {});
     return 0;
 }
 
 std::int32_t ReadFrequency(const FM_DataVect& parameters, ToneRequest& request, CVSError& error) {
     const Read<std::string> text = ReadTextParameter(parameters, 2);
-    std::optional<Fixed> frequency = text.code == 0 ? NoteFrequency(text.value) : std::nullopt;
-    if (!frequency && text.code == 0) frequency = ScanFixed(text.value);
-    if (!frequency)
+    const std::optional<Fixed> note = text.code == 0 ? NoteFrequency(text.value) : std::nullopt;
+    const std::optional<double> hertz = text.code == 0 && !note ? ScanNumber(text.value) : std::nullopt;
+    if (!note && !hertz)
         return error.Fail(text.code != 0 ? text.code : kErrorWrongParameter,
                           "Error converting parameter #3 to frequency.");
-    request.frequency = *frequency;
+    request.frequency = note ? *note : ToFixed(*hertz);
+    // The generator can't see a frequency that 16.16 doesn't hold.
+    const bool sawtooth = (request.layout & kToneWaveMask) == kToneSawtooth;
+    if (sawtooth && hertz && *hertz > request.sample_rate / 65536.0)
+        return error.Fail(kErrorWrongParameter, kFailed);
     return 0;
 }
 
@@ -110,7 +118,7 @@ FM_Error Create(const FM_DataVect& parameters, FM_Data& result, CVSError& error)
 
     const qt::OwnedMovie movie(NewMovie(0));
     std::int32_t code = MakeTone(request, movie.get());
-    if (code != 0) return error.Fail(code, "Error generating waveform.");
+    if (code != 0) return error.Fail(code, kFailed);
     code = PutSoundResourceResult(result, movie.get());
     if (code != 0) return error.Fail(code, "Could not set sound container.");
     error.SetCode(0);
