@@ -2,8 +2,10 @@
 // left in the result, and the next call works.
 #include "platform/fmwrapper/fault.h"
 #include "plugin/errors.h"
+#include "plugin/host_data.h"
 #include "plugin/results.h"
 #include "tests/plugin/started_host.h"
+#include "tests/support/made_images.h"
 
 #include <gtest/gtest.h>
 
@@ -49,9 +51,24 @@ void SweepFailures(test::StartedHost& host, const Example& example, FM_Status st
     EXPECT_GT(failed, 0);
 }
 
+/// A container with an image that has a text item.
+FM_Data Picture(const test::MadeImages& images) {
+    const test::Bytes bytes = images.MakeBytes("-size 8x8 xc:red -set Title One", "png24:a.png");
+    const BinaryData container(Host(FM_BinaryData_Constructor1));
+    Host(FM_BinaryData_Add, container.get(), NewQuadChar(FourCC("PNGf")).get(),
+         static_cast<std::uint32_t>(bytes.size()), bytes.data());
+    FM_Data value;
+    Host(FM_Data_SetBinaryData, &value, container.get(), true);
+    return value;
+}
+
 TEST(HostFailure, EndsACallWithItsCodeAndNothingElse) {
     test::StartedHost host;
     const auto text = [](std::string_view utf8) { return test::TextValue(utf8); };
+    const test::MadeImages images;
+    const FM_Data image = Picture(images);
+    const char* const wrong_code =
+        "$20101:Image type code must be exactly 4 characters, empty, or start a list of items";
     const std::string list = "Format: WAVE\rTrack 1\r  Volume: 256\r";
     for (const Example& example : std::initializer_list<Example>{
              {1, {text("long")}, "Corvane 10.0.3"},
@@ -63,7 +80,16 @@ TEST(HostFailure, EndsACallWithItsCodeAndNothingElse) {
              {21, {text("quicktime")}, "769"},
              {23, {text("rfworkaround"), text("1")}, "1"},
              {23, {text("nothing")}, "", -50},
-             {60, {text("one too many")}, "$-4:Feature is not implemented yet."}}) {
+             {60, {text("one too many")}, "$-4:Feature is not implemented yet."},
+             {24, {image}, "IPTC\r  \xC2\xA9nam: One\r"},
+             {24, {}, "", -50},
+             {63, {image, test::NumberValue("0")}, ""},
+             {63, {image, test::NumberValue("1")}, "$-2012:Source must be a file to import by reference"},
+             {89, {test::NumberValue("512"), test::NumberValue("1")}, ""},
+             {90, {text("PNGf")}, "format=PNGf\rmethod=0\r"},
+             {91, {image, text("PNGf")}, ""},
+             {91, {image, text("GIFf")}, ""},
+             {91, {text("nothing"), text("PNG")}, wrong_code}}) {
         SCOPED_TRACE(testing::PrintToString(example.id));
         SweepFailures(host, example, kFM_StatusNoMemory);
         SweepFailures(host, example, kFM_StatusFailed);
