@@ -28,8 +28,87 @@ constexpr auto kNames = std::to_array<std::string_view>({"Media_CreateSound",
                                                          "Media_RecordSoundFormatDialog",
                                                          "Media_InsertQuickTime"});
 
+constexpr auto kPages = std::to_array<ManualPage>({
+    {"Media_CreateSound", "A tone, noise or silence, made from nothing.",
+     R"(type       sin or sine, saw or sawtooth, square or rectangle, noise, silence or none; in any case
+duration   seconds, above 0; without it 1
+frequency  a note from C1 to B8 ("A4", "c#5", "Bb3"; B is B flat, H is B natural) or a number of hertz;
+           without it A4, 440 Hz)",
+     "A container with a sound resource: 8-bit, mono, 44,100 Hz.",
+     "-50   no such type, no duration or frequency that can be read, a duration of 0 or less or too long\n"
+     "-108  a sound of more than 2 GiB\nWith a code the result is empty; Media_GetLastError has the message.",
+     R"(Media_CreateSound ( "sine" ; 0.5 ; "c5" ))"},
+    {"Media_AppendSound", "One sound behind another.",
+     R"(container1, container2   sounds: paths of sound or movie files as text, reference texts, or containers
+                         with a sound resource or a reference)",
+     "Text: the reference to a WAVE file in the temporary folder, 16-bit, stereo, 44,100 Hz; through a\n"
+     "reference movie beside it while the setting lmworkaround is on.",
+     "-43    a file is missing\n-50    not two parameters, or one is no sound\n-2014  the first sound is "
+     "empty\n"
+     "-2048  a file is no sound\n-2114  a container holds no sound\nother codes of files and sounds",
+     R"(Media_AppendSound ( "/C:/sounds/intro.mp3" ; "/C:/sounds/talk.wav" ))"},
+    {"Media_ExtractSound", "A part of a sound.",
+     R"(container   a sound (see Media_AppendSound)
+beginTime   H:M:S or H:M:S.F, from the sound's beginning
+endTime     the same; an end beyond the sound's is that)",
+     "Text: the reference to a WAVE file (see Media_AppendSound), or empty. Answers the host 0: a failure "
+     "is\n"
+     "only in Media_GetLastError.",
+     "-50    not three parameters, or one that can't be read\n-2014  nothing lies between the times\n"
+     "codes of Media_AppendSound",
+     R"(Media_ExtractSound ( "/C:/sounds/talk.wav" ; "0:1:0" ; "0:1:30.5" ))"},
+    {"Media_MixSounds",
+     "Two sounds at the same time, each at half its volume; what is longer goes on as it is.",
+     R"(container1, container2   sounds (see Media_AppendSound). 16-bit little-endian ones, as in WAVE files,
+                         are mixed frame for frame whatever their rate and need as many channels;
+                         others are brought to 16-bit stereo at 44,100 Hz first)",
+     "Text: the reference to a WAVE file (see Media_AppendSound), or empty. Answers the host 0: a failure "
+     "is\n"
+     "only in Media_GetLastError.",
+     "-50    not two parameters, one is no sound, or the sounds differ in channels\ncodes of "
+     "Media_AppendSound",
+     R"(Media_MixSounds ( "/C:/sounds/talk.wav" ; "/C:/sounds/music.mp3" ))"},
+    {"Media_Amplify", "A sound, louder or softer.",
+     R"(container   a sound (see Media_AppendSound)
+factor      what each sample is multiplied by; a negative one turns the wave over
+limit       0 to 1: the part of full scale at which samples are clipped; without it 1. -1 normalises, as
+            Media_Normalize does, whatever the factor)",
+     "Text: the reference to a WAVE file (see Media_AppendSound), or empty. Answers the host 0: a failure "
+     "is\n"
+     "only in Media_GetLastError.",
+     "-4     an uncompressed sound of 8 bits\n-50    too few parameters, or one that can't be read\n"
+     "codes of Media_AppendSound",
+     R"(Media_Amplify ( "/C:/sounds/talk.wav" ; 1.5 ))"},
+    {"Media_FadeSound", "A sound that fades in, or out.",
+     R"(container   a sound (see Media_AppendSound)
+startTime   H:M:S or H:M:S.F; with a "-" in front counted back from the end
+endTime     the same. Times that are not in order are swapped; a start outside the sound is its beginning,
+            an end outside it its end
+level       0 to 1: the volume that is faded to or from
+inOrOut     true: out, and the result ends where the fade does; false: in, and it begins where the fade does)",
+     "Text: the reference to a WAVE file (see Media_AppendSound).",
+     "-50    not five parameters, one that can't be read, or a fade that takes no time\n"
+     "codes of Media_AppendSound",
+     R"(Media_FadeSound ( "/C:/sounds/talk.wav" ; "-0:0:3" ; "-0:0:0" ; 1 ; 1 ))"},
+    {"Media_Normalize", "A sound as loud as it can be without being clipped.",
+     "container   a sound (see Media_AppendSound)",
+     "Text: the reference to a WAVE file (see Media_AppendSound), or empty. Answers the host 0: a failure "
+     "is\n"
+     "only in Media_GetLastError.",
+     "codes of Media_Amplify", R"(Media_Normalize ( "/C:/sounds/talk.wav" ))"},
+    {"Media_GetSoundInfo",
+     "The facts of a sound or of a movie's sounds, from the header alone where it has them.",
+     "container   a sound (see Media_AppendSound)",
+     R"(Text: an information list (see Media_ExtractInfo) with the lines Format (four characters) and, for each
+track, Volume (256 is full), Duration, dates, the same of its media, and for each kind of samples in it Sample
+Format (hexadecimal), Number of Channels, Sample Size, Sample Rate and Bit Rate (kbps).)",
+     "-50    not one parameter, an empty container, or no sound\n-2055  a movie without sound\n"
+     "codes of Media_AppendSound\nWith a code the result is empty; Media_GetLastError has the message.",
+     R"(Media_ExtractInfo ( Media_GetSoundInfo ( "/C:/sounds/talk.wav" ) ; "Track 1/Duration" ))"},
+});
+
 } // namespace
 
-const ManualGroup kSoundManual = {"Sounds and movies", kNames, {}};
+const ManualGroup kSoundManual = {"Sounds and movies", kNames, kPages};
 
 } // namespace host
