@@ -23,7 +23,7 @@ TEST(Jpeg2000Codec, ReadsWhatImageMagickWrites) {
 
 TEST(Jpeg2000Codec, SurvivesDamage) {
     const MadeImages images;
-    for (const Sample& sample : kSamples) {
+    for (const Sample& sample : std::span(kSamples).first(5)) {
         SCOPED_TRACE(sample.file);
         ExpectDamageIsSurvived(qt::kJpeg2000Codec, images.MakeBytes(sample.arguments, sample.file), 60);
     }

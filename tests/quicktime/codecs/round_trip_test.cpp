@@ -189,6 +189,23 @@ TEST(RoundTrip, Jpeg2000FollowsQualityAndSize) {
     }
 }
 
+TEST(RoundTrip, Jpeg2000PassesOnWhatIsAsAsked) {
+    const Bytes bytes = Encoded(qt::kJpeg2000Exporter, MadeImage(67, 41, false), {24, {}, {}, 300, {}, {}});
+    const auto source = qt::MemorySource(std::span(bytes));
+    qt::ImageFacts facts;
+    ASSERT_EQ(qt::kJpeg2000Codec.read_facts(*source, facts), noErr);
+    const auto passes = [&](const qt::ExportSettings& settings) {
+        qt::EncodedBytes out;
+        const bool passed = qt::kJpeg2000Exporter.transcode(*source, facts.description, settings, out);
+        EXPECT_EQ(out, passed ? bytes : Bytes());
+        return passed;
+    };
+    EXPECT_TRUE(passes({24, 72 << 16, 72 << 16, 1024, {}, {}}));
+    EXPECT_FALSE(passes({40, {}, {}, {}, {}, {}}));
+    EXPECT_FALSE(passes({{}, 300 << 16, 300 << 16, {}, {}, {}}));
+    EXPECT_FALSE(passes({{}, {}, {}, {}, static_cast<std::uint32_t>(bytes.size() - 1), {}}));
+}
+
 /// Memory that counts what is read of it.
 class CountingSource : public qt::DataSource {
 public:
