@@ -12,6 +12,48 @@ constexpr auto kNames = std::to_array<std::string_view>(
      "Media_ConversionDialog", "Media_ConvertImage", "Media_ListImageOutputTypes", "Media_GetMouseUp"});
 
 constexpr auto kPages = std::to_array<ManualPage>({
+    {"Media_InsertImage", "An image file as a container, or a reference to it.",
+     "filepath      the path of an image file, an http:// address, or a container with an image\n"
+     "byReference   true: only a reference to the file",
+     R"(A container: the image as it is in the file, its size, and for images that hosts can't show (all but
+JPEG and PICT) a JPEG preview; or the reference text.)",
+     "$CODE:MESSAGE as the result:\n20100  not exactly two parameters\n-43    there is no such file\n"
+     "-2005  nothing reads this kind of data\n-2012  by reference, and the source is no file\n"
+     "other codes of files and of the image decoder",
+     R"(Media_InsertImage ( "/C:/home/ann/a.gif" ; False ))"},
+    {"Media_SetImageDefaults", "How previews of images are made from now on.",
+     "previewQuality   0 lowest to 1024 best, 512 at start; -1: no previews\n"
+     "previewMark      true (at start): thin lines in the picture say that it is a preview",
+     "Empty text.", "$20100:MESSAGE as the result: not exactly two parameters",
+     R"(Media_SetImageDefaults ( 700 ; False ))"},
+    {"Media_ConversionDialog", "Asks for an encoder's settings.",
+     "imageType   a type of Media_ListImageOutputTypes; a whole line of that list will do",
+     R"(Text: lines KEY=VALUE: format, depth, resolution, quality, size, method, as far as they are set or the
+format has them. Without windows the answer "set:quality=300,depth=8" changes settings, "ok" none.)",
+     "$CODE:MESSAGE as the result:\n20100  not exactly one parameter\n20101  no type code\n"
+     "20102  the type is no text\nAn unknown type gives empty text.",
+     R"(Media_ConversionDialog ( "JPEG" ))"},
+    {"Media_ConvertImage", "An image in another format.",
+     R"(container     a container with an image, the path of an image file, or an http:// address
+imageType     a type of Media_ListImageOutputTypes; empty: the source's own
+depth         1, 2, 4, 8, 16, 24 or 32 bits a pixel; 33, 34, 36, 40 for 1, 2, 4, 8 bits of grey
+hres, vres    dots per inch
+targetBytes   the size that the result should not exceed; goes before quality
+quality       0 lowest, 512 normal, 1024 best
+imageIndex    which of several images, from 1
+transcode     1: compressed data is passed on as it is where possible
+packBits      1: TIFF with PackBits; 0: without compression
+interlace     1: progressive or interlaced; 0: not
+-1 in any of them leaves it to the encoder. Two parameters alone use the settings of the latest call with all.)",
+     R"(A container: the image, its size, and for images that hosts can't show (all but JPEG, BMP, PNG and TIFF)
+a JPEG preview.)",
+     "$CODE:MESSAGE as the result:\n20100  neither 2 nor 11 parameters\n20101  no type code\n"
+     "20102  the type is no text\n-2005  no encoder for the type, or no decoder for the data\n"
+     "-8969  the data of the image are broken\nother codes of files, decoders and encoders",
+     R"(Media_ConvertImage ( "/C:/home/ann/a.tif" ; "JPEG" ; -1 ; -1 ; -1 ; 100000 ; -1 ; 2 ; -1 ; -1 ; -1 ))"},
+    {"Media_ListImageOutputTypes", "The types that images can be converted to.", "",
+     "Text: a line TYPE|EXTENSION|DESCRIPTION for each.",
+     "$20100:MESSAGE as the result: there are parameters", R"(Media_ListImageOutputTypes)"},
     {"Media_GetImageInfo", "The facts of an image, from its header alone.",
      "container   a container with an image or a reference to one, or the path of an image file as text",
      R"(Text: an information list (see Media_ExtractInfo) with the lines
