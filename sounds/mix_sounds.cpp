@@ -6,6 +6,7 @@
 #include "plugin/host_data.h"
 #include "sounds/mix_samples.h"
 #include "sounds/sample_block.h"
+#include "sounds/sample_format.h"
 #include "sounds/sound_parameter.h"
 #include "sounds/sound_results.h"
 #include "sounds/sound_track.h"
@@ -44,6 +45,7 @@ std::int32_t AddMixed(Media first, Media second, Media output) {
     for (const TimeValue end = std::max(first_frames, second_frames); at < end; at += block1.Frames()) {
         const std::int32_t code = block1.Read(longer, at, std::min(kBlockFrames, end - at));
         if (code != 0) return code;
+        if (block1.Format() != kSowtFormat) return kErrorNotImplemented; // the description changed on the way
         const SampleBlock& like = block2.Frames() > 0 ? block2 : block1;
         if (const std::int32_t added = block1.AddTo(output, like); added != 0) return added;
     }
