@@ -42,13 +42,18 @@ bool Sniff(std::span<const std::byte> head) {
     });
 }
 
+/// The layout of an image whose samples begin within the data.
+ComponentResult ReadStoredLayout(TIFF* tiff, const DataSource& source, TiffLayout& layout) {
+    if (const auto code = ReadTiffLayout(tiff, layout); code != noErr) return code;
+    return TIFFGetStrileOffset(tiff, 0) < source.GetSize() ? ComponentResult{noErr} : codecBadDataErr;
+}
+
 ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
     const TiffFile file(source);
     TIFF* tiff = file.Get();
     if (tiff == nullptr) return codecBadDataErr;
     TiffLayout layout;
-    if (const auto code = ReadTiffLayout(tiff, layout); code != noErr) return code;
-    if (TIFFGetStrileOffset(tiff, 0) >= source.GetSize()) return codecBadDataErr;
+    if (const auto code = ReadStoredLayout(tiff, source, layout); code != noErr) return code;
     ImageDescription& description = facts.description;
     description.cType = Code("tiff");
     description.name = Name("TIFF");
@@ -71,7 +76,7 @@ ComponentResult Decode(DataSource& source, std::uint32_t index, PixelImage& imag
     if (index > 1 && TIFFSetDirectory(tiff, index - 1) == 0) return paramErr;
     TiffLayout layout;
     ImageDescription description;
-    if (const auto code = ReadTiffLayout(tiff, layout); code != noErr) return code;
+    if (const auto code = ReadStoredLayout(tiff, source, layout); code != noErr) return code;
     if (const auto code = SetDimensions(description, layout.width, layout.height); code != noErr) return code;
     const std::uint32_t pixels_per_byte =
         layout.compression == COMPRESSION_NONE ? kMostPixelsOfPlainByte : kMostPixelsOfPackedByte;
