@@ -2,8 +2,8 @@
 
 #include <cstdlib>
 
-// Any data is a picture or not; one that is has pixels of the size that its header tells. Large frames are left
-// out, as they only take time to clear.
+// Any data is a picture or not; one that is has pixels of the size that its header tells. Large frames are
+// left out, as they only take time to clear.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     constexpr int kLargest = 400; // pixels either way
     const auto source = qt::MemorySource(std::as_bytes(std::span(bytes, size)));

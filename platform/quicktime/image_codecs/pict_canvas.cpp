@@ -180,8 +180,9 @@ bool Canvas::DrawMap(PixelRows& rows, const PixelMap& map, const Placement& plac
 
 void Canvas::DrawImage(const PixelImage& source, const Placement& placement) {
     image_.has_alpha |= source.has_alpha;
-    DrawRows({0, 0, source.width(), source.height()}, placement, false,
-             [&](std::int32_t row) { return source.Row(row); });
+    const Box bounds = {0, 0, source.width(), source.height()};
+    DrawRows(bounds, placement, false, [&](std::int32_t row) { return source.Row(row); });
+    budget_ -= Area(bounds); // for having been decoded; a large image may fill a small frame once
 }
 
 /// Rows and columns of the source count from its bounds' top left.
