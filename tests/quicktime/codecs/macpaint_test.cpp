@@ -64,7 +64,7 @@ TEST(MacPaint, OtherDataIsNotItsOwn) {
 TEST(MacPaint, SurvivesDamage) {
     const MadeImages images;
     const Bytes written = Written(kMacPaint, MadeImage(images, "-size 301x57 plasma:"));
-    ExpectDamageIsSurvived(qt::kMacPaintCodec, WithFileHeader(written));
+    ExpectDamageIsSurvived(qt::kMacPaintCodec, WithFileHeader(written), 100);
 }
 
 } // namespace

@@ -45,7 +45,8 @@ TEST(PictCodec, FrameAndResolution) {
     const Bytes file =
         images.MakeBytes("-size 30x20 xc:red -units PixelsPerInch -density 300x150", "dpi.pict");
     Bytes bare(file.begin() + 512, file.end());
-    Bytes repeated(bare.begin(), bare.begin() + 512); // as container streams are handed over
+    Bytes repeated = bare; // as container streams are handed over: the picture, once more in front of itself
+    repeated.resize(512);
     repeated.insert(repeated.end(), bare.begin(), bare.end());
     Bytes scaled = bare; // a frame in 72 to the inch; the size in pixels stands in the header
     scaled[7] = std::byte{10};
