@@ -13,13 +13,26 @@ bool IsContinuation(unsigned char byte) {
     return (byte & 0xC0) == 0x80;
 }
 
-// The C library's own Unicode tables. A system stripped of them maps the ASCII letters only.
+// The C library's own Unicode tables, given back when this library is unloaded. A system stripped of them
+// maps the ASCII letters only.
+class UnicodeTables {
+public:
+    UnicodeTables() : locale_(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)) {
+        if (locale_ == nullptr) locale_ = newlocale(LC_CTYPE_MASK, "C", nullptr);
+    }
+    UnicodeTables(const UnicodeTables&) = delete;
+    UnicodeTables& operator=(const UnicodeTables&) = delete;
+    ~UnicodeTables() { freelocale(locale_); }
+
+    [[nodiscard]] locale_t get() const { return locale_; }
+
+private:
+    locale_t locale_;
+};
+
 locale_t UnicodeLocale() {
-    static const locale_t locale = [] {
-        const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-        return unicode != nullptr ? unicode : newlocale(LC_CTYPE_MASK, "C", nullptr);
-    }();
-    return locale;
+    static const UnicodeTables tables;
+    return tables.get();
 }
 
 template <char32_t (*Map)(char32_t), class String, class View>
