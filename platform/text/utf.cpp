@@ -2,7 +2,6 @@
 
 #include <clocale>
 #include <cwctype>
-#include <locale.h>
 
 namespace utf {
 namespace {

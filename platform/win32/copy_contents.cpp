@@ -14,8 +14,8 @@
 namespace win32 {
 namespace {
 
-constexpr off_t kSmallFile = 64 * 1024; // read and written in one go, with the fewest system calls
-constexpr std::size_t kBufferSize = 1024 * 1024;
+constexpr off_t kSmallFile = off_t{64} * 1024; // read and written in one go, with the fewest system calls
+constexpr std::size_t kBufferSize = std::size_t{1024} * 1024;
 constexpr std::size_t kKernelStep = std::size_t{1} << 30;
 constexpr std::size_t kToEnd = SIZE_MAX;
 

@@ -36,14 +36,14 @@ HANDLE CreateFileW(const WCHAR* path, DWORD access, DWORD share, DWORD dispositi
 
 // These answer FALSE, with the last error, on failure; 6 for a handle that is none.
 
-BOOL CloseHandle(HANDLE file);
+BOOL CloseHandle(HANDLE handle);
 /// Reads at the file's position; fewer bytes than asked for, down to none, at its end.
-BOOL ReadFile(HANDLE file, void* bytes, DWORD count, DWORD* read);
+BOOL ReadFile(HANDLE handle, void* bytes, DWORD count, DWORD* done);
 /// Writes at the file's position. On failure `written` tells how much got there before (112: a full disk).
-BOOL WriteFile(HANDLE file, const void* bytes, DWORD count, DWORD* written);
+BOOL WriteFile(HANDLE handle, const void* bytes, DWORD count, DWORD* written);
 /// Moves the position, which `position` (may be null) receives. 87 for a place before the start.
-BOOL SetFilePointerEx(HANDLE file, LARGE_INTEGER distance, LARGE_INTEGER* position, DWORD method);
-BOOL GetFileSizeEx(HANDLE file, LARGE_INTEGER* size);
+BOOL SetFilePointerEx(HANDLE handle, LARGE_INTEGER distance, LARGE_INTEGER* position, DWORD method);
+BOOL GetFileSizeEx(HANDLE handle, LARGE_INTEGER* size);
 
 namespace win32 {
 

@@ -125,14 +125,15 @@ UnixPath FindEntry(const std::string& folder, const std::vector<std::u16string_v
     for (std::size_t i = 0; i < names.size(); ++i) {
         const std::string parent = result.path;
         std::string name = ToUnixName(names[i]);
-        result.path = parent + "/" + name;
+        result.path.append("/").append(name);
         int error = LookUp(result);
         if (error == ENOENT) {
             result.error = FindIgnoringCase(parent, name);
             if (result.error == ERROR_FILE_NOT_FOUND && i + 1 < names.size())
                 result.error = ERROR_PATH_NOT_FOUND;
             if (result.error != ERROR_SUCCESS) return result;
-            result.path = parent + "/" + name;
+            result.path.resize(parent.size() + 1);
+            result.path.append(name);
             error = LookUp(result);
         }
         if (error != 0) {
