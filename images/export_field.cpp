@@ -93,7 +93,7 @@ public:
     OpenTarget& operator=(const OpenTarget&) = delete;
     ~OpenTarget() { native::CloseFile(number_); }
 
-    std::int32_t Write(std::int64_t offset, std::span<const std::byte> bytes) {
+    [[nodiscard]] std::int32_t Write(std::int64_t offset, std::span<const std::byte> bytes) const {
         return native::WriteFile(number_, native::PositionMode::kFromStart, offset, bytes).code;
     }
 
@@ -101,7 +101,7 @@ private:
     native::FileNumber number_;
 };
 
-std::int32_t WriteStream(const Content& content, OpenTarget& file) {
+std::int32_t WriteStream(const Content& content, const OpenTarget& file) {
     const std::uint32_t size = Host(FM_BinaryData_GetSize, content.container, content.stream);
     std::vector<std::byte> piece(std::min(size, kPieceSize));
     for (std::uint32_t offset = 0; offset < size;) {
@@ -115,7 +115,7 @@ std::int32_t WriteStream(const Content& content, OpenTarget& file) {
     return 0;
 }
 
-std::int32_t WriteContent(const Content& content, OpenTarget& file) {
+std::int32_t WriteContent(const Content& content, const OpenTarget& file) {
     if (content.container != nullptr) return WriteStream(content, file);
     if (content.picture) return file.Write(0, qt::HandleBytes(content.picture.get()));
     return file.Write(0, std::as_bytes(std::span(content.text)));
@@ -130,7 +130,7 @@ void WriteTarget(const Content& content, XFileSpec folder) {
     const native::OpenedFile opened = native::OpenFile(created.path, native::Permission::kWrite);
     std::int32_t code = opened.code;
     if (code == 0) {
-        OpenTarget file(opened.number);
+        const OpenTarget file(opened.number);
         code = WriteContent(content, file);
     }
     if (code != 0) ReportError(code, "Could not write to file (disk space, permissions)");

@@ -11,7 +11,7 @@ constexpr int kOctaves = 8;
 
 // Five significant digits of the equal temperament around A4 = 440 Hz; a row is an octave from C up.
 // clang-format off
-constexpr std::array<float, kSemitones * kOctaves> kFrequencies = {
+constexpr std::array<float, std::size_t{kSemitones} * kOctaves> kFrequencies = {
     32.703F, 34.648F, 36.708F, 38.891F, 41.203F, 43.654F, 46.249F, 48.999F, 51.913F, 55.0F, 58.27F, 61.735F,
     65.406F, 69.296F, 73.416F, 77.782F, 82.407F, 87.307F, 92.499F, 97.999F, 103.83F, 110.0F, 116.54F, 123.47F,
     130.81F, 138.59F, 146.83F, 155.56F, 164.81F, 174.61F, 185.0F, 196.0F, 207.65F, 220.0F, 233.08F, 246.94F,
