@@ -27,7 +27,7 @@ double ToDouble(std::int64_t fixed) {
 struct Silence {
     double phase;
 
-    std::int16_t Next() { return 0; }
+    static std::int16_t Next() { return 0; }
 };
 
 /// Position (an angle, or a time) advances by repeated addition, whose rounding the samples show.
@@ -77,7 +77,7 @@ struct Sawtooth {
 struct Noise {
     double phase;
 
-    std::int16_t Next() {
+    static std::int16_t Next() {
         g_noise_state = g_noise_state * 214013U + 2531011U;
         const auto value = static_cast<std::uint16_t>(g_noise_state >> 16 & 0x7FFFU);
         return static_cast<std::int16_t>(InOrder<std::endian::big>(value)); // goes out low byte first

@@ -68,6 +68,7 @@ std::vector<Rect> RegionRectangles(RgnHandle region) {
     int count = 0;
     const pixman_box32_t* boxes = pixman_region32_rectangles(&region->pixels, &count);
     std::vector<Rect> rectangles;
+    rectangles.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
         rectangles.push_back({static_cast<std::int16_t>(boxes[i].y1), static_cast<std::int16_t>(boxes[i].x1),
                               static_cast<std::int16_t>(boxes[i].y2),
