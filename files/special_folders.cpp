@@ -16,7 +16,7 @@ namespace {
 constexpr DWORD kPathCapacity = 4096;
 constexpr std::size_t kRootLength = 3; // "C:\"
 
-// Sets the specification to the first `kept` units of the path that the platform's operation answers.
+// Sets `spec` to the first `kept` units of the path that the platform's operation answers.
 template <class Query>
 std::int32_t SetFromQuery(XFileSpec& spec, Query query, std::size_t kept = std::u16string_view::npos) {
     std::array<WCHAR, kPathCapacity> path;
