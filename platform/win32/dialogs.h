@@ -1,5 +1,5 @@
-// The open-file, folder-browse and settings dialogs. Without windows they take the session's next answer:
-// "file:NATIVE-PATH", "folder:NATIVE-PATH", "set:KEY=VALUE,…"; any other answer, and none, is a Cancel.
+// The open-file and folder-browse dialogs. Without windows they take the session's next answer:
+// "file:NATIVE-PATH", "folder:NATIVE-PATH"; any other answer, and none, is a Cancel.
 #pragma once
 
 #include "platform/win32/types.h"
@@ -41,9 +41,5 @@ namespace win32 {
 
 /// Native path of the folder that the user chose; nullopt on Cancel.
 std::optional<std::u16string> BrowseForFolder(const BROWSEINFOW& dialog);
-
-/// What the user changed in a dialog of named settings before confirming it: "KEY=VALUE,KEY=VALUE", empty for
-/// nothing (also the answer "ok"); nullopt on Cancel.
-std::optional<std::string> AskForSettings();
 
 } // namespace win32
