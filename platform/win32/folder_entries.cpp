@@ -10,7 +10,8 @@
 namespace win32 {
 namespace {
 
-constexpr std::size_t kBufferSize = std::size_t{128} * 1024;
+// Small enough that the allocator keeps it: a fresh mapping for every folder costs more than the reading.
+constexpr std::size_t kBufferSize = std::size_t{32} * 1024;
 
 bool IsSelfOrParent(const char* name) {
     return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
@@ -18,19 +19,19 @@ bool IsSelfOrParent(const char* name) {
 
 } // namespace
 
-FolderReader::FolderReader() : buffer_(kBufferSize) {}
+FolderReader::FolderReader() : buffer_(std::make_unique_for_overwrite<std::byte[]>(kBufferSize)) {}
 
 std::span<const FolderEntry> FolderReader::NextBlock(int folder) {
     entries_.clear();
     error_ = 0;
     while (entries_.empty()) { // a block can hold "." and ".." alone
-        const ssize_t size = getdents64(folder, buffer_.data(), buffer_.size());
+        const ssize_t size = getdents64(folder, buffer_.get(), kBufferSize);
         if (size < 0) error_ = errno;
         if (size <= 0) break;
         for (std::size_t offset = 0; offset < static_cast<std::size_t>(size);) {
             std::uint16_t length = 0;
             FolderEntry entry{};
-            const std::byte* record = buffer_.data() + offset;
+            const std::byte* record = buffer_.get() + offset;
             std::memcpy(&entry.inode, record + offsetof(dirent64, d_ino), sizeof entry.inode);
             std::memcpy(&length, record + offsetof(dirent64, d_reclen), sizeof length);
             std::memcpy(&entry.type, record + offsetof(dirent64, d_type), sizeof entry.type);

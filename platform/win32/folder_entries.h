@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -28,7 +29,7 @@ public:
     [[nodiscard]] int error() const { return error_; }
 
 private:
-    std::vector<std::byte> buffer_;
+    std::unique_ptr<std::byte[]> buffer_;
     std::vector<FolderEntry> entries_;
     int error_ = 0;
 };

@@ -5,6 +5,7 @@
 #include "plugin/host_data.h"
 #include "plugin/results.h"
 #include "tests/plugin/started_host.h"
+#include "tests/support/fake_host.h"
 #include "tests/support/made_images.h"
 
 #include <gtest/gtest.h>
@@ -90,6 +91,43 @@ TEST(HostFailure, EndsACallWithItsCodeAndNothingElse) {
              {91, {image, text("PNGf")}, ""},
              {91, {image, text("GIFf")}, ""},
              {91, {text("nothing"), text("PNG")}, wrong_code}}) {
+        SCOPED_TRACE(testing::PrintToString(example.id));
+        SweepFailures(host, example, kFM_StatusNoMemory);
+        SweepFailures(host, example, kFM_StatusFailed);
+    }
+}
+
+TEST(HostFailure, LeavesFileFunctionsInOrder) {
+    test::StartedHost host;
+    test::ScratchDrives drives;
+    drives.Map("C:", "c");
+    drives.MakeFile("c/a.txt", "abc");
+    drives.MakeFile("c/folder/x");
+    const auto text = [](std::string_view utf8) { return test::TextValue(utf8); };
+    const FM_Data yes = test::NumberValue("1");
+    const FM_Data no = test::NumberValue("0");
+    for (const Example& example : std::initializer_list<Example>{
+             {51, {text("exported"), text("/C:/out"), yes}, ""},
+             {51,
+              {text("exported"), text("/C:/folder"), yes},
+              "$-1302:Target must specify a file, not a directory"},
+             {64, {text("/C:/folder")}, ""},
+             {65, {}, "/C:/folder"},
+             {66, {text("/C:/a.txt"), text("/C:/b.txt"), yes}, ""},
+             {67, {text("/C:/none"), text("/C:/folder")}, "$-43:Source item not found"},
+             {68, {text("/C:/folder"), no}, "$-1302:folderFlag must be set to delete a directory"},
+             {69, {text("/C:/none"), text("other")}, "$-43:RenameItem failed"},
+             {70, {text("/C:/"), text("folder")}, "$183:CreateFolder failed"},
+             {71, {text("/C:/folder"), yes}, "x"},
+             {72, {text("/C:/none")}, "$-43:ItemInfo failed"},
+             {73, {text("/C:/a.txt"), text("/C:/link")}, ""},
+             {74, {text("/C:/none")}, "$-43:OpenItem failed"},
+             {75, {}, "C:\\"},
+             {76, {text("/C:/folder/x"), yes}, "/C:/folder"},
+             {77, {text("/C:/a.txt")}, "a.txt"},
+             {94, {text("/C:/a.txt"), no, yes}, "abc"},
+             {94, {text("/C:/a.txt"), no, no}, "filewin:/C:/a.txt"},
+             {94, {text("http://"), yes, no}, "$0:Source must be a file to import by reference"}}) {
         SCOPED_TRACE(testing::PrintToString(example.id));
         SweepFailures(host, example, kFM_StatusNoMemory);
         SweepFailures(host, example, kFM_StatusFailed);
