@@ -89,24 +89,12 @@ Encoded Encode(const FM_Data* parameter, std::uint32_t type) {
     return {};
 }
 
-/// The preview of an encoded image; nothing when it can't be opened, which is reported.
-std::optional<Preview> PreviewOf(const Encoded& encoded) {
-    ComponentInstance opened = nullptr;
-    const OSErr code = OpenADefaultComponent(qt::kGraphicsImporter, encoded.type, &opened);
-    const qt::OpenComponent importer(opened);
-    if (code != noErr) {
-        ReportError(code, "Could not find QT importer for this type.");
-        return std::nullopt;
-    }
-    GraphicsImportSetDataHandle(importer.get(), encoded.data.get());
-    return MakePreview(importer.get());
-}
-
 void SetResult(const Encoded& encoded, FM_Data& result) {
     constexpr std::array<std::uint32_t, 4> kShownByHosts = {FourCC("JPEG"), FourCC("BMPf"), FourCC("PNGf"),
                                                             FourCC("TIFF")};
     const bool shown = std::ranges::find(kShownByHosts, encoded.type) != kShownByHosts.end();
-    const std::optional<Preview> preview = shown ? std::nullopt : PreviewOf(encoded);
+    const std::optional<Preview> preview =
+        shown ? std::nullopt : MakePreviewOf(encoded.type, encoded.data.get());
     const bool is_picture = encoded.type == FourCC("PICT") || encoded.type == FourCC("pict");
     const BinaryData container(Host(FM_BinaryData_Constructor1));
     const std::span<const std::byte> bytes = qt::HandleBytes(encoded.data.get());

@@ -1,8 +1,10 @@
 // A drawing surface of 32-bit pixels: red, green, blue and a fourth byte that is always 0.
 //
 // Coordinates are pixel indices from (0, 0) at the top left, bounds are inclusive. Drawing never fails: what
-// lies outside the surface isn't painted. The encoder that makes a JPEG image of a surface stands apart.
+// lies outside the surface isn't painted.
 #pragma once
+
+#include "plugin/host_data.h"
 
 #include <array>
 #include <cstddef>
@@ -54,6 +56,11 @@ using PixelBufferHandle = std::unique_ptr<IPixelBuffer, PixelBufferReleaser>;
 
 /// -50 without a place for the result, -108 as for Allocate.
 std::int32_t CreatePixelBuffer(std::uint32_t width, std::uint32_t height, PixelBufferHandle* result);
+
+/// Makes a JPEG image of the surface the result: streams "JPEG", in the highest lossy quality, and "SIZE".
+/// Answers a code without a message, and leaves the result alone, when that fails: -50 without a buffer or
+/// for one without pixels, -108, or what the encoder or the host answers.
+std::int32_t EncodePixelBufferAsJPEG(FM_Data& result, IPixelBuffer* buffer);
 
 class CPixelBuffer final : public IPixelBuffer {
 public:

@@ -81,6 +81,18 @@ Preview MakePreview(GraphicsImportComponent importer) {
     return preview;
 }
 
+std::optional<Preview> MakePreviewOf(OSType type, Handle data) {
+    ComponentInstance opened = nullptr;
+    const OSErr code = OpenADefaultComponent(qt::kGraphicsImporter, type, &opened);
+    const qt::OpenComponent importer(opened);
+    if (code != noErr) {
+        ReportError(code, "Could not find QT importer for this type.");
+        return std::nullopt;
+    }
+    GraphicsImportSetDataHandle(opened, data);
+    return MakePreview(opened);
+}
+
 void AddPreview(FM_BinaryData* container, const Preview& preview) {
     AddSizeStream(container, preview.bounds.right, preview.bounds.bottom);
     if (preview.jpeg) AddStream(container, FourCC("JPEG"), qt::HandleBytes(preview.jpeg.get()));

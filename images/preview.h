@@ -5,6 +5,7 @@
 #include "plugin/host_data.h"
 
 #include <array>
+#include <optional>
 
 namespace corvane {
 
@@ -17,6 +18,10 @@ struct Preview {
 /// region. It stands apart from adding it, so that the decoded picture is gone before large streams are
 /// copied.
 Preview MakePreview(GraphicsImportComponent importer);
+
+/// The preview of an encoded image, a file of that type. Nothing when it can't be opened and that is
+/// reported.
+std::optional<Preview> MakePreviewOf(OSType type, Handle data);
 
 /// Appends a "SIZE" stream and, when there is a picture, a "JPEG" stream.
 void AddPreview(FM_BinaryData* container, const Preview& preview);

@@ -15,7 +15,15 @@ ComponentResult WithExporter(GraphicsExportComponent instance, Act act) {
     return act(*exporter);
 }
 
-ComponentResult Encode(const GraphicsExporter& exporter, EncodedBytes& out) {
+ComponentResult EncodePort(const GraphicsExporter& exporter, EncodedBytes& out) {
+    const GWorld& port = *exporter.input_port;
+    if (port.base == nullptr) return exporter.format.encode(port.pixels, exporter.settings, out);
+    PixelImage shown;
+    const auto code = CopyShownPixels(port, shown);
+    return code == noErr ? exporter.format.encode(shown, exporter.settings, out) : code;
+}
+
+ComponentResult EncodeDrawing(const GraphicsExporter& exporter, EncodedBytes& out) {
     ImageDescription description;
     const auto description_code = GraphicsImportGetImageDescription(exporter.input, &description);
     if (description_code != noErr) return description_code;
@@ -47,6 +55,16 @@ ComponentResult GraphicsExportSetInputGraphicsImporter(GraphicsExportComponent i
                                                        GraphicsImportComponent importer) {
     return qt::WithExporter(instance, [&](qt::GraphicsExporter& exporter) {
         exporter.input = importer;
+        exporter.input_port = nullptr;
+        return noErr;
+    });
+}
+
+ComponentResult GraphicsExportSetInputGWorld(GraphicsExportComponent instance, GWorldPtr port) {
+    return qt::WithExporter(instance, [&](qt::GraphicsExporter& exporter) -> ComponentResult {
+        if (port == nullptr || (port->pixels.width() == 0 && port->base == nullptr)) return paramErr;
+        exporter.input = nullptr;
+        exporter.input_port = port;
         return noErr;
     });
 }
@@ -107,10 +125,12 @@ ComponentResult GraphicsExportSetDontRecompress(GraphicsExportComponent instance
 
 ComponentResult GraphicsExportDoExport(GraphicsExportComponent instance, std::uint64_t* written) {
     return qt::WithExporter(instance, [&](qt::GraphicsExporter& exporter) -> ComponentResult {
-        if (exporter.input == nullptr || exporter.output == nullptr) return paramErr;
+        const bool has_port = exporter.input_port != nullptr;
+        if ((exporter.input == nullptr && !has_port) || exporter.output == nullptr) return paramErr;
         try {
             qt::EncodedBytes bytes;
-            if (const auto code = qt::Encode(exporter, bytes); code != noErr) return code;
+            const auto code = has_port ? qt::EncodePort(exporter, bytes) : qt::EncodeDrawing(exporter, bytes);
+            if (code != noErr) return code;
             *written = bytes.size();
             return qt::SetHandleBytes(exporter.output, bytes);
         } catch (const std::bad_alloc&) {

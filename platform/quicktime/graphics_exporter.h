@@ -5,6 +5,7 @@
 #pragma once
 
 #include "platform/quicktime/graphics_importer.h"
+#include "platform/quicktime/ports.h"
 
 #include <string>
 
@@ -12,17 +13,19 @@ using GraphicsExportComponent = ComponentInstance;
 
 inline constexpr OSErr userCanceledErr = -128;
 
-/// The importer whose drawing is exported, and the block that becomes the file, whatever it held. Both stay
-/// the caller's and must outlive the export.
+/// The importer whose drawing is exported, or the port whose pixels are (paramErr for one without pixels),
+/// and the block that becomes the file, whatever it held. All stay the caller's and must outlive the export.
+/// The input that was set last counts.
 ComponentResult GraphicsExportSetInputGraphicsImporter(GraphicsExportComponent exporter,
                                                        GraphicsImportComponent importer);
+ComponentResult GraphicsExportSetInputGWorld(GraphicsExportComponent exporter, GWorldPtr port);
 ComponentResult GraphicsExportSetOutputHandle(GraphicsExportComponent exporter, Handle output);
 
 /// Bits per pixel: 1, 2, 4, 8, 16, 24, 32; 33, 34, 36 and 40 for 1, 2, 4 and 8 bits of grey. paramErr for
 /// others.
 ComponentResult GraphicsExportSetDepth(GraphicsExportComponent exporter, std::int32_t depth);
-/// Dots per inch; without them, those of the source. paramErr for a horizontal one that is not positive; a
-/// vertical one that is not positive becomes the horizontal one.
+/// Dots per inch; without them, those of the source (72 for a port). paramErr for a horizontal one that is
+/// not positive; a vertical one that is not positive becomes the horizontal one.
 ComponentResult GraphicsExportSetResolution(GraphicsExportComponent exporter, Fixed horizontal,
                                             Fixed vertical);
 /// Bytes that the file should not exceed; goes before the quality.

@@ -12,7 +12,8 @@ public:
 
     const ImageExporter& format;
     ExportSettings settings;
-    GraphicsImportComponent input = nullptr;
+    GraphicsImportComponent input = nullptr; ///< null: the port is the input
+    GWorldPtr input_port = nullptr;
     Handle output = nullptr;
     bool dont_recompress = false;
 };

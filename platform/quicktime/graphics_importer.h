@@ -6,7 +6,7 @@
 // codecSizeErr, an importer without data invalidDataRef.
 //
 // A new importer stands at the first image of its data, with the whole image as its source rectangle and no
-// clip region.
+// clip region, and draws into the port that is current when it draws.
 #pragma once
 
 #include "platform/quicktime/components.h"
@@ -14,6 +14,7 @@
 #include "platform/quicktime/image_description.h"
 #include "platform/quicktime/movies/atom_containers.h"
 #include "platform/quicktime/pixel_image.h"
+#include "platform/quicktime/ports.h"
 #include "platform/quicktime/regions.h"
 #include "platform/quicktime/user_data.h"
 
@@ -61,6 +62,12 @@ ComponentResult GraphicsImportGetSourceRect(GraphicsImportComponent importer, Re
 /// Pixels outside the region, which is copied, stay unpainted; null: none do. The source rectangle's corner
 /// is the region's origin.
 ComponentResult GraphicsImportSetClip(GraphicsImportComponent importer, RgnHandle region);
+
+/// The port that is drawn into, which stays the caller's; null: the current one.
+ComponentResult GraphicsImportSetGWorld(GraphicsImportComponent importer, GWorldPtr port);
+/// Draws at the port's origin. Pixels are replaced, their alpha too; those of the port that the drawing
+/// doesn't reach stay as they are. paramErr when there is no port or it has no pixels of its own.
+ComponentResult GraphicsImportDraw(GraphicsImportComponent importer);
 
 /// The types that images can be exported to: for each an 'expo' atom with the atoms 'ftyp' (the type, four
 /// bytes), 'ext ' (of file names) and 'desc' (a name for people).

@@ -26,7 +26,9 @@ public:
     ComponentResult SetSourceRect(const Rect* rectangle);
     ComponentResult GetSourceRect(Rect& rectangle);
     ComponentResult SetClip(RgnHandle region);
+    void SetPort(GWorldPtr port) { port_ = port; }
     ComponentResult Draw(PixelImage& image);
+    ComponentResult DrawIntoPort();
     [[nodiscard]] bool DrawsAll() const { return index_ == 1 && !source_rect_ && clip_ == nullptr; }
 
 private:
@@ -40,6 +42,7 @@ private:
     std::uint32_t index_ = 1;
     std::optional<Rect> source_rect_;
     OwnedRegion clip_;
+    GWorldPtr port_ = nullptr; ///< null: the current one
     PixelImage
         decoded_; ///< of an image other than the first, until it is drawn: only decoding tells its size
 };

@@ -38,6 +38,25 @@ ComponentResult WhitenOutside(PixelImage& image, RgnHandle clip) {
     return noErr;
 }
 
+/// Puts an image into another with its corner at that place, as far as it lies within.
+void Place(PixelImage image, std::int32_t left, std::int32_t top, PixelImage& into) {
+    const bool covers =
+        left == 0 && top == 0 && image.width() == into.width() && image.height() == into.height();
+    if (covers) {
+        into = std::move(image);
+        return;
+    }
+    const std::int32_t first_x = std::max(0, -left);
+    const std::int32_t end_x = std::min(image.width(), into.width() - left);
+    const std::int32_t end_y = std::min(image.height(), into.height() - top);
+    if (first_x >= end_x) return;
+    for (std::int32_t y = std::max(0, -top); y < end_y; ++y) {
+        std::copy(image.Row(y) + first_x, image.Row(y) + end_x, into.Row(top + y) + left + first_x);
+    }
+    into.has_alpha |= image.has_alpha;
+    into.is_grey &= image.is_grey;
+}
+
 } // namespace
 
 void GraphicsImporter::SetSource(std::unique_ptr<DataSource> source, DataReference reference) {
@@ -130,6 +149,17 @@ ComponentResult GraphicsImporter::Draw(PixelImage& image) {
     return clip_ != nullptr ? WhitenOutside(image, clip_.get()) : ComponentResult{noErr};
 }
 
+ComponentResult GraphicsImporter::DrawIntoPort() {
+    GWorldPtr port = port_;
+    if (port == nullptr) GetGWorld(&port);
+    if (port == nullptr || port->pixels.width() == 0) return paramErr;
+    PixelImage image;
+    if (const auto code = Draw(image); code != noErr) return code;
+    const Rect corner = source_rect_.value_or(Rect{});
+    Place(std::move(image), corner.left - port->bounds.left, corner.top - port->bounds.top, port->pixels);
+    return noErr;
+}
+
 ComponentResult DrawImporter(GraphicsImportComponent instance, PixelImage& image) {
     auto* importer = dynamic_cast<GraphicsImporter*>(instance);
     if (importer == nullptr) return kBadComponentInstance;
@@ -172,4 +202,21 @@ ComponentResult GraphicsImportGetSourceRect(GraphicsImportComponent instance, Re
 ComponentResult GraphicsImportSetClip(GraphicsImportComponent instance, RgnHandle region) {
     auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
     return importer != nullptr ? importer->SetClip(region) : kBadComponentInstance;
+}
+
+ComponentResult GraphicsImportSetGWorld(GraphicsImportComponent instance, GWorldPtr port) {
+    auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
+    if (importer == nullptr) return kBadComponentInstance;
+    importer->SetPort(port);
+    return noErr;
+}
+
+ComponentResult GraphicsImportDraw(GraphicsImportComponent instance) {
+    auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
+    if (importer == nullptr) return kBadComponentInstance;
+    try {
+        return importer->DrawIntoPort();
+    } catch (const std::bad_alloc&) {
+        return memFullErr;
+    }
 }

@@ -1,5 +1,9 @@
 #include "images/pixel_buffer.h"
 
+#include "images/streams.h"
+#include "platform/fmwrapper/objects.h"
+#include "platform/quicktime/image_codecs/codec.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -135,6 +139,31 @@ TEST(PixelBuffer, LinesKeepThePenAndSkipTheOutside) {
     other->MoveTo(-3, 1);
     other->LineTo(9, 1);
     EXPECT_EQ(Painted(*other), (Points{{0, 1}, {1, 1}, {2, 1}, {3, 1}, {4, 1}}));
+}
+
+TEST(PixelBuffer, BecomesAJpegImage) {
+    const PixelBufferHandle buffer = Create(403, 100);
+    buffer->SetColor(200, 30, 60);
+    buffer->FillRect(300, 0, 402, 99);
+    FM_Data result;
+    EXPECT_EQ(EncodePixelBufferAsJPEG(result, nullptr), -50);
+    EXPECT_EQ(EncodePixelBufferAsJPEG(result, Create(0, 5).get()), -50);
+    EXPECT_NE(result.Type(), kFM_TypeContainer);
+    ASSERT_EQ(EncodePixelBufferAsJPEG(result, buffer.get()), 0);
+    const FM_BinaryData* container = Host(FM_Data_GetBinaryData, &result);
+    EXPECT_EQ(Host(FM_BinaryData_GetCount, container), 2);
+    const qt::MemoryHandle size = GetStreamData(container, FourCC("SIZE"));
+    EXPECT_EQ(std::string_view(*size.get(), 4), std::string_view("\x01\x93\x00\x64", 4));
+    const qt::MemoryHandle jpeg = GetStreamData(container, FourCC("JPEG"));
+    qt::PixelImage image;
+    ASSERT_EQ(qt::kJpegCodec.decode(*qt::MemorySource(qt::HandleBytes(jpeg.get())), 1, image), noErr);
+    ASSERT_EQ(image.width(), 403);
+    ASSERT_EQ(image.height(), 100);
+    EXPECT_EQ(image.Row(50)[100], qt::Pixel(255, 255, 255));
+    const std::uint32_t red = image.Row(50)[390];
+    EXPECT_NEAR(static_cast<double>(qt::Red(red)), 200, 3);
+    EXPECT_NEAR(static_cast<double>(qt::Green(red)), 30, 3);
+    EXPECT_NEAR(static_cast<double>(qt::Blue(red)), 60, 3);
 }
 
 } // namespace

@@ -117,6 +117,35 @@ TEST_F(GraphicsExporters, PassDataOnOnlyWhenAllOfItIsDrawn) {
     EXPECT_FALSE(same());
 }
 
+TEST_F(GraphicsExporters, TakeThePixelsOfAPort) {
+    Open("-size 4x3 xc:red -fill blue -draw 'point 3,2'", "png32:a.png", kPng, kPng);
+    GWorldPtr made = nullptr;
+    ASSERT_EQ(NewGWorld(&made, 32, {10, 20, 15, 26}), noErr);
+    const qt::OwnedGWorld port(made);
+    made->pixels.Fill(qt::Pixel(1, 2, 3));
+    EXPECT_EQ(GraphicsImportDraw(importer_.get()), paramErr) << "no port";
+    ASSERT_EQ(GraphicsImportSetGWorld(importer_.get(), made), noErr);
+    ASSERT_EQ(GraphicsImportDraw(importer_.get()), noErr);
+    EXPECT_EQ(made->pixels.Row(0)[0], qt::Pixel(1, 2, 3)) << "the drawing lies at the origin";
+    made->bounds = {-1, -2, 4, 4};
+    ASSERT_EQ(GraphicsImportDraw(importer_.get()), noErr);
+    ASSERT_EQ(GraphicsExportSetInputGWorld(exporter_.get(), made), noErr);
+    const qt::PixelImage image = Exported();
+    ASSERT_EQ(image.width(), 6);
+    ASSERT_EQ(image.height(), 5);
+    EXPECT_EQ(image.Row(0)[2], qt::Pixel(1, 2, 3));
+    EXPECT_EQ(image.Row(1)[1], qt::Pixel(1, 2, 3));
+    EXPECT_EQ(image.Row(1)[2], qt::Pixel(255, 0, 0));
+    EXPECT_EQ(image.Row(3)[5], qt::Pixel(0, 0, 255));
+
+    ASSERT_EQ(NewGWorld(&made, 16, {0, 0, 4, 4}), noErr);
+    const qt::OwnedGWorld without_pixels(made);
+    EXPECT_EQ(GraphicsExportSetInputGWorld(exporter_.get(), made), paramErr);
+    const qt::CurrentPort current(port.get());
+    ASSERT_EQ(GraphicsImportSetGWorld(importer_.get(), nullptr), noErr);
+    EXPECT_EQ(GraphicsImportDraw(importer_.get()), noErr) << "the current port";
+}
+
 TEST_F(GraphicsExporters, FailWithoutTouchingTheOutput) {
     Open("-size 40x30 plasma:", "png24:a.png", kPng, kPng);
     std::uint64_t size = 7;
