@@ -1,0 +1,27 @@
+# Completion of corvane for bash.
+_corvane() {
+    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
+    local commands='eval functions about help'
+    local options='--plugin --database --drive --interface-version --host-version --ui --answer --json --raw
+        --save-streams --strict --progress --help'
+    COMPREPLY=()
+    case $before in
+    --ui) COMPREPLY=($(compgen -W 'auto none gtk' -- "$word")) && return ;;
+    --progress) COMPREPLY=($(compgen -W 'auto always never' -- "$word")) && return ;;
+    --answer) COMPREPLY=($(compgen -W 'ok cancel file: folder: set:' -- "$word")) && return ;;
+    --plugin | --database) compopt -o default && return ;;
+    --save-streams) compopt -o dirnames && return ;;
+    help)
+        COMPREPLY=($(compgen -W "$("${COMP_WORDS[0]}" functions 2>/dev/null | cut -f 2)" -- "$word"))
+        return
+        ;;
+    esac
+    if [[ $word == -* ]]; then
+        COMPREPLY=($(compgen -W "$options" -- "$word"))
+    elif ((COMP_CWORD == 1)); then
+        COMPREPLY=($(compgen -W "$commands" -- "$word"))
+    else
+        compopt -o default
+    fi
+}
+complete -F _corvane corvane
