@@ -1,11 +1,10 @@
 #include "sounds/wave_samples.h"
 
-#include "files/data_reference.h"
 #include "files/movie_file.h"
 #include "platform/quicktime/movie_exporters/movie_exporter.h"
-#include "platform/quicktime/movies/movie_files.h"
 #include "platform/quicktime/movies/sound_description.h"
 #include "plugin/errors.h"
+#include "sounds/export_movie.h"
 #include "sounds/sample_block.h"
 #include "sounds/sample_format.h"
 #include "sounds/sound_track.h"
@@ -14,7 +13,6 @@ namespace corvane {
 namespace {
 
 constexpr OSType kWave = qt::Code("WAVE");
-constexpr OSType kCreator = qt::Code("TVOD");
 constexpr std::int32_t kNoExporter = -1;
 constexpr std::uint32_t kIntermediateRate = 44100U << 16;
 
@@ -42,12 +40,7 @@ std::int32_t ExportIntermediateWave(Movie movie, const XFileSpec& file) {
     if (OpenADefaultComponent(qt::kMovieExporter, kWave, &opened) != noErr) return kNoExporter;
     const qt::OpenComponent exporter(opened);
     if (const std::int32_t code = SetIntermediateSettings(opened); code != 0) return code;
-    qt::DataReference reference;
-    if (const std::int32_t code = DataReferenceOf(file, reference); code != 0) return code;
-    OSType file_type = 0;
-    if (const std::int32_t code = MovieExportGetFileType(opened, &file_type); code != 0) return code;
-    return ConvertMovieToDataRef(movie, nullptr, reference.handle.get(), reference.type, file_type, kCreator,
-                                 createMovieFileDeleteCurFile, opened);
+    return ExportMovie(opened, movie, file);
 }
 
 std::int32_t EnsureWaveSamples(Sound& sound, AcceptedSamples accepted) {
