@@ -22,12 +22,19 @@ Outcome Engine::Evaluate(std::string_view calculation) {
         outcome.value = evaluation.Value(std::get<Expression>(parsed));
         outcome.error = evaluation.Error();
         outcome.message = evaluation.Message();
+        outcome.function = evaluation.Function();
     } catch (const std::bad_alloc&) {
         outcome.value = {};
         outcome.error = kFM_ErrorOutOfMemory;
         outcome.message = "out of memory";
     }
     return outcome;
+}
+
+std::optional<ParseError> Engine::Check(std::string_view calculation) const {
+    auto parsed = Parser(calculation, *this).Parse();
+    auto* error = std::get_if<ParseError>(&parsed);
+    return error != nullptr ? std::optional(std::move(*error)) : std::nullopt;
 }
 
 FM_Error Engine::Evaluate(const std::u16string& expression, FM_Data& result) {

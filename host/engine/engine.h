@@ -2,6 +2,7 @@
 // evaluation of one calculation at a time.
 #pragma once
 
+#include "host/engine/field_source.h"
 #include "host/engine/parse_error.h"
 #include "platform/fmwrapper/host_engine.h"
 #include "platform/fmwrapper/objects.h"
@@ -18,9 +19,10 @@ namespace host {
 
 /// What became of one calculation.
 struct Outcome {
-    FM_Data value;       ///< what the calculation left, whatever the code; empty after a parse error
-    FM_Error error = 0;  ///< the first non-zero code that a handler or a helper of the host answered
-    std::string message; ///< with a code of the host's own helpers: what went wrong, for a person
+    FM_Data value;        ///< what the calculation left, whatever the code; empty after a parse error
+    FM_Error error = 0;   ///< the first non-zero code that a handler or a helper of the host answered
+    std::string message;  ///< with a code of the host's own helpers: what went wrong, for a person
+    std::string function; ///< of the plug-in, that answered the code or gave an error text; may be empty
     std::optional<ParseError> parse_error; ///< set when the text is no calculation: nothing was evaluated
 };
 
@@ -39,11 +41,15 @@ public:
     /// How much text one calculation may make in all, in UTF-16 units (1 GiB), so that none grows without
     /// bounds.
     std::size_t text_allowance = std::size_t{512} << 20;
+    /// The record whose fields are names in calculations; none: there are no fields. Not owned.
+    FieldSource* fields = nullptr;
     /// Called again and again while HostPump lets time pass.
     std::function<void()> on_idle;
 
     /// Parses and evaluates UTF-8 text; malformed bytes in text literals become U+FFFD.
     Outcome Evaluate(std::string_view calculation);
+    /// Why the text is no calculation; nullopt when it is one. Evaluates nothing.
+    [[nodiscard]] std::optional<ParseError> Check(std::string_view calculation) const;
 
     /// Refuses (kFM_ErrorWrongParameter) an id that its plug-in already uses.
     FM_Error Register(const fm::ExternalFunction& function) override;
@@ -60,6 +66,7 @@ public:
 
     /// The value of a session variable ("$name" or "$$name", lower case); made empty at first use.
     FM_Data& SessionVariable(const std::string& name);
+    void ForgetSessionVariables() { variables_.clear(); }
 
     static constexpr FM_Error kCalculationError = 1200;
 

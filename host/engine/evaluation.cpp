@@ -4,6 +4,7 @@
 #include "host/engine/builtin.h"
 #include "host/engine/comparison.h"
 #include "host/engine/engine.h"
+#include "platform/text/utf.h"
 
 #include <utility>
 
@@ -43,6 +44,12 @@ FM_Data Evaluation::ValueOf(const Literal& literal) {
 
 FM_Data Evaluation::ValueOf(const LocalVariable& variable) {
     return CopyOf(locals_[variable.slot]);
+}
+
+FM_Data Evaluation::ValueOf(const FieldReference& reference) {
+    std::string problem;
+    const FM_Data* value = engine_.fields->FieldValue(reference.field, problem);
+    return value != nullptr ? CopyOf(*value) : Fail(kFM_ErrorReading, std::move(problem));
 }
 
 FM_Data Evaluation::ValueOf(const SessionVariable& variable) {
@@ -116,7 +123,11 @@ FM_Data Evaluation::ValueOf(const ExternalCall& call) {
     environment.engine = &engine_;
     FM_Data result;
     const FM_Error code = call.function->handler(call.function->id, environment, parameters, result);
-    if (code != kFM_ErrorNone) (void)Fail(code, {});
+    const bool first_error = code != kFM_ErrorNone && error_ == kFM_ErrorNone;
+    if (first_error) (void)Fail(code, {});
+    if (first_error ||
+        (error_ == kFM_ErrorNone && result.Type() == kFM_TypeText && result.AsText().units.starts_with(u'$')))
+        function_ = utf::ToUtf8(call.function->name);
     return result;
 }
 

@@ -28,10 +28,14 @@ public:
     [[nodiscard]] Engine& GetEngine() { return engine_; }
     [[nodiscard]] FM_Error Error() const { return error_; }
     [[nodiscard]] const std::string& Message() const { return message_; }
+    /// Name of the plug-in's function that answered Error; without an error, of the latest that gave a text
+    /// with "$" in front, as error texts have. Empty when there is none.
+    [[nodiscard]] const std::string& Function() const { return function_; }
 
 private:
     static FM_Data ValueOf(const Literal& literal);
     FM_Data ValueOf(const LocalVariable& variable);
+    FM_Data ValueOf(const FieldReference& reference);
     FM_Data ValueOf(const SessionVariable& variable);
     FM_Data ValueOf(const Not& operation);
     FM_Data ValueOf(const Negation& operation);
@@ -47,6 +51,7 @@ private:
     std::size_t allowance_;
     FM_Error error_ = kFM_ErrorNone;
     std::string message_;
+    std::string function_;
 };
 
 } // namespace host

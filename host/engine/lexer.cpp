@@ -163,6 +163,9 @@ Token Lexer::Name(TokenKind kind, std::size_t prefix) {
     std::size_t end = position_ + prefix;
     while (end < source_.size() && !EndsName(source_.substr(end))) ++end;
     if (end == position_ + prefix) return Invalid("a variable needs a name");
+    const std::string_view rest = source_.substr(end);
+    if (kind == TokenKind::kName && rest.size() > 2 && rest.starts_with("::") && IsNameStart(rest[2]))
+        for (end += 2; end < source_.size() && !EndsName(source_.substr(end));) ++end;
     Token token = Make(kind, end - position_);
     token.value = LowerCase(token.text);
     return token;

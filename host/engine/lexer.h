@@ -13,7 +13,8 @@ enum class TokenKind : std::uint8_t {
     kEnd,
     kText,            ///< a literal; `value` is what it stands for
     kNumber,          ///< digits with an optional point
-    kName,            ///< letters, digits, "_" and "."; words such as "and" are names too
+    kName,            ///< letters, digits, "_" and "."; words such as "and" are names too; two with "::"
+                      ///< between them are one
     kSessionVariable, ///< "$name" or "$$name"
     kReturn,          ///< ¶
     kSymbol,          ///< an operator, bracket or separator, in its ASCII spelling ("≠" is "<>")

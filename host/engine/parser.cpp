@@ -220,6 +220,8 @@ std::optional<Expression> Parser::ParseName() {
         const auto local = std::find(locals_.rbegin(), locals_.rend(), name.value);
         if (local != locals_.rend())
             return Expression{LocalVariable{static_cast<std::size_t>(locals_.rend() - local) - 1}};
+        const auto field = engine_.fields != nullptr ? engine_.fields->FindField(name.value) : std::nullopt;
+        if (field) return Expression{FieldReference{*field}};
     }
     return ParseCall(name);
 }

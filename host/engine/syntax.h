@@ -42,6 +42,11 @@ struct LocalVariable {
     std::size_t slot;
 };
 
+/// A field of the engine's record.
+struct FieldReference {
+    std::size_t field;
+};
+
 struct SessionVariable {
     std::string name; ///< lower case, with its "$" or "$$"
 };
@@ -82,8 +87,8 @@ struct ExternalCall {
 };
 
 struct Expression {
-    std::variant<Literal, LocalVariable, SessionVariable, Not, Negation, Chain, Let, BuiltinCall,
-                 ExternalCall>
+    std::variant<Literal, LocalVariable, FieldReference, SessionVariable, Not, Negation, Chain, Let,
+                 BuiltinCall, ExternalCall>
         node;
 };
 

@@ -1,0 +1,197 @@
+#include "host/fields/connection.h"
+
+#include <algorithm>
+#include <sqlite3.h>
+#include <thread>
+#include <utility>
+
+namespace host {
+namespace {
+
+constexpr auto kPause = std::chrono::milliseconds(2);
+constexpr int kMostPauses = 60'000; // two minutes
+
+// Another process holds the file. SQLite's own waiting gets ever longer, and then loses every race against a
+// process that takes the file again and again.
+int OnBusy(void*, int times) {
+    if (times >= kMostPauses) return 0;
+    std::this_thread::sleep_for(kPause);
+    return 1;
+}
+
+// A value that is open for reading or writing in pieces.
+class OpenValue {
+public:
+    OpenValue(sqlite3* connection, const char* table, std::int64_t row, bool writable) {
+        good_ = ::sqlite3_blob_open(connection, "main", table, "bytes", row, writable ? 1 : 0, &value_) ==
+                SQLITE_OK;
+    }
+    ~OpenValue() { ::sqlite3_blob_close(value_); }
+    OpenValue(const OpenValue&) = delete;
+    OpenValue& operator=(const OpenValue&) = delete;
+
+    // Moves all bytes by `move` (value, piece, its size, its place).
+    template <class Byte, class Move>
+    bool InPieces(std::span<Byte> bytes, Move move) {
+        constexpr std::size_t kPiece = std::size_t{8} << 20;
+        std::size_t done = 0;
+        while (good_ && done < bytes.size()) {
+            const std::size_t size = std::min(kPiece, bytes.size() - done);
+            good_ = move(value_, bytes.data() + done, static_cast<int>(size), static_cast<int>(done)) ==
+                    SQLITE_OK;
+            done += size;
+        }
+        return good_;
+    }
+
+private:
+    sqlite3_blob* value_ = nullptr;
+    bool good_ = false;
+};
+
+} // namespace
+
+void Statement::Finalizer::operator()(sqlite3_stmt* statement) const {
+    ::sqlite3_finalize(statement);
+}
+
+void Statement::Bind(int parameter, std::int64_t value) {
+    ::sqlite3_bind_int64(statement_.get(), parameter, value);
+}
+
+void Statement::Bind(int parameter, double value) {
+    ::sqlite3_bind_double(statement_.get(), parameter, value);
+}
+
+void Statement::Bind(int parameter, std::string_view text) {
+    ::sqlite3_bind_text64(statement_.get(), parameter, text.data() != nullptr ? text.data() : "", text.size(),
+                          SQLITE_STATIC, SQLITE_UTF8);
+}
+
+// A value that is too large for the file leaves the parameter empty, which its column refuses.
+void Statement::BindBytes(int parameter, std::span<const std::uint8_t> bytes) {
+    if (bytes.empty()) return BindRoom(parameter, 0);
+    ::sqlite3_bind_blob64(statement_.get(), parameter, bytes.data(), bytes.size(), SQLITE_STATIC);
+}
+
+void Statement::BindRoom(int parameter, std::uint64_t size) {
+    ::sqlite3_bind_zeroblob64(statement_.get(), parameter, size);
+}
+
+void Statement::BindNothing(int parameter) {
+    ::sqlite3_bind_null(statement_.get(), parameter);
+}
+
+bool Statement::Step() {
+    const int answer = statement_ != nullptr ? ::sqlite3_step(statement_.get()) : SQLITE_MISUSE;
+    good_ = answer == SQLITE_ROW || answer == SQLITE_DONE;
+    if (answer == SQLITE_ROW) return true;
+    End();
+    return false;
+}
+
+bool Statement::Run() {
+    Step();
+    End();
+    return good_;
+}
+
+void Statement::End() {
+    ::sqlite3_reset(statement_.get());
+}
+
+bool Statement::IsNothing(int column) const {
+    return ::sqlite3_column_type(statement_.get(), column) == SQLITE_NULL;
+}
+
+bool Statement::IsInteger(int column) const {
+    return ::sqlite3_column_type(statement_.get(), column) == SQLITE_INTEGER;
+}
+
+bool Statement::IsReal(int column) const {
+    return ::sqlite3_column_type(statement_.get(), column) == SQLITE_FLOAT;
+}
+
+std::int64_t Statement::Integer(int column) const {
+    return ::sqlite3_column_int64(statement_.get(), column);
+}
+
+double Statement::Real(int column) const {
+    return ::sqlite3_column_double(statement_.get(), column);
+}
+
+std::string_view Statement::Text(int column) const {
+    const unsigned char* text = ::sqlite3_column_text(statement_.get(), column);
+    if (text == nullptr) return {};
+    return {reinterpret_cast<const char*>(text),
+            static_cast<std::size_t>(::sqlite3_column_bytes(statement_.get(), column))};
+}
+
+void Connection::Closer::operator()(sqlite3* connection) const {
+    ::sqlite3_close_v2(connection);
+}
+
+std::string Connection::Open(const std::string& path) {
+    path_ = path;
+    sqlite3* connection = nullptr;
+    const int answer = ::sqlite3_open_v2(path.c_str(), &connection, SQLITE_OPEN_READWRITE, nullptr);
+    connection_.reset(connection);
+    if (answer != SQLITE_OK) return Problem();
+    ::sqlite3_busy_handler(connection, OnBusy, nullptr);
+    // A process that dies loses nothing that was committed; a machine that loses its power may lose the
+    // latest transactions, each as a whole. The log beside the file does not keep its largest size.
+    return Execute("PRAGMA synchronous = NORMAL; PRAGMA journal_size_limit = 67108864;"
+                   "PRAGMA trusted_schema = OFF;")
+               ? ""
+               : Problem();
+}
+
+bool Connection::Execute(const char* statements) {
+    return ::sqlite3_exec(connection_.get(), statements, nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+Statement Connection::Prepare(const std::string& text) {
+    sqlite3_stmt* statement = nullptr;
+    ::sqlite3_prepare_v3(connection_.get(), text.data(), static_cast<int>(text.size()),
+                         SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+    return Statement(statement);
+}
+
+std::int64_t Connection::ChangedRows() const {
+    return ::sqlite3_changes64(connection_.get());
+}
+
+std::int64_t Connection::LastRow() const {
+    return ::sqlite3_last_insert_rowid(connection_.get());
+}
+
+std::uint64_t Connection::LargestValue() const {
+    return static_cast<std::uint64_t>(::sqlite3_limit(connection_.get(), SQLITE_LIMIT_LENGTH, -1));
+}
+
+bool Connection::ReadBytes(const char* table, std::int64_t row, std::span<std::uint8_t> bytes) {
+    return OpenValue(connection_.get(), table, row, false).InPieces(bytes, ::sqlite3_blob_read);
+}
+
+bool Connection::WriteBytes(const char* table, std::int64_t row, std::span<const std::uint8_t> bytes) {
+    return OpenValue(connection_.get(), table, row, true).InPieces(bytes, ::sqlite3_blob_write);
+}
+
+std::string Connection::Problem() const {
+    return path_ + ": " + ::sqlite3_errmsg(connection_.get());
+}
+
+Transaction::Transaction(Connection& connection)
+    : connection_(connection), open_(connection.Execute("BEGIN IMMEDIATE")) {}
+
+Transaction::~Transaction() {
+    if (open_) (void)connection_.Execute("ROLLBACK");
+}
+
+bool Transaction::Commit() {
+    if (!open_ || !connection_.Execute("COMMIT")) return false;
+    open_ = false;
+    return true;
+}
+
+} // namespace host

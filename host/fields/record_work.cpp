@@ -1,0 +1,109 @@
+#include "host/fields/record_work.h"
+
+#include "host/fields/field_value.h"
+#include "platform/text/utf.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+namespace host {
+namespace {
+
+constexpr std::string_view kWhere = "where";
+
+// "$code:message"; nullopt for any other text.
+std::optional<std::pair<FM_Error, std::string>> ParseErrorText(const FM_Data& value) {
+    if (value.Type() != kFM_TypeText || !value.AsText().units.starts_with(u'$')) return std::nullopt;
+    const std::string text = utf::ToUtf8(value.AsText().units);
+    FM_Error code = 0;
+    const auto parsed = std::from_chars(text.data() + 1, text.data() + text.size(), code);
+    if (parsed.ec != std::errc() || parsed.ptr == text.data() + text.size() || *parsed.ptr != ':')
+        return std::nullopt;
+    return std::pair(code, std::string(parsed.ptr + 1));
+}
+
+// What the plug-in keeps about its latest failure, when that is the one of this code.
+std::string KeptMessage(Engine& engine, FM_Error code) {
+    constexpr std::string_view kFunction = "media_getlasterror";
+    if (engine.Find(kFunction) == nullptr) return {};
+    auto kept = ParseErrorText(engine.Evaluate(kFunction).value);
+    return kept && kept->first == code ? std::move(kept->second) : std::string();
+}
+
+} // namespace
+
+std::string RecordFailure::Text() const {
+    std::string text = part + ": ";
+    if (!function.empty()) text += function + ": ";
+    text += std::to_string(code);
+    if (!message.empty()) text += ": " + message;
+    return text;
+}
+
+std::optional<RecordFailure> FailureOf(Engine& engine, const Outcome& outcome, const std::string& part) {
+    RecordFailure failure{part, outcome.function, outcome.error, outcome.message};
+    if (outcome.parse_error) {
+        failure.code = Engine::kCalculationError;
+        failure.message = outcome.parse_error->message;
+    } else if (outcome.error != kFM_ErrorNone) {
+        if (failure.message.empty()) failure.message = KeptMessage(engine, outcome.error);
+    } else if (auto text = ParseErrorText(outcome.value); text && text->first != 0) {
+        failure.code = text->first;
+        failure.message = std::move(text->second);
+    } else {
+        return std::nullopt;
+    }
+    const std::string prefix = failure.function + ": ";
+    if (failure.message.starts_with(prefix)) failure.message.erase(0, prefix.size());
+    return failure;
+}
+
+std::optional<std::vector<FieldCalculation>>
+ParseFieldCalculations(const Table& table, const std::vector<std::string>& texts, std::string& problem) {
+    std::vector<FieldCalculation> calculations;
+    for (const std::string& text : texts) {
+        const auto sign = text.find('=');
+        const std::string name = text.substr(0, std::min(text.find_last_not_of(" \t", sign - 1) + 1, sign));
+        const Field* field = table.Find(name);
+        if (sign == std::string::npos || field == nullptr) {
+            problem = sign == std::string::npos ? '"' + text + "\" is not FIELD=CALCULATION"
+                                                : table.name + " has no field \"" + name + '"';
+            return std::nullopt;
+        }
+        calculations.push_back(
+            {static_cast<std::size_t>(field - table.fields.data()), text.substr(sign + 1)});
+    }
+    return calculations;
+}
+
+RecordWorker::RecordWorker(Engine& engine, RecordValues& values, const Table& table, const RecordWork& work)
+    : engine_(engine), values_(values), table_(table), work_(work) {
+    engine_.fields = &values_;
+}
+
+RecordResult RecordWorker::Do(std::int64_t record) {
+    RecordResult result{.record = record, .chosen = true, .changes = {}, .failure = {}};
+    values_.MoveTo(record);
+    engine_.ForgetSessionVariables();
+    if (!work_.condition.empty()) {
+        const Outcome outcome = engine_.Evaluate(work_.condition);
+        result.failure = FailureOf(engine_, outcome, std::string(kWhere));
+        if (result.failure) return result;
+        result.chosen = outcome.value.AsBoolean();
+        if (!result.chosen) return result;
+    }
+    for (const FieldCalculation& calculation : work_.calculations) {
+        const Field& field = table_.fields[calculation.field];
+        Outcome outcome = engine_.Evaluate(calculation.calculation);
+        result.failure = FailureOf(engine_, outcome, field.name);
+        if (result.failure) break;
+        FM_Data value = ValueFor(field.type, outcome.value);
+        values_.Set(calculation.field, value);
+        result.changes.push_back({calculation.field, std::move(value)});
+    }
+    if (result.failure) result.changes.clear();
+    return result;
+}
+
+} // namespace host
