@@ -1,6 +1,7 @@
 #include "platform/win32/settings_dialog.h"
 
 #include "platform/win32/answers.h"
+#include "platform/win32/windows_module.h"
 
 #include <string_view>
 
@@ -20,7 +21,8 @@ SettingValues ParseSettings(std::string_view text) {
 
 } // namespace
 
-std::optional<SettingValues> AskForSettings(const SettingsDialog&) {
+std::optional<SettingValues> AskForSettings(const SettingsDialog& dialog) {
+    if (const WindowsModule* windows = OpenWindows()) return windows->ask_for_settings(dialog);
     constexpr std::string_view kSettings = "set:";
     const std::string answer = TakeAnswer();
     if (answer == "ok") return SettingValues();

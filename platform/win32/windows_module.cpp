@@ -1,0 +1,34 @@
+#include "platform/win32/windows_module.h"
+
+#include "platform/win32/modules.h"
+
+#include <cstdio>
+
+namespace win32 {
+namespace {
+
+// A session whose windows are gone goes on with its script, as if it had been started without.
+void DoWithoutWindows(const std::string& reason) {
+    fm::CurrentSession().windows = false;
+    std::fprintf(stderr, "corvane: no windows: %s\n", reason.c_str());
+}
+
+void DispatchMessages() {
+    const fm::Session& session = fm::CurrentSession();
+    if (session.dispatch_messages) session.dispatch_messages();
+}
+
+} // namespace
+
+const WindowsModule* OpenWindows() {
+    if (!fm::CurrentSession().windows) return nullptr;
+    const Module module = LoadModule("windows");
+    const auto* windows = static_cast<const WindowsModule*>(module.table);
+    const std::string reason =
+        windows == nullptr ? module.reason : windows->open({DispatchMessages, DoWithoutWindows});
+    if (reason.empty()) return windows;
+    DoWithoutWindows(reason);
+    return nullptr;
+}
+
+} // namespace win32
