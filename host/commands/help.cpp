@@ -87,6 +87,7 @@ void AppendPage(std::string& text, const ManualPage& page) {
     AppendSection(text, "Result", page.result);
     AppendSection(text, "Errors", page.errors);
     AppendSection(text, "Example", page.example);
+    if (!page.output.empty()) AppendSection(text, "Prints", page.output);
 }
 
 // What is shown of a function: its prototype, then its page, or the counts alone.

@@ -14,6 +14,8 @@ struct ManualPage {
     std::string_view result;
     std::string_view errors; ///< one a line: code, when
     std::string_view example;
+    std::string_view output =
+        {}; ///< what `corvane eval` prints for the example; "…" stands for any characters
 };
 
 struct ManualGroup {

@@ -3,6 +3,7 @@
 #include "platform/fmwrapper/fault.h"
 #include "platform/text/utf.h"
 #include "tests/calc/calc_file.h"
+#include "tests/calc/scratch_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -15,48 +16,11 @@
 #include <iterator>
 #include <regex>
 #include <sstream>
-#include <unistd.h>
 
 namespace calc {
 namespace {
 
 namespace fs = std::filesystem;
-
-// An empty folder to work in, deleted at the end. The process's own places (current, temporary and home
-// folder) are inside it, so that a test touches nothing else and finds nothing of another.
-class ScratchFolder {
-public:
-    ScratchFolder() : before_(fs::current_path()) {
-        std::string name = (fs::temp_directory_path() / "calc-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no scratch folder");
-        path_ = name;
-        fs::create_directories(path_ / "Temp");
-        fs::create_directories(path_ / "Home" / "Desktop");
-        fs::current_path(path_);
-        if (const char* temporary = std::getenv("TMPDIR")) temporary_ = temporary;
-        setenv("TMPDIR", (path_ / "Temp").c_str(), 1);
-        setenv("HOME", (path_ / "Home").c_str(), 1);
-    }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-    ~ScratchFolder() {
-        fs::current_path(before_);
-        if (temporary_.empty()) {
-            unsetenv("TMPDIR");
-        } else {
-            setenv("TMPDIR", temporary_.c_str(), 1);
-        }
-        std::error_code error;
-        fs::remove_all(path_, error);
-    }
-
-    [[nodiscard]] const fs::path& Path() const { return path_; }
-
-private:
-    fs::path before_;
-    fs::path path_;
-    std::string temporary_;
-};
 
 std::string Replaced(std::string text, std::string_view from, std::string_view to) {
     for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
