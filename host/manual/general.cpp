@@ -13,7 +13,8 @@ constexpr auto kPages = std::to_array<ManualPage>({
      R"(version format   "" or "short": the version; "long": name and version; "platform": the platform;
                  in lower case)",
      "Text: 10.0.3, Corvane 10.0.3 or Windows; empty for any other format.",
-     "none; the record of Media_GetLastError stays as it is", R"(Media_Version ( "long" ))"},
+     "none; the record of Media_GetLastError stays as it is", R"(Media_Version ( "long" ))",
+     "Corvane 10.0.3"},
     {"Media_Get", "A setting or a state of the plug-in.",
      R"(tag   in any case:
       recording                     1 while a sound is recorded, else 0
@@ -26,19 +27,20 @@ constexpr auto kPages = std::to_array<ManualPage>({
      "Text; for volume, tempo and balance a number.",
      "-50   there is no such tag\n-108  memory is full\nWith a code the result is empty; "
      "Media_GetLastError has the message.",
-     R"(Media_Get ( "volume" ))"},
+     R"(Media_Get ( "volume" ))", "1"},
     {"Media_Set", "Changes a setting of the plug-in until it is unloaded.",
      R"(tag     in any case: lmworkaround (or earlierqtcompatibility), rfworkaround, volume, tempo, balance
 value   for a workaround true or false, without it the workaround is turned on;
         for volume, tempo and balance a number, which must be there)",
      "Text: the new value of a workaround, 1 or 0; empty without a value and for volume, tempo and balance.",
      "-50   there is no such tag, or volume, tempo or balance has no value\n-108  memory is full",
-     R"(Media_Set ( "lmworkaround" ; 0 ))"},
+     R"(Media_Set ( "lmworkaround" ; 0 ))", "0"},
     {"Media_GetLastError", "How the latest call of a sound or general function ended.", "none",
      "Text: $CODE:FUNCTION: MESSAGE, code 0 for a success, at most 511 bytes; $0: before the first call.\n"
      "Functions of the file and image groups give their errors in their results and change nothing here;\n"
      "nor does Media_Version.",
-     "none", R"(Let ( x = Media_Get ( "colour" ) ; Media_GetLastError ))"},
+     "none", R"(Let ( x = Media_Amplify ( "/C:/sounds/none.wav" ; 2 ) ; Media_GetLastError ))",
+     "$-50:Media_Amplify: Wrong parameter(s). Could not get parameter #1 as sound."},
     {"Media_ExtractInfo",
      "One value of an information list, such as those of Media_GetImageInfo: lines \"key: value\",\n"
      "with deeper levels indented.",
@@ -49,7 +51,7 @@ retrievalKey      a line number from 1; 0 or empty for the number of lines; or k
      "-1    the list has no such line, or the key has no first part\n-2    the key is only a note\n"
      "-43   the list has no such key\n-50   more than two parameters, or a line number out of range\n"
      "-108  memory is full\nWith a code the result is empty; Media_GetLastError has the message.",
-     R"(Media_ExtractInfo ( Media_GetImageInfo ( "/C:/photos/a.jpg" ) ; "Width" ))"},
+     R"(Media_ExtractInfo ( Media_GetImageInfo ( "/C:/home/ann/photo.jpg" ) ; "Width" ))", "64"},
 });
 
 } // namespace

@@ -20,19 +20,42 @@ JPEG and PICT) a JPEG preview; or the reference text.)",
      "$CODE:MESSAGE as the result:\n20100  not exactly two parameters\n-43    there is no such file\n"
      "-2005  nothing reads this kind of data\n-2012  by reference, and the source is no file\n"
      "other codes of files and of the image decoder",
-     R"(Media_InsertImage ( "/C:/home/ann/a.gif" ; False ))"},
+     R"(Media_InsertImage ( "/C:/home/ann/a.gif" ; False ))",
+     "container\n  GIFf … bytes\n  SIZE 4 bytes\n  JPEG … bytes"},
+    {"Media_InsertFile", "Any file as a container, as a reference to it, or as text.",
+     "filepath      the path of a file, an http:// address, or a container with a stream \"FILE\"\n"
+     "byReference   true: only a reference to the file\nasText        true: the file's bytes as text, in "
+     "UTF-8",
+     R"(A container: the bytes as "FILE", and the file's path as "FNAM"; or the reference text; or the text.)",
+     "$CODE:MESSAGE as the result:\n20100  not exactly three parameters\n20400  the container has no stream "
+     "\"FILE\"\n-43    there is no such file\n0      by reference, and the source is no file\n"
+     "other codes of paths, files and servers",
+     R"(Media_InsertFile ( "/C:/home/ann/a.txt" ; False ; True ))", "hello"},
+    {"Media_ExportField", "Writes the main stream of a container, or a text, to a file.",
+     R"(container   a container, or a text
+path        the file; a name without extension gets that of the stream's type
+replace     true: a file that is there is replaced)",
+     "Empty text.",
+     "$CODE:MESSAGE as the result:\n20100  not exactly three parameters\n20103  the container is empty\n"
+     "20200  the file is there, and replace is false\n20401  a CV image, which Media_ConvertImage can "
+     "convert\n"
+     "-1302  the path leads to a folder\n-120   there is no such folder\nother codes of paths and of the "
+     "system",
+     R"(Media_ExportField ( "Hello" ; "/C:/home/ann/Archive/note" ; False ) &
+Media_ListFolder ( "/C:/home/ann/Archive" ; False ))",
+     "note.txt"},
     {"Media_SetImageDefaults", "How previews of images are made from now on.",
      "previewQuality   0 lowest to 1024 best, 512 at start; -1: no previews\n"
      "previewMark      true (at start): thin lines in the picture say that it is a preview",
      "Empty text.", "$20100:MESSAGE as the result: not exactly two parameters",
-     R"(Media_SetImageDefaults ( 700 ; False ))"},
+     R"(Media_SetImageDefaults ( 700 ; False ) & "no text")", "no text"},
     {"Media_ConversionDialog", "Asks for an encoder's settings.",
      "imageType   a type of Media_ListImageOutputTypes; a whole line of that list will do",
      R"(Text: lines KEY=VALUE: format, depth, resolution, quality, size, method, as far as they are set or the
 format has them. Without windows the answer "set:quality=300,depth=8" changes settings, "ok" none.)",
      "$CODE:MESSAGE as the result:\n20100  not exactly one parameter\n20101  no type code\n"
      "20102  the type is no text\nAn unknown type gives empty text.",
-     R"(Media_ConversionDialog ( "JPEG" ))"},
+     R"(Media_ConversionDialog ( "JPEG" ))", "format=JPEG\nquality=512\nmethod=0"},
     {"Media_ConvertImage", "An image in another format.",
      R"(container     a container with an image, the path of an image file, or an http:// address
 imageType     a type of Media_ListImageOutputTypes; empty: the source's own
@@ -50,10 +73,12 @@ a JPEG preview.)",
      "$CODE:MESSAGE as the result:\n20100  neither 2 nor 11 parameters\n20101  no type code\n"
      "20102  the type is no text\n-2005  no encoder for the type, or no decoder for the data\n"
      "-8969  the data of the image are broken\nother codes of files, decoders and encoders",
-     R"(Media_ConvertImage ( "/C:/home/ann/a.tif" ; "JPEG" ; -1 ; -1 ; -1 ; 100000 ; -1 ; 2 ; -1 ; -1 ; -1 ))"},
+     R"(Media_ConvertImage ( "/C:/home/ann/pages.tif" ; "JPEG" ; -1 ; -1 ; -1 ; 100000 ; -1 ; 2 ; -1 ; -1 ; -1 ))",
+     "container\n  JPEG … bytes\n  SIZE 4 bytes"},
     {"Media_ListImageOutputTypes", "The types that images can be converted to.", "",
      "Text: a line TYPE|EXTENSION|DESCRIPTION for each.",
-     "$20100:MESSAGE as the result: there are parameters", R"(Media_ListImageOutputTypes)"},
+     "$20100:MESSAGE as the result: there are parameters", R"(Media_ListImageOutputTypes)",
+     "…JPEG|jpg|JPEG…TIFF|tif|TIFF…"},
     {"Media_GetImageInfo", "The facts of an image, from its header alone.",
      "container   a container with an image or a reference to one, or the path of an image file as text",
      R"(Text: an information list (see Media_ExtractInfo) with the lines
@@ -62,7 +87,10 @@ Size (bytes), Compressor Type (four characters), Compressor Description.)",
      "$CODE:MESSAGE as the result:\n20100  not exactly one parameter\n20103  the container is empty\n"
      "-43    there is no such file\n-989   the data of the image are not valid\n"
      "other codes of files and of the image decoder",
-     R"(Media_GetImageInfo ( HostContainer ( "JPEG" ; "/home/ann/a.jpg" ) ))"},
+     R"(Media_GetImageInfo ( "/C:/home/ann/photo.jpg" ))",
+     "Height (px): 48\nWidth (px): 64\nDepth (bits): 24\nQuality: …\nV Resolution (dpi): 72\n"
+     "H Resolution (dpi): 72\nImage Count: 1\nSize (bytes): …\nCompressor Type: jpeg\n"
+     "Compressor Description: Photo - JPEG"},
 });
 
 } // namespace
