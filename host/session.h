@@ -39,7 +39,7 @@ public:
     /// Evaluates one calculation (UTF-8). Session variables live on to the next.
     Outcome Evaluate(std::string_view calculation) { return engine_.Evaluate(calculation); }
 
-    [[nodiscard]] const Engine& GetEngine() const { return engine_; }
+    [[nodiscard]] Engine& GetEngine() { return engine_; }
     [[nodiscard]] PluginLibrary& Plugin() { return plugin_; }
 
 private:

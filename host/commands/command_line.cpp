@@ -57,7 +57,8 @@ enum Option : int {
     kRaw,
     kSaveStreams,
     kStrict,
-    kProgress
+    kProgress,
+    kTableOption ///< of TableOptions, by its name
 };
 
 constexpr option kOptions[] = {
@@ -73,6 +74,15 @@ constexpr option kOptions[] = {
     {"save-streams", required_argument, nullptr, kSaveStreams},
     {"strict", no_argument, nullptr, kStrict},
     {"progress", required_argument, nullptr, kProgress},
+    {"where", required_argument, nullptr, kTableOption},
+    {"to", required_argument, nullptr, kTableOption},
+    {"name", required_argument, nullptr, kTableOption},
+    {"name-field", required_argument, nullptr, kTableOption},
+    {"as", required_argument, nullptr, kTableOption},
+    {"jobs", required_argument, nullptr, kTableOption},
+    {"by-reference", no_argument, nullptr, kTableOption},
+    {"replace", no_argument, nullptr, kTableOption},
+    {"resume", no_argument, nullptr, kTableOption},
     {"help", no_argument, nullptr, 'h'},
     {nullptr, 0, nullptr, 0},
 };
@@ -160,7 +170,8 @@ std::optional<CommandLine> ReadCommandLine(int argc, char** argv, int& status) {
     (void)SetProgress(line.session, "auto");
     std::string problem = AddDrivesOfEnvironment(line.session.drives);
     for (int option = 0; problem.empty();) {
-        option = ::getopt_long(argc, argv, "h", kOptions, nullptr);
+        int index = 0;
+        option = ::getopt_long(argc, argv, "h", kOptions, &index);
         if (option == -1) break;
         if (option == 'h') {
             std::fputs(kUsage, stdout);
@@ -169,7 +180,8 @@ std::optional<CommandLine> ReadCommandLine(int argc, char** argv, int& status) {
         }
         status = kUsageError;
         if (option == '?') return std::nullopt; // getopt has said what is wrong
-        problem = SetOption(line, option, optarg);
+        problem = option == kTableOption ? SetTableOption(line.table, kOptions[index].name, optarg)
+                                         : SetOption(line, option, optarg);
     }
     if (problem.empty() && optind == argc) problem = "a command is missing; see corvane --help";
     if (!problem.empty()) {

@@ -1,6 +1,7 @@
 // The program's options and commands as the person gave them.
 #pragma once
 
+#include "host/commands/table_options.h"
 #include "host/session.h"
 
 #include <optional>
@@ -17,6 +18,7 @@ struct CommandLine {
     bool raw = false;
     bool strict = false;
     std::string save_streams; ///< folder (Unix path); empty: no streams are saved
+    TableOptions table;
 };
 
 /// Options may stand before, between and after the other words, up to "--". On a usage error it prints the

@@ -13,4 +13,9 @@ int ListFunctions(Session& session, const CommandLine& line);
 int About(Session& session, const CommandLine& line);
 int Help(Session& session, const CommandLine& line);
 
+int Db(Session& session, const CommandLine& line);
+int Import(Session& session, const CommandLine& line);
+int Show(Session& session, const CommandLine& line);
+int Export(Session& session, const CommandLine& line);
+
 } // namespace host

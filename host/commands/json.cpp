@@ -40,6 +40,13 @@ Json Streams(const FM_BinaryData& container) {
     return streams;
 }
 
+Json Container(const ContainerFacts& facts) {
+    Json streams = Json::array();
+    for (const ContainerFacts::Stream& stream : facts.streams)
+        streams.push_back({{"type", StreamTypeText(stream.type)}, {"size", stream.size}});
+    return {{"reference", facts.reference}, {"streams", streams}};
+}
+
 } // namespace
 
 std::string JsonOf(std::string_view calculation, const Outcome& outcome) {
@@ -67,6 +74,14 @@ std::string JsonOf(const fm::ExternalFunction& function) {
                  {"min", function.minimum},
                  {"max", function.maximum},
                  {"flags", function.flags}});
+}
+
+std::string JsonOf(std::int64_t record, const std::vector<FieldFacts>& fields) {
+    Json json = {{kRecordNumber, record}};
+    for (const FieldFacts& field : fields)
+        json[field.name] =
+            field.container ? Container(*field.container) : Json(utf::ToUtf8(field.value.AsText().units));
+    return Line(json);
 }
 
 std::string JsonOf(const PluginFacts& facts) {

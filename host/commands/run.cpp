@@ -11,6 +11,10 @@ struct Command {
     std::string_view name;
     int (*run)(Session& session, const CommandLine& line);
     std::size_t most_arguments;
+    /// Those of TableOptions that the command takes, each with blanks around it.
+    std::string_view table_options = "";
+    /// Which argument is the current database; none when it is no command on a database file.
+    std::size_t database_argument = SIZE_MAX;
 };
 
 constexpr auto kCommands = std::to_array<Command>({
@@ -18,7 +22,18 @@ constexpr auto kCommands = std::to_array<Command>({
     {"functions", ListFunctions, 0},
     {"about", About, 0},
     {"help", Help, 1},
+    {"db", Db, SIZE_MAX, "", 1},
+    {"import", Import, SIZE_MAX, " as by-reference name-field ", 0},
+    {"show", Show, 2, " where ", 0},
+    {"export", Export, 3, " where to name replace ", 0},
 });
+
+// The first option that the command does not take; empty when it takes all.
+std::string OptionTooMany(const Command& command, const TableOptions& options) {
+    for (const std::string& name : options.given)
+        if (command.table_options.find(' ' + name + ' ') == std::string_view::npos) return "--" + name;
+    return {};
+}
 
 } // namespace
 
@@ -33,7 +48,14 @@ int RunCommand(const CommandLine& line) {
                      line.arguments[command->most_arguments].c_str());
         return kUsageError;
     }
-    Session session(line.session);
+    if (const std::string option = OptionTooMany(*command, line.table); !option.empty()) {
+        std::fprintf(stderr, "corvane: %s does not take %s\n", line.command.c_str(), option.c_str());
+        return kUsageError;
+    }
+    SessionOptions options = line.session;
+    if (command->database_argument < line.arguments.size())
+        options.database = line.arguments[command->database_argument];
+    Session session(options);
     if (const std::string problem = session.Start(); !problem.empty()) {
         std::fprintf(stderr, "corvane: %s\n", problem.c_str());
         return kUsageError;

@@ -14,7 +14,7 @@ constexpr std::int64_t kVersion = 1;
 
 constexpr char kLayout[] = R"(
 BEGIN;
-PRAGMA application_id = 1129726018;
+PRAGMA application_id = 0x43564442;
 CREATE TABLE corvane_fields (
     id INTEGER PRIMARY KEY,
     table_name TEXT NOT NULL,

@@ -41,14 +41,16 @@ std::string RecordFailure::Text() const {
     return text;
 }
 
-std::optional<RecordFailure> FailureOf(Engine& engine, const Outcome& outcome, const std::string& part) {
+std::optional<RecordFailure> FailureOf(Engine& engine, const Outcome& outcome, const std::string& part,
+                                       FieldType wanted) {
     RecordFailure failure{part, outcome.function, outcome.error, outcome.message};
     if (outcome.parse_error) {
         failure.code = Engine::kCalculationError;
         failure.message = outcome.parse_error->message;
     } else if (outcome.error != kFM_ErrorNone) {
         if (failure.message.empty()) failure.message = KeptMessage(engine, outcome.error);
-    } else if (auto text = ParseErrorText(outcome.value); text && text->first != 0) {
+    } else if (auto text = ParseErrorText(outcome.value);
+               text && (text->first != 0 || wanted == FieldType::kContainer)) {
         failure.code = text->first;
         failure.message = std::move(text->second);
     } else {
@@ -96,7 +98,7 @@ RecordResult RecordWorker::Do(std::int64_t record) {
     for (const FieldCalculation& calculation : work_.calculations) {
         const Field& field = table_.fields[calculation.field];
         Outcome outcome = engine_.Evaluate(calculation.calculation);
-        result.failure = FailureOf(engine_, outcome, field.name);
+        result.failure = FailureOf(engine_, outcome, field.name, field.type);
         if (result.failure) break;
         FM_Data value = ValueFor(field.type, outcome.value);
         values_.Set(calculation.field, value);

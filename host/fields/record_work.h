@@ -22,8 +22,10 @@ struct RecordFailure {
 };
 
 /// The failure of a calculation that answered a code or gave an error text; nullopt when it did neither.
-/// Asks the plug-in for the message that belongs to the code.
-std::optional<RecordFailure> FailureOf(Engine& engine, const Outcome& outcome, const std::string& part);
+/// Asks the plug-in for the message that belongs to the code. Texts of the code 0, such as that of a person's
+/// Cancel, are failures where a container is wanted.
+std::optional<RecordFailure> FailureOf(Engine& engine, const Outcome& outcome, const std::string& part,
+                                       FieldType wanted = FieldType::kText);
 
 struct FieldCalculation {
     std::size_t field; ///< index in the table

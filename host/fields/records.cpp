@@ -120,6 +120,14 @@ std::string Records::ReadFacts(std::int64_t record, std::size_t field, Container
     return streams_.Good() ? "" : Problem(record);
 }
 
+std::string Records::Refusal(const FM_Data& value) const {
+    for (const fm::Stream& stream : value.AsContainer().streams)
+        if (stream.bytes->size() + kRowRoom > connection_.LargestValue())
+            return "a stream of " + std::to_string(stream.bytes->size()) +
+                   " bytes is too large for the database";
+    return {};
+}
+
 std::string Records::Insert(std::span<const FM_Data> values) {
     std::vector<std::string> texts(values.size());
     for (std::size_t i = 0; i < values.size(); ++i)
@@ -157,9 +165,6 @@ std::string Records::WriteStreams(std::int64_t record, const Field& field, const
     std::int64_t position = 0;
     for (const fm::Stream& stream : container.streams) {
         const fm::Bytes& bytes = *stream.bytes;
-        if (bytes.size() + kRowRoom > connection_.LargestValue())
-            return "record " + std::to_string(record) + ": a stream of " + std::to_string(bytes.size()) +
-                   " bytes is too large for the file";
         const std::string type = StreamTypeText(stream.type);
         const bool whole = bytes.size() <= kWholeValue;
         stream_insertion_.Bind(1, field.id);

@@ -45,6 +45,8 @@ public:
     [[nodiscard]] std::string Read(std::int64_t record, std::size_t field, FM_Data& value);
     [[nodiscard]] std::string ReadFacts(std::int64_t record, std::size_t field, ContainerFacts& facts);
 
+    /// Why the file can't hold a container; empty when it can.
+    [[nodiscard]] std::string Refusal(const FM_Data& value) const;
     /// `values` has one for each field, in the table's order.
     [[nodiscard]] std::string Insert(std::span<const FM_Data> values);
     /// A record that is gone stays so.
