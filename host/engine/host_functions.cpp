@@ -93,8 +93,8 @@ FM_Data HostStream(const Arguments& arguments) {
 
 FM_Data HostPump(const Arguments& arguments) {
     using Clock = std::chrono::steady_clock;
-    // The pace of the fastest timer; messages are looked for this often.
-    constexpr auto kRound = std::chrono::milliseconds(1);
+    // How often the plug-in is given idle time, and messages are looked for where nobody tells of them.
+    constexpr auto kRound = std::chrono::milliseconds(10);
     const auto length = std::chrono::duration<double>(arguments.Seconds(0));
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(length);
     const Engine& engine = arguments.GetEvaluation().GetEngine();
@@ -104,7 +104,12 @@ FM_Data HostPump(const Arguments& arguments) {
         if (desk.dispatch_messages) desk.dispatch_messages();
         const auto now = Clock::now();
         if (now >= end) return {};
-        std::this_thread::sleep_for(std::min<Clock::duration>(kRound, end - now));
+        const auto next = std::min<Clock::time_point>(now + kRound, end);
+        if (desk.wait_for_messages) {
+            desk.wait_for_messages(next);
+        } else {
+            std::this_thread::sleep_until(next);
+        }
     }
 }
 

@@ -50,6 +50,8 @@ struct Session {
     std::vector<InputEvent> input;
     /// Handles the messages that wait in the queue; installed by the layer that owns the queue.
     std::function<void()> dispatch_messages;
+    /// Sleeps until a message waits in the queue, or the moment has come; installed with the former.
+    std::function<void(std::chrono::steady_clock::time_point until)> wait_for_messages;
 };
 
 Session& CurrentSession();

@@ -2,6 +2,7 @@
 
 #include "platform/win32/descriptor.h"
 #include "platform/win32/errors.h"
+#include "platform/win32/mutexes.h"
 #include "platform/win32/paths.h"
 
 #include <algorithm>
@@ -71,7 +72,8 @@ int OpenFlags(DWORD access) {
 }
 
 // Opens the file and enters it: 0 or the error.
-DWORD Open(const win32::UnixPath& item, DWORD access, DWORD share, bool create, HANDLE& handle) {
+DWORD Open(const win32::UnixPath& item, DWORD access, DWORD share, DWORD disposition, HANDLE& handle) {
+    const bool create = disposition == CREATE_NEW;
     struct stat status {};
     if (create) {
         if (item.exists) return ERROR_FILE_EXISTS;
@@ -90,6 +92,7 @@ DWORD Open(const win32::UnixPath& item, DWORD access, DWORD share, bool create, 
         if (const DWORD error = MayOpen(status, access)) return error; // it may be another one by now
     }
     if (!IsShared(status, access, share) || !Lock(file.get(), access, share)) return ERROR_SHARING_VIOLATION;
+    if (disposition == TRUNCATE_EXISTING && ftruncate(file.get(), 0) != 0) return win32::FromErrno(errno);
     handle = reinterpret_cast<HANDLE>(g_next_handle);
     g_files.emplace(g_next_handle++, OpenFile{std::move(file), status.st_dev, status.st_ino, access, share});
     return ERROR_SUCCESS;
@@ -109,15 +112,16 @@ bool IsOpenHere(const struct stat& status) {
 
 HANDLE CreateFileW(const WCHAR* path, DWORD access, DWORD share, DWORD disposition) {
     HANDLE handle = INVALID_HANDLE_VALUE;
-    const DWORD error =
-        disposition == CREATE_NEW || disposition == OPEN_EXISTING
-            ? Open(win32::ToUnixPath(path), SharingBits(access), share, disposition == CREATE_NEW, handle)
-            : ERROR_INVALID_PARAMETER;
+    const bool known =
+        disposition == CREATE_NEW || disposition == OPEN_EXISTING || disposition == TRUNCATE_EXISTING;
+    const DWORD error = known ? Open(win32::ToUnixPath(path), SharingBits(access), share, disposition, handle)
+                              : ERROR_INVALID_PARAMETER;
     if (error != ERROR_SUCCESS) SetLastError(error);
     return handle;
 }
 
 BOOL CloseHandle(HANDLE handle) {
+    if (win32::CloseMutex(handle)) return TRUE;
     OpenFile* file = FileOf(handle);
     if (file == nullptr) return FALSE;
     const int error = file->descriptor.Close();

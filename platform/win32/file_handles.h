@@ -12,8 +12,9 @@ inline constexpr DWORD GENERIC_WRITE = 0x40000000;
 inline constexpr DWORD FILE_SHARE_READ = 1;
 inline constexpr DWORD FILE_SHARE_WRITE = 2;
 
-inline constexpr DWORD CREATE_NEW = 1;    ///< 80 when the file exists
-inline constexpr DWORD OPEN_EXISTING = 3; ///< 2 when it does not
+inline constexpr DWORD CREATE_NEW = 1;        ///< 80 when the file exists
+inline constexpr DWORD OPEN_EXISTING = 3;     ///< 2 when it does not
+inline constexpr DWORD TRUNCATE_EXISTING = 5; ///< as the former, and empties the file
 
 inline constexpr DWORD FILE_BEGIN = 0;
 inline constexpr DWORD FILE_CURRENT = 1;
@@ -36,7 +37,7 @@ HANDLE CreateFileW(const WCHAR* path, DWORD access, DWORD share, DWORD dispositi
 
 // These answer FALSE, with the last error, on failure; 6 for a handle that is none.
 
-BOOL CloseHandle(HANDLE handle);
+BOOL CloseHandle(HANDLE handle); ///< of a file, or of a mutex (see mutexes.h)
 /// Reads at the file's position; fewer bytes than asked for, down to none, at its end.
 BOOL ReadFile(HANDLE handle, void* bytes, DWORD count, DWORD* done);
 /// Writes at the file's position. On failure `written` tells how much got there before (112: a full disk).
