@@ -11,10 +11,16 @@ FM_Error ConversionDialog(std::int16_t id, const FM_ExprEnv& environment, const 
                           FM_Data& result);
 FM_Error ConvertImage(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                       FM_Data& result);
+FM_Error EffectApply(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                     FM_Data& result);
+FM_Error EffectDialog(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                      FM_Data& result);
 FM_Error ExportField(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                      FM_Data& result);
 FM_Error GetImageInfo(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                       FM_Data& result);
+FM_Error GetMouseUp(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                    FM_Data& result);
 FM_Error InsertFile(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                     FM_Data& result);
 FM_Error InsertImage(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,

@@ -19,15 +19,15 @@ constexpr std::array<CountedFunction, 13> kFunctionsBeforeFiles = {{
      "Media_TQuad ( sourceScale ; topLeftX ; topLeftY ; topRightX ; topRigthY ; bottomRightX ; bottomRightY "
      "; bottomLeftX ; bottomLeftY )",
      9, 9, FunctionNotBuilt},
-    {"Media_GetMouseUp", "Media_GetMouseUp", 0, 0, FunctionNotBuilt},
+    {"Media_GetMouseUp", "Media_GetMouseUp", 0, 0, GetMouseUp},
     {"Media_TApply", "Media_TApply ( container ) ", 1, 1, FunctionNotBuilt},
     {"Media_TCrop", "Media_TCrop ( left ; top ; right ; bottom )", 4, 4, FunctionNotBuilt},
     {"Media_TRotate", "Media_TRotate ( degrees )", 1, 1, FunctionNotBuilt},
     {"Media_TClear", "Media_TClear", 0, 0, FunctionNotBuilt},
     {"Media_EffectDialog", "Media_EffectDialog ( effectType [; previewImage [; previewImage2 ]] )", 1, 3,
-     FunctionNotBuilt},
+     EffectDialog},
     {"Media_EffectApply", "Media_EffectApply ( container ; effectDescription [; container2 ] )", 2, 3,
-     FunctionNotBuilt},
+     EffectApply},
     {"Media_InsertImage", "Media_InsertImage ( filepath ; byReference )", 2, 2, InsertImage},
 }};
 

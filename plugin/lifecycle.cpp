@@ -3,6 +3,7 @@
 #include "files/numbered_files.h"
 #include "images/availability.h"
 #include "images/image_settings.h"
+#include "images/mouse_position.h"
 #include "platform/quicktime/movie_toolbox.h"
 #include "platform/win32/message_box.h"
 #include "platform/win32/version.h"
@@ -93,6 +94,7 @@ std::intptr_t StartUp(std::int16_t interface_version) {
     RegisterImageAndFileFunctions();
     DecideImagesAvailable();
     ResetImageSettings();
+    ResetMousePosition();
     g_started = true;
     return kStarted;
 }

@@ -75,6 +75,34 @@ a JPEG preview.)",
      "-8969  the data of the image are broken\nother codes of files, decoders and encoders",
      R"(Media_ConvertImage ( "/C:/home/ann/pages.tif" ; "JPEG" ; -1 ; -1 ; -1 ; 100000 ; -1 ; 2 ; -1 ; -1 ; -1 ))",
      "container\n  JPEG … bytes\n  SIZE 4 bytes"},
+    {"Media_EffectDialog", "Asks for an effect and its parameters.",
+     R"(effectType      the effect to choose; empty: the person chooses among
+                one image: blur brco embs edge fmns genk hslb levl mosa post rgbb shrp solr tint
+                two images: blnd chnl ckey dslv iris matt push pxds slid smpt
+previewImage    an image that the dialog shows the effect on: a container, a path, an address
+previewImage2   the second one, for effects of two images)",
+     R"(Text: the description for Media_EffectApply, XML to read and edit; its comments name the parameters, their
+ranges and defaults. Without windows the answer "set:effect=blur,radius=5" chooses, "ok" takes what is first.)",
+     "$CODE:MESSAGE as the result:\n0      Cancel; or there is no such effect\n20101  no type code\n"
+     "20102  the type is no text\nother codes of files and of the image decoder",
+     R"(Media_EffectDialog ( "blur" ; "/C:/home/ann/photo.jpg" ))"},
+    {"Media_EffectApply", "An image, or two, drawn through an effect.",
+     R"(container           the image, source A: a container, the path of an image file, or an http:// address
+effectDescription   text of Media_EffectDialog, as it is or edited: parameters that are missing have their
+                    default, values out of range are brought into it, unknown elements are passed over
+container2          source B, for effects of two images; drawn at its own size, nothing beside it)",
+     R"(A container of source A's size: the picture ("CVIM"), its size and a JPEG preview. A description that is no
+XML, names no known effect, or has more than 32767 bytes leaves the image as it is; so does one for two images
+without the second.)",
+     "$CODE:MESSAGE as the result:\n20100  fewer than two parameters\n20400  no image\n"
+     "-43    there is no such file\n-8969  the data of the image are broken\n"
+     "other codes of files and of the image decoder",
+     R"(Media_EffectApply ( "/C:/home/ann/photo.jpg" ; "<effect type='blur'><radius>5</radius></effect>" ))",
+     "container\n  CVIM … bytes\n  SIZE 4 bytes\n  JPEG … bytes"},
+    {"Media_GetMouseUp", "Where the pointer is in the front window of the database.", "",
+     R"(Text: X|Y|RIGHT|BOTTOM in pixels: the pointer from the upper left corner of the window's content, and how far
+the window's right and lower edge lie from it. Without a window, what the latest call found; -1 in all at first.)",
+     "$20100:MESSAGE as the result: there are parameters", R"(Media_GetMouseUp)", "-1|-1|-1|-1"},
     {"Media_ListImageOutputTypes", "The types that images can be converted to.", "",
      "Text: a line TYPE|EXTENSION|DESCRIPTION for each.",
      "$20100:MESSAGE as the result: there are parameters", R"(Media_ListImageOutputTypes)",

@@ -16,8 +16,8 @@ struct EffectSequence {
 
 namespace {
 
-bool HasSize(const PixelImage& image, std::int32_t width, std::int32_t height) {
-    return image.width() == width && image.height() == height;
+bool HasPixels(GWorldPtr port) {
+    return port != nullptr && port->pixels.width() > 0;
 }
 
 /// The source for the effect's n-th image; null when there is none.
@@ -38,17 +38,9 @@ const PixelImage* Source(const EffectSequence& sequence, std::int32_t number) {
 } // namespace
 } // namespace qt
 
-ImageDescription MakeImageDescriptionForEffect(OSType effect) {
-    ImageDescription description;
-    description.cType = effect;
-    description.depth = 32;
-    return description;
-}
-
-OSErr DecompressSequenceBeginS(ImageSequence* sequence, const ImageDescription& description,
-                               QTAtomContainer parameters, GWorldPtr port) {
+OSErr DecompressSequenceBeginS(ImageSequence* sequence, QTAtomContainer parameters, GWorldPtr port) {
     *sequence = nullptr;
-    if (port == nullptr || !qt::HasSize(port->pixels, description.width, description.height)) return paramErr;
+    if (!qt::HasPixels(port)) return paramErr;
     try {
         *sequence = std::make_unique<qt::EffectSequence>(qt::EffectSequence{parameters, port, {}}).release();
     } catch (const std::bad_alloc&) {
@@ -58,7 +50,7 @@ OSErr DecompressSequenceBeginS(ImageSequence* sequence, const ImageDescription& 
 }
 
 OSErr CDSequenceNewDataSource(ImageSequence sequence, OSType name, GWorldPtr source) {
-    if (source == nullptr || source->pixels.width() == 0) return paramErr;
+    if (!qt::HasPixels(source)) return paramErr;
     try {
         sequence->sources[name] = source;
     } catch (const std::bad_alloc&) {
@@ -70,7 +62,7 @@ OSErr CDSequenceNewDataSource(ImageSequence sequence, OSType name, GWorldPtr sou
 OSErr DecompressSequenceFrameWhen(ImageSequence sequence) {
     const qt::PixelImage* a = qt::Source(*sequence, 1);
     qt::PixelImage& out = sequence->port->pixels;
-    if (a == nullptr || !qt::HasSize(*a, out.width(), out.height())) return paramErr;
+    if (a == nullptr || a->width() != out.width() || a->height() != out.height()) return paramErr;
     const auto settings = qt::ReadEffectSettings(sequence->parameters);
     return static_cast<OSErr>(qt::RenderEffect(settings, *a, qt::Source(*sequence, 2), out));
 }

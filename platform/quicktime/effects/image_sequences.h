@@ -1,7 +1,6 @@
 // Decompression sequences, which draw the frames of an effect.
 #pragma once
 
-#include "platform/quicktime/image_description.h"
 #include "platform/quicktime/movies/atom_containers.h"
 #include "platform/quicktime/ports.h"
 
@@ -14,14 +13,9 @@ struct EffectSequence;
 }
 using ImageSequence = qt::EffectSequence*;
 
-/// The description of an effect's frames, of no size yet.
-ImageDescription MakeImageDescriptionForEffect(OSType effect);
-
-/// Begins a sequence of frames of the described size, drawn into a port of 32 bits with pixels as the
-/// parameter set says. Set and port stay the caller's and outlive the sequence. paramErr for another size or
-/// port.
-OSErr DecompressSequenceBeginS(ImageSequence* sequence, const ImageDescription& description,
-                               QTAtomContainer parameters, GWorldPtr port);
+/// Begins a sequence of frames drawn into a port of 32 bits with pixels as the parameter set says, of the
+/// port's size. Set and port stay the caller's and outlive the sequence. paramErr for another port.
+OSErr DecompressSequenceBeginS(ImageSequence* sequence, QTAtomContainer parameters, GWorldPtr port);
 /// Gives the sequence a data source of that name: a port of 32 bits with pixels, which stays the caller's and
 /// outlives the sequence.
 OSErr CDSequenceNewDataSource(ImageSequence sequence, OSType name, GWorldPtr source);
