@@ -97,7 +97,7 @@ void FadeAndGrain(const EffectInput& input, PixelImage& out) {
     constexpr std::uint32_t kFadedLight = 0xF2'E4C8;
     constexpr std::uint32_t kFadedDark = 0x30'2620;
     const std::uint32_t fading = ToByte(static_cast<float>(input.values.Fraction("fading") * 255));
-    const auto grain = static_cast<float>(input.values.Fraction("grain") * 160);
+    const auto grain = static_cast<float>(input.values.Fraction("grain") * 100);
     const std::uint32_t series =
         MixBits(static_cast<std::uint32_t>(input.values.Whole("seed")) + 0x9E37'79B9);
     EachRow(out, [&](std::int32_t y) {
