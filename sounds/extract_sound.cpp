@@ -2,29 +2,13 @@
 
 #include "plugin/drawing_port.h"
 #include "plugin/host_data.h"
+#include "sounds/extract_span.h"
 #include "sounds/sound_parameter.h"
 #include "sounds/sound_results.h"
-#include "sounds/sound_track.h"
 #include "sounds/value_parameters.h"
 
 namespace corvane {
 namespace {
-
-// Movie units of a span of seconds, as single precision has them.
-TimeValue ToUnits(std::int64_t seconds, TimeScale scale) {
-    return static_cast<TimeValue>(static_cast<float>(seconds) / 65536.0F * static_cast<float>(scale));
-}
-
-std::int32_t Extract(Movie movie, Fixed begin, Fixed end, qt::OwnedMovie& extract) {
-    const SoundTrack sound = FirstSoundTrack(movie);
-    if (sound.code != 0) return sound.code;
-    const TimeScale scale = GetMovieTimeScale(movie);
-    const TimeValue length = ToUnits(std::int64_t{end} - begin, scale);
-    if (const OSErr code = SetMovieSelection(movie, ToUnits(begin, scale), length); code != noErr)
-        return code;
-    extract.reset(CopyMovieSelection(movie));
-    return extract != nullptr ? noErr : GetMoviesError();
-}
 
 FM_Error ExtractParameters(const FM_DataVect& parameters, FM_Data& result, CVSError& error) {
     if (Host(FM_DataVect_Size, &parameters) != 3)
@@ -37,7 +21,7 @@ FM_Error ExtractParameters(const FM_DataVect& parameters, FM_Data& result, CVSEr
     const Read<FadeTime> end = ReadTimeParameter(parameters, 2, TimeSign::kRefused);
     if (end.code != 0) return error.Fail(end.code, "Could not get parameter #3 as time.");
     qt::OwnedMovie extract;
-    code = Extract(movie.get(), begin.value.seconds, end.value.seconds, extract);
+    code = ExtractSpan(movie.get(), begin.value.seconds, end.value.seconds, extract);
     if (code != 0) return error.Fail(code, "Could not extract sound.");
     return PutWaveResult(result, std::move(extract),
                          {"Could not get reference to temporary file.", "Failed to export sound as WAVE.",

@@ -15,6 +15,8 @@ FM_Error AppendSound(std::int16_t id, const FM_ExprEnv& environment, const FM_Da
                      FM_Data& result);
 FM_Error CreateSound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                      FM_Data& result);
+FM_Error DrawWaveform(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                      FM_Data& result);
 FM_Error ExtractSound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                       FM_Data& result);
 FM_Error FadeSound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,

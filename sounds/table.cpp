@@ -36,7 +36,7 @@ constexpr std::array<SoundFunction, 27> kSoundFunctions = {{
     {24, 1, 3, kShownServerFunction, GetMetadata},            // Media_GetMetadata
     {25, 0, 1, kShownFunction, SoundFunctionNotBuilt},        // Media_PlayPause
     {26, 1, 1, kShownServerFunction, Normalize},              // Media_Normalize
-    {27, 6, 8, kShownFunction, SoundFunctionNotBuilt},        // Media_DrawWaveform
+    {27, 6, 8, kShownFunction, DrawWaveform},                 // Media_DrawWaveform
 }};
 
 } // namespace

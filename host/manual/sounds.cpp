@@ -96,6 +96,22 @@ inOrOut     true: out, and the result ends where the fade does; false: in, and i
      "is\n"
      "only in Media_GetLastError.",
      "codes of Media_Amplify", R"(Media_Normalize ( "/C:/sounds/talk.wav" ))"},
+    {"Media_DrawWaveform", "A picture of a sound's waveform, a band for each channel.",
+     R"(container   a sound or movie (see Media_AppendSound)
+track       the sound track, from 1, and after a "/" the channel: left, right, all or its number from 0
+            ("1", "1/left", "2/0"); all without it
+width, height
+            of the picture in pixels; 20 rows stay white above the bands and below each
+startTime, endTime
+            H:M:S or H:M:S.F, in either order; an end of 0:0:0 is that of the track
+fgcolor, bgcolor
+            of the wave and of the bands: "#" and six hexadecimal digits; without them green on black)",
+     "A container with a JPEG image. Answers the host 0: a failure is only in Media_GetLastError, and the "
+     "result\nis empty then.",
+     "-4     an uncompressed sound of 8 bits\n-50    a parameter that can't be read, or a height that leaves "
+     "a band less than 20 rows\n-205   no such channel\n-2014  the times lie behind the sound's end\n"
+     "-2030  no such sound track\n-5246  the start lies behind the track's end\ncodes of Media_AppendSound",
+     R"(Media_DrawWaveform ( "/C:/sounds/talk.wav" ; "1/left" ; 800 ; 120 ; "0:0:0" ; "0:1:0" ; "#ffffff" ; "#203040" ))"},
     {"Media_GetSoundInfo",
      "The facts of a sound or of a movie's sounds, from the header alone where it has them.",
      "container   a sound (see Media_AppendSound)",

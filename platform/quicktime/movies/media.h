@@ -15,6 +15,8 @@ OSType GetMediaType(Media media);
 Track GetMediaTrack(Media media);
 TimeScale GetMediaTimeScale(Media media);
 TimeValue GetMediaDuration(Media media);         ///< of a sound: its frames
+/// The media time that a track plays at a movie time; -1 when it plays none then.
+TimeValue TrackTimeToMediaTime(TimeValue movie_time, Track track);
 std::uint32_t GetMediaCreationTime(Media media); ///< seconds since 1 January 1904, GMT
 std::uint32_t GetMediaModificationTime(Media media);
 std::int16_t GetMediaLanguage(Media media);

@@ -82,6 +82,14 @@ void CopyTracks(const MovieRecord& from, MovieRecord& to, Place&& place) {
 } // namespace
 } // namespace qt
 
+TimeValue TrackTimeToMediaTime(TimeValue movie_time, Track track) {
+    for (const qt::Segment& segment : track->segments) {
+        if (movie_time < segment.start || movie_time >= segment.End()) continue;
+        return segment.media_start + qt::ToMedia(*track, movie_time - segment.start);
+    }
+    return -1;
+}
+
 OSErr InsertMediaIntoTrack(Track track, TimeValue track_time, TimeValue media_time, TimeValue duration,
                            Fixed rate) {
     using namespace qt;
