@@ -1,8 +1,6 @@
 #include "platform/quicktime/effects/parameter_dialog.h"
 
-#include "platform/quicktime/effects/area_mean.h"
-#include "platform/quicktime/effects/pixel_math.h"
-#include "platform/quicktime/effects/render.h"
+#include "platform/quicktime/effects/effect_preview.h"
 #include "platform/quicktime/effects/settings_xml.h"
 #include "platform/quicktime/effects/type_codes.h"
 #include "platform/quicktime/graphics_exporter.h"
@@ -11,7 +9,6 @@
 #include "platform/win32/settings_dialog.h"
 
 #include <algorithm>
-#include <array>
 #include <new>
 
 namespace qt {
@@ -19,8 +16,7 @@ namespace qt {
 struct ParameterDialog {
     std::vector<const Effect*> effects;
     QTAtomContainer parameters = nullptr;
-    std::array<PixelImage, 2> sources; ///< of the preview; one without pixels is not there
-    double scale = 1;                  ///< of the preview's pixels, against those of the first picture
+    EffectPreview preview;
 };
 
 namespace {
@@ -30,7 +26,6 @@ using Kind = EffectParameter::Kind;
 static_assert(kCompositeMinorClass == kCompositeClass);
 
 constexpr std::string_view kEffectKey = "effect";
-constexpr std::int32_t kPreviewSide = 320;
 
 OSErr ListEffect(const Effect& effect, std::int32_t number, QTAtomContainer list) {
     const auto insert = [=](OSType type, std::span<const std::byte> data) {
@@ -38,28 +33,6 @@ OSErr ListEffect(const Effect& effect, std::int32_t number, QTAtomContainer list
     };
     const OSErr code = insert(kEffectTypeAtom, CodeBytes(effect.type));
     return code == noErr ? insert(kEffectNameAtom, std::as_bytes(std::span(effect.name))) : code;
-}
-
-/// The image at a scale of at most 1, each pixel the mean of what it stands for.
-ComponentResult Shrink(const PixelImage& image, double scale, PixelImage& out) {
-    const auto scaled = [scale](std::int32_t length) {
-        return std::max(static_cast<std::int32_t>(length * scale), 1);
-    };
-    if (const auto code = out.Allocate(scaled(image.width()), scaled(image.height())); code != noErr)
-        return code;
-    out.has_alpha = image.has_alpha;
-    const auto edge = [](std::int32_t place, std::int32_t length, std::int32_t count) {
-        return static_cast<std::int16_t>(std::int64_t{place} * length / count);
-    };
-    for (std::int32_t y = 0; y < out.height(); ++y) {
-        for (std::int32_t x = 0; x < out.width(); ++x) {
-            const Rect part = {edge(y, image.height(), out.height()), edge(x, image.width(), out.width()),
-                               edge(y + 1, image.height(), out.height()),
-                               edge(x + 1, image.width(), out.width())};
-            out.Row(y)[x] = AreaMean(image, part);
-        }
-    }
-    return noErr;
 }
 
 win32::SettingControl DescribeControl(const EffectParameter& parameter) {
@@ -100,24 +73,6 @@ EffectSettings SettingsOf(const ParameterDialog& dialog, const win32::SettingVal
     return settings;
 }
 
-win32::SettingsPreview DrawPreview(const ParameterDialog& dialog, const win32::SettingValues& values) {
-    EffectSettings settings = SettingsOf(dialog, values);
-    settings.values.ScaleLengths(dialog.scale);
-    const auto& [a, b] = dialog.sources;
-    PixelImage drawn;
-    if (RenderEffect(settings, a, b.width() > 0 ? &b : nullptr, drawn) != noErr) return {};
-    win32::SettingsPreview preview = {drawn.width(), drawn.height(), {}};
-    for (std::int32_t y = 0; y < drawn.height(); ++y) {
-        for (std::int32_t x = 0; x < drawn.width(); ++x) {
-            const std::uint32_t pixel = drawn.Row(y)[x];
-            const std::uint32_t shown = MixChannels(0xFFFF'FFFF, pixel, Alpha(pixel)); // on white
-            for (const std::uint32_t channel : {Red(shown), Green(shown), Blue(shown)})
-                preview.rgb.push_back(static_cast<std::uint8_t>(channel));
-        }
-    }
-    return preview;
-}
-
 win32::SettingsDialog Describe(const ParameterDialog& dialog) {
     win32::SettingsDialog description;
     description.title = "Select Effect";
@@ -129,9 +84,9 @@ win32::SettingsDialog Describe(const ParameterDialog& dialog) {
             page.controls.push_back(DescribeControl(parameter));
         description.pages.push_back(std::move(page));
     }
-    if (dialog.sources[0].width() > 0)
+    if (dialog.preview.IsShown())
         description.preview = [&dialog](const win32::SettingValues& values) {
-            return DrawPreview(dialog, values);
+            return dialog.preview.Draw(SettingsOf(dialog, values));
         };
     return description;
 }
@@ -203,11 +158,7 @@ OSErr QTStandardParameterDialogDoAction(QTParameterDialog dialog, std::int32_t a
                                         const QTParamPreviewRecord& preview) {
     const bool known = preview.sourceID == 1 || preview.sourceID == 2;
     if (action != pdActionSetPreviewPicture || !known || preview.sourcePicture == nullptr) return paramErr;
-    const qt::PixelImage& picture = preview.sourcePicture->pixels;
-    if (preview.sourceID == 1)
-        dialog->scale = std::min(1.0, double{qt::kPreviewSide} / std::max(picture.width(), picture.height()));
-    qt::PixelImage& source = dialog->sources[static_cast<std::size_t>(preview.sourceID - 1)];
-    return static_cast<OSErr>(qt::Shrink(picture, dialog->scale, source));
+    return static_cast<OSErr>(dialog->preview.SetSource(preview.sourceID, preview.sourcePicture->pixels));
 }
 
 OSErr QTStandardParameterDialogDoAction(QTParameterDialog, std::int32_t action,
