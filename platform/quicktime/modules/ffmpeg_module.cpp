@@ -83,7 +83,8 @@ std::unique_ptr<Resampler> OpenResampler(std::uint32_t channels, std::uint32_t f
 } // namespace qt
 
 extern "C" __attribute__((visibility("default"))) const void* corvane_module() {
-    static const qt::FfmpegModule module = {qt::OpenDecoder, qt::OpenFile, qt::OpenResampler};
+    static const qt::FfmpegModule module = {qt::OpenDecoder, qt::OpenFile, qt::OpenResampler,
+                                            qt::OpenEncoder};
     av_log_set_level(AV_LOG_QUIET);
     return &module;
 }

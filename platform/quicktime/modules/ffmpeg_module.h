@@ -1,8 +1,10 @@
-// Interface of the module that decodes compressed sound and changes sample rates. It stands apart because its
-// libraries take tens of milliseconds to load, which nobody should pay who works on uncompressed sounds.
+// Interface of the module that decodes and encodes compressed sound and changes sample rates. It stands apart
+// because its libraries take tens of milliseconds to load, which nobody should pay who works on uncompressed
+// sounds.
 #pragma once
 
 #include "platform/quicktime/data_source.h"
+#include "platform/quicktime/movies/pcm.h"
 
 #include <cstdint>
 #include <memory>
@@ -77,12 +79,47 @@ public:
     virtual bool Process(std::span<const float> frames, std::vector<float>& out) = 0;
 };
 
+/// A file that is being written; it outlives its encoder.
+class EncodedSink {
+public:
+    EncodedSink() = default;
+    EncodedSink(const EncodedSink&) = delete;
+    EncodedSink& operator=(const EncodedSink&) = delete;
+    virtual ~EncodedSink() = default;
+
+    virtual bool Write(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
+    [[nodiscard]] virtual std::uint64_t GetSize() const = 0;
+};
+
+struct EncoderSettings {
+    const char* container = nullptr; ///< the library's names of them
+    const char* encoder = nullptr;
+    PcmLayout input;                   ///< of what is encoded: little-endian
+    std::uint32_t bits = 0;            ///< how many upper bits of the samples count; 0: all
+    std::uint32_t bits_per_second = 0; ///< 0: by quality
+    std::uint32_t quality = 0;
+};
+
+/// Interleaved samples in, a file out.
+class SoundEncoder {
+public:
+    SoundEncoder() = default;
+    SoundEncoder(const SoundEncoder&) = delete;
+    SoundEncoder& operator=(const SoundEncoder&) = delete;
+    virtual ~SoundEncoder() = default;
+
+    virtual bool Write(std::span<const std::byte> frames) = 0;
+    /// Writes what is held back, and the file's end.
+    virtual bool Finish() = 0;
+};
+
 /// What the module's corvane_module() answers. Each answers null for what it can't do.
 struct FfmpegModule {
     std::unique_ptr<PacketDecoder> (*open_decoder)(const DecoderSettings& settings);
     std::unique_ptr<DemultiplexedSound> (*open_file)(std::shared_ptr<DataSource> data);
     std::unique_ptr<Resampler> (*open_resampler)(std::uint32_t channels, std::uint32_t from,
                                                  std::uint32_t to);
+    std::unique_ptr<SoundEncoder> (*open_encoder)(const EncoderSettings& settings, EncodedSink& sink);
 };
 
 } // namespace qt

@@ -28,5 +28,6 @@ bool DecodePacket(AVCodecContext& context, AVFrame& frame, const AVPacket* packe
 std::unique_ptr<PacketDecoder> OpenDecoder(const DecoderSettings& settings);
 std::unique_ptr<DemultiplexedSound> OpenFile(std::shared_ptr<DataSource> data);
 std::unique_ptr<Resampler> OpenResampler(std::uint32_t channels, std::uint32_t from, std::uint32_t to);
+std::unique_ptr<SoundEncoder> OpenEncoder(const EncoderSettings& settings, EncodedSink& sink);
 
 } // namespace qt

@@ -1,84 +1,211 @@
 #include "platform/quicktime/movie_exporters/movie_exporter.h"
 
-#include "platform/quicktime/movies/file_io.h"
+#include "platform/quicktime/movie_exporters/sound_exporter.h"
+#include "platform/quicktime/movies/atoms.h"
 #include "platform/quicktime/movies/movie_files.h"
+#include "platform/quicktime/movies/movie_storage.h"
+#include "platform/quicktime/movies/sound_description.h"
+#include "platform/quicktime/movies/sound_renderer.h"
 
-#include <unistd.h>
+#include <algorithm>
+#include <cstring>
+#include <limits>
 
 namespace qt {
-
-ExportedFile::~ExportedFile() {
-    if (descriptor_ < 0) return;
-    ::close(descriptor_);
-    if (!completed_) ::unlink(path_.c_str());
-}
-
-OSErr ExportedFile::Create(const std::string& path, bool replace) {
-    descriptor_ = CreateFile(path, replace);
-    if (descriptor_ < 0) return static_cast<OSErr>(descriptor_);
-    path_ = path;
-    return noErr;
-}
-
-OSErr ExportedFile::Write(std::span<const std::byte> bytes) {
-    const OSErr code = WriteAt(descriptor_, end_, bytes);
-    end_ += bytes.size();
-    return code;
-}
-
-OSErr MovieExporter::Tell(const MovieRecord& movie, double done) const {
-    if (progress_ == nullptr) return noErr;
-    return progress_(const_cast<MovieRecord*>(&movie), done, progress_context_);
-}
-
-std::unique_ptr<Component> OpenMovieExporter(OSType subtype) {
-    for (const MovieExporterRow& row : MovieExporters())
-        if (subtype == kAnySubtype || row.subtype == subtype) return row.open();
-    return nullptr;
-}
-
 namespace {
 
-MovieExporter* ExporterOf(ComponentInstance instance) {
-    return dynamic_cast<MovieExporter*>(instance);
+constexpr std::size_t kBlockBytes = 1U << 18;
+constexpr int kSteps = 100; ///< how often the progress is told
+
+/// Atoms of the settings.
+constexpr OSType kFormatAtom = Code("fmt ");
+constexpr OSType kTextAtom = Code("text");
+
+class SoundExporter final : public Component {
+public:
+    explicit SoundExporter(const SoundExporterRow& format)
+        : row(format), settings(UsualSettings(format.choices)) {}
+
+    OSErr Export(const MovieRecord& movie, const TrackRecord* only, ExportedFile& file) const {
+        const auto writer = row.open_writer(row, settings, file);
+        if (writer == nullptr) return cantOpenHandler;
+        std::unique_ptr<SoundRenderer> renderer;
+        OSErr code = SoundRenderer::Open(movie, only, writer->Layout(), renderer);
+        if (code == noErr) code = file.Create();
+        if (code == noErr) code = writer->Begin(renderer->GetFrames());
+        if (code == noErr) code = WriteSamples(movie, *renderer, *writer);
+        return code == noErr ? writer->End() : code;
+    }
+
+    const SoundExporterRow& row;
+    SoundSettings settings;
+    MovieProgressProc progress = nullptr;
+    void* progress_context = nullptr;
+
+private:
+    OSErr Tell(const MovieRecord& movie, double done) const {
+        if (progress == nullptr) return noErr;
+        return progress(const_cast<MovieRecord*>(&movie), done, progress_context);
+    }
+
+    OSErr WriteSamples(const MovieRecord& movie, SoundRenderer& renderer, SoundFileWriter& writer) const {
+        const std::size_t frame = writer.Layout().FrameBytes();
+        Bytes block(std::max<std::size_t>(kBlockBytes / frame, 1) * frame);
+        std::int64_t written = 0;
+        int told = 0;
+        if (const OSErr code = Tell(movie, 0); code != noErr) return code;
+        while (written < renderer.GetFrames()) {
+            const FramesRead read = renderer.Read(block);
+            if (read.code != noErr || read.frames == 0) return read.code != noErr ? read.code : OSErr{ioErr};
+            const auto size = static_cast<std::size_t>(read.frames) * frame;
+            if (const OSErr code = writer.Write(std::span(block).first(size)); code != noErr) return code;
+            written += read.frames;
+            const int step = static_cast<int>(written * kSteps / renderer.GetFrames());
+            if (step == told || step == kSteps) continue;
+            told = step;
+            if (const OSErr code = Tell(movie, static_cast<double>(step) / kSteps); code != noErr)
+                return code;
+        }
+        return Tell(movie, 1);
+    }
+};
+
+SoundExporter* ExporterOf(ComponentInstance instance) {
+    return dynamic_cast<SoundExporter*>(instance);
+}
+
+/// The settings that a description of uncompressed samples asks for; nothing when the format has no such
+/// ones.
+std::optional<SoundSettings> SettingsOf(std::span<const std::byte> description,
+                                        const SoundExporter& exporter) {
+    const auto layout = LayoutOf(description);
+    if (!layout) return std::nullopt;
+    const SoundFormatChoices& choices = exporter.row.choices;
+    SoundSettings settings = exporter.settings;
+    settings.rate = layout->rate;
+    settings.channels = layout->channels;
+    settings.encoding = layout->encoding;
+    settings.big_endian =
+        choices.order == ByteOrder::kEither ? layout->big_endian : choices.order == ByteOrder::kBig;
+    if (Offers(choices, settings)) return settings;
+    // Files of some formats have bytes of one kind only.
+    if (layout->encoding == SampleEncoding::kSigned8) settings.encoding = SampleEncoding::kUnsigned8;
+    if (layout->encoding == SampleEncoding::kUnsigned8) settings.encoding = SampleEncoding::kSigned8;
+    if (Offers(choices, settings)) return settings;
+    return std::nullopt;
+}
+
+OSErr InsertText(QTAtomContainer container, OSType type, std::string_view text) {
+    return QTInsertChild(container, kParentAtomIsContainer, type, 1, std::as_bytes(std::span(text)), nullptr);
+}
+
+std::string_view AtomText(QTAtomContainer container, OSType type) {
+    const QTAtom atom = QTFindChildByIndex(container, kParentAtomIsContainer, type, 1, nullptr);
+    const auto data = atom != 0 ? QTGetAtomData(container, atom) : std::span<const std::byte>();
+    return {reinterpret_cast<const char*>(data.data()), data.size()};
+}
+
+struct ContainerDisposer {
+    void operator()(QTAtomContainer container) const { QTDisposeAtomContainer(container); }
+};
+
+std::string FormatText(OSType subtype) {
+    std::string text;
+    for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>(subtype >> shift & 0xFF);
+    return text;
 }
 
 } // namespace
+
+std::unique_ptr<Component> OpenMovieExporter(OSType subtype) {
+    for (const SoundExporterRow& row : SoundExporters())
+        if (subtype == kAnySubtype || row.subtype == subtype) return std::make_unique<SoundExporter>(row);
+    return nullptr;
+}
+
+std::vector<SoundExporterInfo> ListSoundExporters() {
+    std::vector<SoundExporterInfo> list;
+    for (const SoundExporterRow& row : SoundExporters())
+        list.push_back({row.subtype, row.name, row.description});
+    return list;
+}
+
 } // namespace qt
 
 ComponentResult MovieExportSetSampleDescription(MovieExportComponent exporter, Handle description,
                                                 OSType media_type) {
-    qt::MovieExporter* const opened = qt::ExporterOf(exporter);
-    return opened != nullptr ? opened->SetSampleDescription(qt::HandleBytes(description), media_type)
-                             : badComponentInstance;
+    qt::SoundExporter* const opened = qt::ExporterOf(exporter);
+    if (opened == nullptr) return badComponentInstance;
+    const auto settings = qt::SettingsOf(qt::HandleBytes(description), *opened);
+    if (media_type != qt::Code("soun") || !settings) return paramErr;
+    opened->settings = *settings;
+    return noErr;
 }
 
 ComponentResult MovieExportGetFileType(MovieExportComponent exporter, OSType* type) {
-    const qt::MovieExporter* const opened = qt::ExporterOf(exporter);
+    const qt::SoundExporter* const opened = qt::ExporterOf(exporter);
     if (opened == nullptr) return badComponentInstance;
-    *type = opened->FileType();
+    *type = opened->row.subtype;
     return noErr;
 }
 
 ComponentResult MovieExportSetProgressProc(MovieExportComponent exporter, MovieProgressProc proc,
                                            void* context) {
-    qt::MovieExporter* const opened = qt::ExporterOf(exporter);
+    qt::SoundExporter* const opened = qt::ExporterOf(exporter);
     if (opened == nullptr) return badComponentInstance;
-    opened->SetProgress(proc, context);
+    opened->progress = proc;
+    opened->progress_context = context;
+    return noErr;
+}
+
+ComponentResult MovieExportDoUserDialog(MovieExportComponent exporter, Movie, bool* cancelled) {
+    qt::SoundExporter* const opened = qt::ExporterOf(exporter);
+    if (opened == nullptr) return badComponentInstance;
+    win32::SettingsDialog dialog;
+    dialog.title = std::string(opened->row.name) + " Settings";
+    dialog.pages.push_back(qt::DescribeSettings(opened->row.choices, opened->settings));
+    const auto answer = win32::AskForSettings(dialog);
+    *cancelled = !answer.has_value();
+    if (answer) qt::ChangeSettings(opened->row.choices, *answer, opened->settings);
+    return noErr;
+}
+
+ComponentResult MovieExportGetSettingsAsAtomContainer(MovieExportComponent exporter,
+                                                      QTAtomContainer* settings) {
+    *settings = nullptr;
+    const qt::SoundExporter* const opened = qt::ExporterOf(exporter);
+    if (opened == nullptr) return badComponentInstance;
+    QTAtomContainer container = nullptr;
+    if (const OSErr code = QTNewAtomContainer(&container); code != noErr) return code;
+    std::unique_ptr<char*, qt::ContainerDisposer> owned(container);
+    OSErr code = qt::InsertText(container, qt::kFormatAtom, qt::FormatText(opened->row.subtype));
+    if (code == noErr)
+        code =
+            qt::InsertText(container, qt::kTextAtom, qt::SettingsText(opened->row.choices, opened->settings));
+    if (code == noErr) *settings = owned.release();
+    return code;
+}
+
+ComponentResult MovieExportSetSettingsFromAtomContainer(MovieExportComponent exporter,
+                                                        QTAtomContainer settings) {
+    qt::SoundExporter* const opened = qt::ExporterOf(exporter);
+    if (opened == nullptr) return badComponentInstance;
+    if (qt::AtomText(settings, qt::kFormatAtom) != qt::FormatText(opened->row.subtype)) return paramErr;
+    qt::ChangeSettings(opened->row.choices, qt::ParseSettingsText(qt::AtomText(settings, qt::kTextAtom)),
+                       opened->settings);
     return noErr;
 }
 
 OSErr ConvertMovieToDataRef(Movie movie, Track only_track, Handle data_reference, OSType reference_type,
                             OSType, OSType, std::uint32_t flags, MovieExportComponent exporter) {
-    qt::MovieExporter* const opened = qt::ExporterOf(exporter);
+    const qt::SoundExporter* const opened = qt::ExporterOf(exporter);
     if (movie == nullptr) return qt::MoviesError(invalidMovie);
     if (opened == nullptr) return qt::MoviesError(badComponentInstance);
     const std::string path = qt::UnixPathOf(data_reference, reference_type);
     if (path.empty())
         return qt::MoviesError(reference_type == qt::kAliasDataHandler ? fnfErr : cantFindHandler);
-    qt::ExportedFile file;
-    OSErr code = file.Create(path, (flags & createMovieFileDeleteCurFile) != 0);
-    if (code == noErr) code = opened->Export(*movie, only_track, file);
+    qt::ExportedFile file(path, (flags & createMovieFileDeleteCurFile) != 0);
+    const OSErr code = opened->Export(*movie, only_track, file);
     if (code == noErr) file.Complete();
     return qt::MoviesError(code);
 }

@@ -1,0 +1,42 @@
+// The file that an export writes.
+#pragma once
+
+#include "platform/quicktime/types.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <utility>
+
+namespace qt {
+
+/// A new file, removed again unless it is completed. The first code of a write is kept: libraries that write
+/// through it answer codes of their own.
+class ExportedFile {
+public:
+    /// `replace`: takes the place of a file that is there, else such a file is dupFNErr.
+    ExportedFile(std::string path, bool replace) : path_(std::move(path)), replace_(replace) {}
+    ExportedFile(const ExportedFile&) = delete;
+    ExportedFile& operator=(const ExportedFile&) = delete;
+    ~ExportedFile();
+
+    OSErr Create();
+    /// At the file's end.
+    OSErr Append(std::span<const std::byte> bytes) { return Write(end_, bytes); }
+    /// Anywhere; what lies between the end and an offset behind it becomes zero.
+    OSErr Write(std::uint64_t offset, std::span<const std::byte> bytes);
+    [[nodiscard]] std::uint64_t GetSize() const { return end_; }
+    [[nodiscard]] OSErr GetCode() const { return code_; }
+    void Complete() { completed_ = true; }
+
+private:
+    std::string path_;
+    bool replace_;
+    int descriptor_ = -1;
+    std::uint64_t end_ = 0;
+    OSErr code_ = noErr;
+    bool completed_ = false;
+};
+
+} // namespace qt
