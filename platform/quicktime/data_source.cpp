@@ -80,6 +80,7 @@ public:
     std::size_t Read(std::uint64_t offset, std::span<std::byte> buffer) noexcept override {
         return CopyFrom(bytes_, offset, buffer);
     }
+    [[nodiscard]] std::span<const std::byte> InMemory() const noexcept override { return bytes_; }
 
 private:
     std::vector<std::byte> owned_;

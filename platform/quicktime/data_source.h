@@ -26,6 +26,9 @@ public:
     /// the data, and where reading fails or a file has become shorter meanwhile. Never throws: codecs call
     /// it from inside C libraries.
     virtual std::size_t Read(std::uint64_t offset, std::span<std::byte> buffer) noexcept = 0;
+
+    /// All the bytes, when they lie in memory anyhow: good as long as the source. Else empty.
+    [[nodiscard]] virtual std::span<const std::byte> InMemory() const noexcept { return {}; }
 };
 
 /// A source, or why there is none. The source is null when the code is not 0.

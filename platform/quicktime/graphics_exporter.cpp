@@ -1,5 +1,4 @@
 #include "platform/quicktime/graphics_exporter_state.h"
-#include "platform/quicktime/movies/handle_bytes.h"
 
 #include <algorithm>
 #include <new>
@@ -132,7 +131,7 @@ ComponentResult GraphicsExportDoExport(GraphicsExportComponent instance, std::ui
             const auto code = has_port ? qt::EncodePort(exporter, bytes) : qt::EncodeDrawing(exporter, bytes);
             if (code != noErr) return code;
             *written = bytes.size();
-            return qt::SetHandleBytes(exporter.output, bytes);
+            return qt::MoveToHandle(std::move(bytes), exporter.output);
         } catch (const std::bad_alloc&) {
             return memFullErr;
         }

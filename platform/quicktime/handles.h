@@ -5,6 +5,7 @@
 
 #include <span>
 #include <utility>
+#include <vector>
 
 /// A block that can be resized in place: `*handle` is the address of its bytes, good until the block is
 /// resized or disposed of.
@@ -48,5 +49,8 @@ private:
 
 /// The bytes of a block; none of a null one.
 std::span<std::byte> HandleBytes(Handle handle);
+
+/// The bytes become those of the block, in place of what it held and without a copy.
+OSErr MoveToHandle(std::vector<std::byte> bytes, Handle handle);
 
 } // namespace qt

@@ -75,8 +75,12 @@ ComponentResult DecodeWhole(DataSource& source, PixelImage& image) {
     constexpr std::uint32_t kMostPixelsOfByte = 4096; // few operations can fill a large frame
     const std::uint64_t size = source.GetSize();
     if (size > kMaximumPixelBytes) return memFullErr;
-    std::vector<std::byte> bytes(static_cast<std::size_t>(size));
-    bytes.resize(source.Read(0, bytes));
+    std::span<const std::byte> bytes = source.InMemory();
+    std::vector<std::byte> owned;
+    if (bytes.empty()) {
+        owned.resize(static_cast<std::size_t>(size));
+        bytes = std::span(owned).first(source.Read(0, owned));
+    }
     PictHeader header;
     if (!ReadPictHeader(bytes, header)) return codecBadDataErr;
     ImageDescription description;
@@ -87,7 +91,7 @@ ComponentResult DecodeWhole(DataSource& source, PixelImage& image) {
     if (const auto code = AllocateFor(description, image); code != noErr) return code;
     image.has_alpha = image.is_grey = false;
     Canvas canvas(image, header.frame);
-    PictPlayer player(std::span<const std::byte>(bytes).subspan(header.picture_at), header, canvas);
+    PictPlayer player(bytes.subspan(header.picture_at), header, canvas);
     return player.Play() ? ComponentResult{noErr} : codecBadDataErr;
 }
 

@@ -2,6 +2,7 @@
 // anything, so that the state of a read is one plain struct.
 #include "platform/quicktime/image_codecs/png_decode.h"
 
+#include "platform/quicktime/image_codecs/png_rgb.h"
 #include "platform/quicktime/image_codecs/raster.h"
 
 #include <array>
@@ -25,6 +26,7 @@ struct Reader {
     int pass;
     bool has_alpha;
     bool is_grey;
+    bool is_plain_rgb; ///< 8 bits a sample, neither transparent nor interlaced
 };
 
 [[noreturn]] void OnError(png_structp png, png_const_charp) {
@@ -63,6 +65,9 @@ bool ReadHeader(Reader& reader) {
     const bool transparent = png_get_valid(png, reader.info, PNG_INFO_tRNS) != 0;
     reader.has_alpha = (type & PNG_COLOR_MASK_ALPHA) != 0 || transparent;
     reader.is_grey = (type & PNG_COLOR_MASK_COLOR) == 0;
+    reader.is_plain_rgb = type == PNG_COLOR_TYPE_RGB && !transparent &&
+                          png_get_bit_depth(png, reader.info) == 8 &&
+                          png_get_interlace_type(png, reader.info) == PNG_INTERLACE_NONE;
     png_set_expand(png);
     png_set_scale_16(png);
     if (reader.is_grey) png_set_gray_to_rgb(png);
@@ -93,14 +98,16 @@ ComponentResult Decode(Reader& reader, PixelImage& image) {
     if (!DataHolds(reader.source->GetSize(), reader.width, reader.height, kMostPixelsPerByte))
         return codecBadDataErr;
     if (const auto code = AllocateFor(description, image); code != noErr) return code;
+    image.has_alpha = reader.has_alpha;
+    image.is_grey = reader.is_grey;
+    // The library has read on to the contents of the first data chunk.
+    if (reader.is_plain_rgb && DecodeWholeRgb(*reader.source, reader.offset - 8, image)) return noErr;
     const bool interlaced = reader.passes > 1;
     if (interlaced) WhitenRows(image, 0, image.height()); // passes leave gaps when they break off
     if (!ReadRows(reader, image)) {
         if (reader.pass == 0 && reader.next_row == 0) return codecBadDataErr;
         if (!interlaced) WhitenRows(image, static_cast<std::int32_t>(reader.next_row), image.height());
     }
-    image.has_alpha = reader.has_alpha;
-    image.is_grey = reader.is_grey;
     return noErr;
 }
 

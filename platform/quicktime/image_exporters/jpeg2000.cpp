@@ -20,6 +20,7 @@ constexpr std::array<OSType, 4> kTypes = {Code("jp2 "), Code("mjp2"), Code("JP2 
 constexpr std::array<std::int32_t, 3> kDepths = {24, 32, 40};
 constexpr std::int32_t kLossless = 1024;
 constexpr std::int32_t kNormalQuality = 512;
+constexpr std::int32_t kTileSide = 1024;
 
 /// What the encoder aims at.
 struct Aim {
@@ -48,9 +49,8 @@ using OpjImage = std::unique_ptr<opj_image_t, DestroyImage>;
 using Stream = std::unique_ptr<opj_stream_t, void (*)(opj_stream_t*)>;
 using Codec = std::unique_ptr<opj_codec_t, void (*)(opj_codec_t*)>;
 
-/// The pixels as the library wants them. It encodes in this memory: a second encode needs them anew.
-OpjImage ComponentsFrom(const PixelImage& image, std::uint32_t count) {
-    constexpr std::array<unsigned, 4> kShifts = {16, 8, 0, 24};
+/// What an image of so many components is to the library, without its pixels.
+OpjImage Describe(const PixelImage& image, std::uint32_t count) {
     const auto width = static_cast<std::uint32_t>(image.width());
     const auto height = static_cast<std::uint32_t>(image.height());
     std::array<opj_image_cmptparm_t, 4> parameters{};
@@ -60,40 +60,45 @@ OpjImage ComponentsFrom(const PixelImage& image, std::uint32_t count) {
         parameter.h = height;
         parameter.prec = 8;
     }
-    OpjImage made(opj_image_create(count, parameters.data(), count == 1 ? OPJ_CLRSPC_GRAY : OPJ_CLRSPC_SRGB));
+    OpjImage made(
+        opj_image_tile_create(count, parameters.data(), count == 1 ? OPJ_CLRSPC_GRAY : OPJ_CLRSPC_SRGB));
     if (made == nullptr) return made;
     made->x1 = width;
     made->y1 = height;
     if (count == 4) made->comps[3].alpha = 1;
-    std::vector<std::uint32_t> scratch(width);
-    for (std::uint32_t y = 0; y < height; ++y) {
-        const auto row = static_cast<std::int32_t>(y);
-        const std::uint32_t* pixels = count == 4 ? image.Row(row) : OpaqueRow(image, row, scratch.data());
-        for (std::uint32_t component = 0; component < count; ++component) {
-            OPJ_INT32* samples = made->comps[component].data + std::size_t{y} * width;
-            const unsigned shift = kShifts[component];
-            for (std::uint32_t x = 0; x < width; ++x) {
-                samples[x] = static_cast<OPJ_INT32>(pixels[x] >> shift & 0xFF);
-            }
-        }
-    }
     return made;
 }
 
-/// One component of grey; a colour image has its luminance there.
-OpjImage GreyFrom(const PixelImage& image, std::int32_t depth) {
+/// Takes the samples of a part of the image, component after component; the grey of one component is its red.
+void TakeSamples(const PixelImage& image, const Rect& part, std::uint32_t count, std::vector<OPJ_BYTE>& out) {
+    constexpr std::array<unsigned, 4> kShifts = {16, 8, 0, 24};
+    const auto width = static_cast<std::size_t>(part.right - part.left);
+    const std::size_t plane = width * static_cast<std::size_t>(part.bottom - part.top);
+    std::vector<std::uint32_t> scratch(static_cast<std::size_t>(image.width()));
+    out.resize(plane * count);
+    for (std::int32_t y = part.top; y < part.bottom; ++y) {
+        const std::uint32_t* row = count == 4 ? image.Row(y) : OpaqueRow(image, y, scratch.data());
+        const std::uint32_t* pixels = row + part.left;
+        for (std::uint32_t component = 0; component < count; ++component) {
+            OPJ_BYTE* samples = &out[component * plane + static_cast<std::size_t>(y - part.top) * width];
+            const unsigned shift = kShifts[component];
+            for (std::size_t x = 0; x < width; ++x) samples[x] = static_cast<OPJ_BYTE>(pixels[x] >> shift);
+        }
+    }
+}
+
+/// The greys of an image, those of a colour image being its luminance.
+ComponentResult MakeGrey(const PixelImage& image, std::int32_t depth, PixelImage& out) {
     IndexedImage grey{};
-    PixelImage pixels;
-    if (Quantise(image, depth > 32 ? depth : 40, grey) != noErr ||
-        pixels.Allocate(image.width(), image.height()) != noErr)
-        return nullptr;
+    if (const auto code = Quantise(image, depth > 32 ? depth : 40, grey); code != noErr) return code;
+    if (const auto code = out.Allocate(image.width(), image.height()); code != noErr) return code;
     for (std::int32_t y = 0; y < image.height(); ++y) {
         const std::uint8_t* indices =
             &grey.indices[static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width())];
-        std::transform(indices, indices + image.width(), pixels.Row(y),
+        std::transform(indices, indices + image.width(), out.Row(y),
                        [&](std::uint8_t index) { return grey.palette[index]; });
     }
-    return ComponentsFrom(pixels, 1);
+    return noErr;
 }
 
 struct Output {
@@ -155,28 +160,50 @@ int ResolutionsOf(const opj_image_t& image) {
     return count;
 }
 
-bool EncodeComponents(opj_image_t& image, const Aim& aim, EncodedBytes& out) {
+/// Encodes the image tile by tile, as the library takes four bytes for each sample of a tile and more.
+bool EncodeTiles(const PixelImage& image, opj_codec_t* codec, opj_stream_t* stream,
+                 std::uint32_t components) {
+    std::vector<OPJ_BYTE> samples;
+    std::uint32_t index = 0;
+    for (std::int32_t top = 0; top < image.height(); top += kTileSide) {
+        for (std::int32_t left = 0; left < image.width(); left += kTileSide, ++index) {
+            const Rect tile = {static_cast<std::int16_t>(top), static_cast<std::int16_t>(left),
+                               static_cast<std::int16_t>(std::min(top + kTileSide, image.height())),
+                               static_cast<std::int16_t>(std::min(left + kTileSide, image.width()))};
+            TakeSamples(image, tile, components, samples);
+            const auto size = static_cast<OPJ_UINT32>(samples.size());
+            if (opj_write_tile(codec, index, samples.data(), size, stream) == OPJ_FALSE) return false;
+        }
+    }
+    return true;
+}
+
+bool EncodeComponents(const PixelImage& image, std::uint32_t components, const Aim& aim, EncodedBytes& out) {
     constexpr std::uint64_t kPixelsWorthThreads = 1 << 17;
     Output output{out, out.size(), out.size()};
+    const OpjImage described = Describe(image, components);
     const Stream stream(opj_stream_create(OPJ_J2K_STREAM_CHUNK_SIZE, OPJ_FALSE), opj_stream_destroy);
     const Codec codec(opj_create_compress(OPJ_CODEC_JP2), opj_destroy_codec);
-    if (stream == nullptr || codec == nullptr) return false;
+    if (described == nullptr || stream == nullptr || codec == nullptr) return false;
     opj_stream_set_user_data(stream.get(), &output, nullptr);
     opj_stream_set_write_function(stream.get(), WriteOutput);
     opj_stream_set_skip_function(stream.get(), SkipOutput);
     opj_stream_set_seek_function(stream.get(), SeekOutput);
     opj_cparameters_t parameters;
     opj_set_default_encoder_parameters(&parameters);
-    SetAim(image, aim, parameters);
-    parameters.numresolution = ResolutionsOf(image);
-    parameters.tcp_mct = image.numcomps >= 3 ? 1 : 0;
-    if (opj_setup_encoder(codec.get(), &parameters, &image) == OPJ_FALSE) return false;
-    if (std::uint64_t{image.x1} * image.y1 >= kPixelsWorthThreads) {
+    SetAim(*described, aim, parameters);
+    parameters.numresolution = ResolutionsOf(*described);
+    parameters.tcp_mct = components >= 3 ? 1 : 0;
+    parameters.tile_size_on = OPJ_TRUE;
+    parameters.cp_tdx = std::min(image.width(), kTileSide);
+    parameters.cp_tdy = std::min(image.height(), kTileSide);
+    if (opj_setup_encoder(codec.get(), &parameters, described.get()) == OPJ_FALSE) return false;
+    if (std::uint64_t{described->x1} * described->y1 >= kPixelsWorthThreads) {
         const unsigned threads = std::clamp(std::thread::hardware_concurrency(), 1U, 8U);
         opj_codec_set_threads(codec.get(), static_cast<int>(threads));
     }
-    return opj_start_compress(codec.get(), &image, stream.get()) != OPJ_FALSE &&
-           opj_encode(codec.get(), stream.get()) != OPJ_FALSE &&
+    return opj_start_compress(codec.get(), described.get(), stream.get()) != OPJ_FALSE &&
+           EncodeTiles(image, codec.get(), stream.get(), components) &&
            opj_end_compress(codec.get(), stream.get()) != OPJ_FALSE;
 }
 
@@ -224,8 +251,11 @@ ComponentResult Write(const PixelImage& image, const ExportSettings& settings, c
     const std::size_t begin = out.size();
     const std::int32_t depth = settings.depth.value_or(0);
     const std::uint32_t components = ComponentsOf(image, depth);
-    const OpjImage source = components == 1 ? GreyFrom(image, depth) : ComponentsFrom(image, components);
-    if (source == nullptr || !EncodeComponents(*source, aim, out)) return memFullErr;
+    PixelImage grey;
+    if (components == 1) {
+        if (const auto code = MakeGrey(image, depth, grey); code != noErr) return code;
+    }
+    if (!EncodeComponents(components == 1 ? grey : image, components, aim, out)) return memFullErr;
     InsertResolution(settings, begin, out);
     return noErr;
 }

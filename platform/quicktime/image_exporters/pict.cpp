@@ -82,6 +82,9 @@ public:
         Append16(out_, 0); // copied
     }
 
+    /// So many bytes are to come: else the result grows by copies.
+    void Reserve(std::size_t bytes) { out_.reserve(out_.size() + bytes); }
+
     /// A row as a map holds it; `pack` is null for rows that stay as they are.
     void AppendRow(std::span<const std::byte> row, std::size_t row_bytes,
                    std::size_t (*pack)(std::span<const std::byte>, std::byte*)) {
@@ -173,6 +176,8 @@ void AppendDirect(PictWriter& writer, const PixelImage& image) {
     constexpr std::int32_t kNarrow = 2; // pixels that some readers only find whole
     const bool has_four = image.has_alpha || image.width() <= kNarrow;
     const Format format = {true, 32, has_four ? 4U : 3U, 8, 4};
+    writer.Reserve(PackedBound(format.components * static_cast<std::size_t>(image.width())) *
+                   static_cast<std::size_t>(image.height()));
     ForEachStrip(image.width(), image.height(), format.pixel_size, [&](const Strip& strip) {
         writer.AppendMap(strip, format, {});
         const auto count = static_cast<std::size_t>(strip.width);

@@ -1,4 +1,5 @@
 // TIFF, through libtiff, in strips of some ten KB.
+#include "platform/quicktime/image_codecs/packbits.h"
 #include "platform/quicktime/image_codecs/tiff_file.h"
 #include "platform/quicktime/image_exporters/index_rows.h"
 #include "platform/quicktime/image_exporters/opaque_rows.h"
@@ -150,29 +151,49 @@ void StoreRgba(const std::uint32_t* pixels, std::int32_t count, std::byte* sampl
     }
 }
 
-bool PutStrips(TIFF* tiff, const PixelImage& image, const Form& form, const IndexedImage& indexed,
-               std::int32_t rows_of_strip) {
+/// A row as it is stored.
+void StoreRow(const PixelImage& image, const Form& form, const IndexedImage& indexed, std::int32_t y,
+              std::uint32_t* scratch, std::byte* row) {
     const auto width = static_cast<std::size_t>(image.width());
-    const std::size_t row_bytes = (width * form.bits * form.samples + 7) / 8;
-    std::vector<std::byte> strip(row_bytes * static_cast<std::size_t>(rows_of_strip));
-    std::vector<std::uint32_t> scratch(width);
+    if (form.samples == 4) {
+        StoreRgba(image.Row(y), image.width(), row);
+    } else if (form.samples == 3) {
+        StoreRgb(OpaqueRow(image, y, scratch), image.width(), row);
+    } else {
+        const std::span indices(indexed.indices);
+        PackIndices(indices.subspan(static_cast<std::size_t>(y) * width, width), form.bits, row);
+    }
+}
+
+/// Packs the rows of a strip, each for itself, and answers how many bytes they took.
+std::size_t PackRows(std::span<const std::byte> strip, std::size_t row_bytes, std::byte* out) {
+    std::byte* const begin = out;
+    for (; !strip.empty(); strip = strip.subspan(row_bytes)) out += PackBits(strip.first(row_bytes), out);
+    return static_cast<std::size_t>(out - begin);
+}
+
+bool PutStrips(TIFF* tiff, const PixelImage& image, const Form& form, const IndexedImage& indexed,
+               std::size_t row_bytes, std::int32_t rows_of_strip, bool packs) {
+    const auto most_rows = static_cast<std::size_t>(rows_of_strip);
+    std::vector<std::byte> strip(row_bytes * most_rows);
+    std::vector<std::byte> packed(packs ? PackedBound(row_bytes) * most_rows : 0);
+    std::vector<std::uint32_t> scratch(static_cast<std::size_t>(image.width()));
     std::uint32_t index = 0;
     for (std::int32_t top = 0; top < image.height(); top += rows_of_strip, ++index) {
         const std::int32_t rows = std::min(rows_of_strip, image.height() - top);
-        for (std::int32_t i = 0; i < rows; ++i) {
-            std::byte* row = strip.data() + row_bytes * static_cast<std::size_t>(i);
-            const std::int32_t y = top + i;
-            if (form.samples == 4) {
-                StoreRgba(image.Row(y), image.width(), row);
-            } else if (form.samples == 3) {
-                StoreRgb(OpaqueRow(image, y, scratch.data()), image.width(), row);
-            } else {
-                const std::span indices(indexed.indices);
-                PackIndices(indices.subspan(static_cast<std::size_t>(y) * width, width), form.bits, row);
-            }
+        std::byte* row = strip.data();
+        for (std::int32_t y = top; y < top + rows; ++y, row += row_bytes) {
+            StoreRow(image, form, indexed, y, scratch.data(), row);
         }
-        const auto size = static_cast<tmsize_t>(row_bytes * static_cast<std::size_t>(rows));
-        if (TIFFWriteEncodedStrip(tiff, index, strip.data(), size) != size) return false;
+        const auto stored = std::span(strip).first(row_bytes * static_cast<std::size_t>(rows));
+        tmsize_t written = 0;
+        if (packs) { // the library's own packing takes several times as long
+            const std::size_t size = PackRows(stored, row_bytes, packed.data());
+            written = TIFFWriteRawStrip(tiff, index, packed.data(), static_cast<tmsize_t>(size));
+        } else {
+            written = TIFFWriteEncodedStrip(tiff, index, strip.data(), static_cast<tmsize_t>(stored.size()));
+        }
+        if (written < 0) return false;
     }
     return true;
 }
@@ -198,7 +219,7 @@ ComponentResult Write(const PixelImage& image, const ExportSettings& settings, E
     const auto rows_of_strip = static_cast<std::int32_t>(
         std::clamp<std::size_t>(kStripBytes / row_bytes, 1, static_cast<std::size_t>(image.height())));
     Output output{out, out.size(), out.size()};
-    out.reserve(out.size() + row_bytes * static_cast<std::size_t>(image.height()) + 64 * 1024);
+    out.reserve(out.size() + PackedBound(row_bytes) * static_cast<std::size_t>(image.height()) + 64 * 1024);
     const auto options = QuietTiffOptions();
     if (options == nullptr) return memFullErr;
     const TiffPointer tiff(TIFFClientOpenExt("", "w", &output, ReadOutput, WriteOutput, SeekOutput,
@@ -206,8 +227,9 @@ ComponentResult Write(const PixelImage& image, const ExportSettings& settings, E
     if (tiff == nullptr) return memFullErr;
     PutFields(tiff.get(), image, settings, form, static_cast<std::uint32_t>(rows_of_strip));
     PutPalette(tiff.get(), form, indexed.palette);
-    const bool is_put =
-        PutStrips(tiff.get(), image, form, indexed, rows_of_strip) && TIFFWriteDirectory(tiff.get()) != 0;
+    const bool packs = CompressionOf(settings) == COMPRESSION_PACKBITS;
+    const bool is_put = PutStrips(tiff.get(), image, form, indexed, row_bytes, rows_of_strip, packs) &&
+                        TIFFWriteDirectory(tiff.get()) != 0;
     return is_put ? ComponentResult{noErr} : memFullErr;
 }
 

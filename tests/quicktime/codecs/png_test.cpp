@@ -11,6 +11,12 @@ using namespace corvane::test;
 
 constexpr Sample kSamples[] = {
     {"-size 67x41 plasma:", "png24:rgb.png", 24},
+    {"-size 64x41 plasma: -define png:compression-filter=0", "png24:none.png", 24},
+    {"-size 65x41 plasma: -define png:compression-filter=1", "png24:sub.png", 24},
+    {"-size 66x41 plasma: -define png:compression-filter=2", "png24:up.png", 24},
+    {"-size 67x41 plasma: -define png:compression-filter=3", "png24:average.png", 24},
+    {"-size 300x200 plasma: -define png:compression-filter=4", "png24:paeth.png", 24},
+    {"-size 63x41 plasma: -define png:compression-filter=4", "png24:narrow.png", 24},
     {"-size 67x41 plasma:", "png48:deep.png", 24},
     {"-size 67x41 plasma: -alpha set -channel A -fx u.r", "png32:rgba.png", 32},
     {"-size 67x41 plasma: -alpha set -channel A -fx u.r", "png64:deepa.png", 32},
