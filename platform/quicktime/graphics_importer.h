@@ -5,13 +5,14 @@
 // that does not hold what the importer reads gives codecBadDataErr, an image above 30,000 pixels either way
 // codecSizeErr, an importer without data invalidDataRef.
 //
-// A new importer stands at the first image of its data, with the whole image as its source rectangle and no
-// clip region, and draws into the port that is current when it draws.
+// A new importer stands at the first image of its data, with the whole image as its source rectangle, the
+// identity as its matrix and no clip region, and draws into the port that is current when it draws.
 #pragma once
 
 #include "platform/quicktime/components.h"
 #include "platform/quicktime/data_references.h"
 #include "platform/quicktime/image_description.h"
+#include "platform/quicktime/matrices.h"
 #include "platform/quicktime/movies/atom_containers.h"
 #include "platform/quicktime/pixel_image.h"
 #include "platform/quicktime/ports.h"
@@ -55,18 +56,23 @@ ComponentResult GraphicsImportGetMetaData(GraphicsImportComponent importer, User
 ComponentResult GraphicsImportSetImageIndex(GraphicsImportComponent importer, std::uint32_t index);
 /// The image's size in pixels, at the origin.
 ComponentResult GraphicsImportGetNaturalBounds(GraphicsImportComponent importer, Rect* bounds);
-/// The part of the image that is drawn; null: all of it. What lies outside the image is not drawn; paramErr
-/// for a rectangle that has no pixel of it.
+/// The part of the image that is drawn; null: all of it. What of it lies outside the image stays unpainted.
+/// paramErr for a rectangle that has no pixel of the image.
 ComponentResult GraphicsImportSetSourceRect(GraphicsImportComponent importer, const Rect* rectangle);
 ComponentResult GraphicsImportGetSourceRect(GraphicsImportComponent importer, Rect* rectangle);
-/// Pixels outside the region, which is copied, stay unpainted; null: none do. The source rectangle's corner
-/// is the region's origin.
+/// The mapping from the image to the drawing; null: the identity. The drawing fills the bounding box of the
+/// mapped source rectangle in whole pixels; what of that the image doesn't reach stays unpainted.
+ComponentResult GraphicsImportSetMatrix(GraphicsImportComponent importer, const MatrixRecord* matrix);
+ComponentResult GraphicsImportGetMatrix(GraphicsImportComponent importer, MatrixRecord* matrix);
+/// Pixels outside the region, which is copied, are white; null: none are. The drawing's corner is the
+/// region's origin.
 ComponentResult GraphicsImportSetClip(GraphicsImportComponent importer, RgnHandle region);
 
 /// The port that is drawn into, which stays the caller's; null: the current one.
 ComponentResult GraphicsImportSetGWorld(GraphicsImportComponent importer, GWorldPtr port);
-/// Draws at the port's origin. Pixels are replaced, their alpha too; those of the port that the drawing
-/// doesn't reach stay as they are. paramErr when there is no port or it has no pixels of its own.
+/// Draws where the matrix leads, in the port's coordinates. Pixels are replaced, their alpha too; those of
+/// the port that the drawing doesn't reach stay as they are. paramErr when there is no port or it has no
+/// pixels of its own.
 ComponentResult GraphicsImportDraw(GraphicsImportComponent importer);
 
 /// The types that images can be exported to: for each an 'expo' atom with the atoms 'ftyp' (the type, four
@@ -79,8 +85,11 @@ namespace qt {
 /// An importer without data for a file type; null when no codec reads it.
 std::unique_ptr<Component> OpenGraphicsImporter(OSType file_type);
 
-/// Draws the source rectangle within the clip region; pixels that stay unpainted are white. Decodes again at
-/// each call, so that no image stays in memory.
+/// Draws, wherever the matrix leads. What stays unpainted is white, or transparent if the image has alpha:
+/// files of opaque images are read by many that know no transparency. Decodes again at each call, so that no
+/// image stays in memory. paramErr for a matrix that takes a point of the source rectangle to infinity or
+/// beyond; codecSizeErr when the drawing is empty, above 30,000 pixels either way, or above
+/// kMaximumPixelBytes.
 ComponentResult DrawImporter(GraphicsImportComponent importer, PixelImage& image);
 
 /// The importer's data, when it holds exactly what would be drawn: one image, all of it. Else null.

@@ -3,6 +3,7 @@
 
 #include "platform/quicktime/graphics_importer.h"
 #include "platform/quicktime/image_codecs/codec.h"
+#include "platform/quicktime/transform_draw.h"
 
 #include <optional>
 
@@ -27,12 +28,19 @@ public:
     ComponentResult GetSourceRect(Rect& rectangle);
     ComponentResult SetClip(RgnHandle region);
     void SetPort(GWorldPtr port) { port_ = port; }
+    void SetMatrix(const MatrixRecord& matrix) { matrix_ = matrix; }
+    [[nodiscard]] const MatrixRecord& matrix() const { return matrix_; }
     ComponentResult Draw(PixelImage& image);
     ComponentResult DrawIntoPort();
-    [[nodiscard]] bool DrawsAll() const { return index_ == 1 && !source_rect_ && clip_ == nullptr; }
+    /// Whether a drawing shows the first image as it is.
+    [[nodiscard]] bool DrawsAll() const;
 
 private:
     ComponentResult Decode(PixelImage& image);
+    /// Decodes what of the visible part a plan needs.
+    ComponentResult DecodeFor(const TransformPlan& plan, const Rect& visible, DecodedPart& part);
+    /// Draws, and says what was planned.
+    ComponentResult Draw(Unpainted unpainted, PixelImage& image, TransformPlan& plan);
 
     const ImageCodec& codec_;
     std::unique_ptr<DataSource> source_;
@@ -41,6 +49,7 @@ private:
     std::optional<ComponentResult> facts_code_;
     std::uint32_t index_ = 1;
     std::optional<Rect> source_rect_;
+    MatrixRecord matrix_ = kIdentityMatrix;
     OwnedRegion clip_;
     GWorldPtr port_ = nullptr; ///< null: the current one
     PixelImage

@@ -1,4 +1,4 @@
-// What importers draw: the chosen image's source rectangle, within the clip region.
+// What importers draw: the chosen image's source rectangle, through the matrix, within the clip region.
 #include "platform/quicktime/graphics_importer_state.h"
 #include "platform/quicktime/image_exporters/exporter.h"
 
@@ -11,16 +11,9 @@ namespace {
 
 constexpr std::uint32_t kWhite = Pixel(255, 255, 255);
 
-/// Copies a rectangle of an image, which lies within it.
-ComponentResult Crop(const PixelImage& image, const Rect& part, PixelImage& out) {
-    const std::int32_t width = part.right - part.left;
-    if (const auto code = out.Allocate(width, part.bottom - part.top); code != noErr) return code;
-    for (std::int32_t y = 0; y < out.height(); ++y) {
-        std::copy_n(image.Row(part.top + y) + part.left, width, out.Row(y));
-    }
-    out.has_alpha = image.has_alpha;
-    out.is_grey = image.is_grey;
-    return noErr;
+Rect Visible(const Rect& part, const ImageDescription& image) {
+    return {std::max<std::int16_t>(part.top, 0), std::max<std::int16_t>(part.left, 0),
+            std::min(part.bottom, image.height), std::min(part.right, image.width)};
 }
 
 ComponentResult WhitenOutside(PixelImage& image, RgnHandle clip) {
@@ -55,6 +48,14 @@ void Place(PixelImage image, std::int32_t left, std::int32_t top, PixelImage& in
     }
     into.has_alpha |= image.has_alpha;
     into.is_grey &= image.is_grey;
+}
+
+/// How much a decoder may reduce the image so that the drawing still shrinks it by two.
+std::int32_t ReductionFor(const TransformPlan& plan) {
+    const double scale = std::max(plan.scale_x, plan.scale_y);
+    std::int32_t reduction = 8;
+    while (reduction > 1 && scale * reduction > 0.5) reduction /= 2;
+    return reduction;
 }
 
 } // namespace
@@ -103,11 +104,9 @@ ComponentResult GraphicsImporter::SetSourceRect(const Rect* rectangle) {
     }
     const ImageFacts* facts = nullptr;
     if (const auto code = Facts(facts); code != noErr) return code;
-    const ImageDescription& image = facts->description;
-    const Rect part = {std::max<std::int16_t>(rectangle->top, 0), std::max<std::int16_t>(rectangle->left, 0),
-                       std::min(rectangle->bottom, image.height), std::min(rectangle->right, image.width)};
-    if (part.right <= part.left || part.bottom <= part.top) return paramErr;
-    source_rect_ = part;
+    const Rect visible = Visible(*rectangle, facts->description);
+    if (visible.right <= visible.left || visible.bottom <= visible.top) return paramErr;
+    source_rect_ = *rectangle;
     return noErr;
 }
 
@@ -133,20 +132,35 @@ ComponentResult GraphicsImporter::Decode(PixelImage& image) {
     return codec_.decode(*source_, index_, image);
 }
 
-ComponentResult GraphicsImporter::Draw(PixelImage& image) {
-    const ImageFacts* facts = nullptr;
-    if (const auto code = Facts(facts); code != noErr) return code;
+ComponentResult GraphicsImporter::DecodeFor(const TransformPlan& plan, const Rect& visible,
+                                            DecodedPart& part) {
     if (decoded_.width() > 0) {
-        image = std::exchange(decoded_, {});
-    } else if (const auto code = Decode(image); code != noErr) {
+        part.image = std::exchange(decoded_, {});
+        return noErr;
+    }
+    const ImageDescription& image = facts_.description;
+    const bool all =
+        visible.right - visible.left == image.width && visible.bottom - visible.top == image.height;
+    const std::int32_t reduction = ReductionFor(plan);
+    if (codec_.decode_part == nullptr || (all && reduction == 1)) return Decode(part.image);
+    return codec_.decode_part(*source_, index_, visible, reduction, part);
+}
+
+ComponentResult GraphicsImporter::Draw(Unpainted unpainted, PixelImage& image, TransformPlan& plan) {
+    Rect frame;
+    if (const auto code = GetSourceRect(frame); code != noErr) return code;
+    const Rect visible = Visible(frame, facts_.description);
+    if (const auto code = PlanTransform(matrix_, frame, visible, plan); code != noErr) return code;
+    DecodedPart part;
+    if (const auto code = DecodeFor(plan, visible, part); code != noErr) return code;
+    if (const auto code = DrawTransformed(std::move(part), visible, plan, unpainted, image); code != noErr)
         return code;
-    }
-    if (source_rect_) {
-        PixelImage part;
-        if (const auto code = Crop(image, *source_rect_, part); code != noErr) return code;
-        image = std::move(part);
-    }
     return clip_ != nullptr ? WhitenOutside(image, clip_.get()) : ComponentResult{noErr};
+}
+
+ComponentResult GraphicsImporter::Draw(PixelImage& image) {
+    TransformPlan plan;
+    return Draw(Unpainted::kWhite, image, plan);
 }
 
 ComponentResult GraphicsImporter::DrawIntoPort() {
@@ -154,10 +168,14 @@ ComponentResult GraphicsImporter::DrawIntoPort() {
     if (port == nullptr) GetGWorld(&port);
     if (port == nullptr || port->pixels.width() == 0) return paramErr;
     PixelImage image;
-    if (const auto code = Draw(image); code != noErr) return code;
-    const Rect corner = source_rect_.value_or(Rect{});
-    Place(std::move(image), corner.left - port->bounds.left, corner.top - port->bounds.top, port->pixels);
+    TransformPlan plan;
+    if (const auto code = Draw(Unpainted::kTransparent, image, plan); code != noErr) return code;
+    Place(std::move(image), plan.left - port->bounds.left, plan.top - port->bounds.top, port->pixels);
     return noErr;
+}
+
+bool GraphicsImporter::DrawsAll() const {
+    return index_ == 1 && !source_rect_ && clip_ == nullptr && matrix_ == kIdentityMatrix;
 }
 
 ComponentResult DrawImporter(GraphicsImportComponent instance, PixelImage& image) {
@@ -197,6 +215,20 @@ ComponentResult GraphicsImportSetSourceRect(GraphicsImportComponent instance, co
 ComponentResult GraphicsImportGetSourceRect(GraphicsImportComponent instance, Rect* rectangle) {
     auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
     return importer != nullptr ? importer->GetSourceRect(*rectangle) : kBadComponentInstance;
+}
+
+ComponentResult GraphicsImportSetMatrix(GraphicsImportComponent instance, const MatrixRecord* matrix) {
+    auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
+    if (importer == nullptr) return kBadComponentInstance;
+    importer->SetMatrix(matrix != nullptr ? *matrix : kIdentityMatrix);
+    return noErr;
+}
+
+ComponentResult GraphicsImportGetMatrix(GraphicsImportComponent instance, MatrixRecord* matrix) {
+    auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
+    if (importer == nullptr) return kBadComponentInstance;
+    *matrix = importer->matrix();
+    return noErr;
 }
 
 ComponentResult GraphicsImportSetClip(GraphicsImportComponent instance, RgnHandle region) {

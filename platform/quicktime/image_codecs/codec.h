@@ -26,6 +26,14 @@ struct MetadataItem {
     std::string text; ///< ISO-8859-1
 };
 
+/// Pixels of a part of an image, or of all of it.
+struct DecodedPart {
+    PixelImage image;
+    std::int32_t left = 0; ///< of the first pixel, in the coordinates of the whole image
+    std::int32_t top = 0;
+    std::int32_t reduction = 1; ///< side of the square of the image's pixels that each pixel stands for
+};
+
 struct ImageCodec {
     std::span<const OSType> types; ///< subtypes of the format's importer
     /// Whether data that begins so (kSniffedBytes, or all of shorter data) is of this format.
@@ -40,6 +48,10 @@ struct ImageCodec {
     ComponentResult (*decode)(DataSource& source, std::uint32_t index, PixelImage& image) = nullptr;
     /// Appends the image's text items in their order. Null: the format has none.
     ComponentResult (*read_metadata)(DataSource& source, std::vector<MetadataItem>& items) = nullptr;
+    /// Decodes no more of the image than its part needs, which lies in it, in pixels that stand for squares
+    /// of at most `reduction` (1, 2, 4 or 8), as decode does. Null: only whole images.
+    ComponentResult (*decode_part)(DataSource& source, std::uint32_t index, const Rect& part,
+                                   std::int32_t reduction, DecodedPart& out) = nullptr;
 };
 
 inline constexpr std::size_t kSniffedBytes = 1024;

@@ -90,6 +90,6 @@ ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
 
 } // namespace
 
-const ImageCodec kJpegCodec = {kTypes, Sniff, ReadFacts, true, DecodeJpeg, ReadJpegMetadata};
+const ImageCodec kJpegCodec = {kTypes, Sniff, ReadFacts, true, DecodeJpeg, ReadJpegMetadata, DecodeJpegPart};
 
 } // namespace qt
