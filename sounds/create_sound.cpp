@@ -94,17 +94,6 @@ std::int32_t ReadFrequency(const FM_DataVect& parameters, ToneRequest& request, 
     return 0;
 }
 
-std::int32_t MakeTone(const ToneRequest& request, Movie movie) {
-    const auto scale = static_cast<TimeScale>((std::uint64_t{request.sample_rate} + 0x8000) >> 16);
-    const Track track = NewMovieTrack(movie, 0, 0, kFullVolume);
-    const Media media = NewTrackMedia(track, qt::Code("soun"), scale, nullptr, qt::kHandleDataHandler);
-    if (media == nullptr) return GetMoviesError();
-    std::int32_t code = BeginMediaEdits(media);
-    if (code == 0) code = GenerateTone(media, request);
-    if (code == 0) code = InsertMediaIntoTrack(track, 0, 0, GetMediaDuration(media), kNormalRate);
-    return code == 0 ? EndMediaEdits(media) : code;
-}
-
 FM_Error Create(const FM_DataVect& parameters, FM_Data& result, CVSError& error) {
     const std::int32_t count = Host(FM_DataVect_Size, &parameters);
     if (count < 1) return error.Fail(kErrorWrongParameter, "This function requires 1 or more parameters.");
@@ -117,7 +106,7 @@ FM_Error Create(const FM_DataVect& parameters, FM_Data& result, CVSError& error)
     if (count > 2 && ReadFrequency(parameters, request, error) != 0) return error.HostCode();
 
     const qt::OwnedMovie movie(NewMovie(0));
-    std::int32_t code = MakeTone(request, movie.get());
+    std::int32_t code = AddTones(movie.get(), {&request, 1});
     if (code != 0) return error.Fail(code, kFailed);
     code = PutSoundResourceResult(result, movie.get());
     if (code != 0) return error.Fail(code, "Could not set sound container.");

@@ -13,6 +13,8 @@ FM_Error Amplify(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVe
                  FM_Data& result);
 FM_Error AppendSound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                      FM_Data& result);
+FM_Error ConvertSound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                      FM_Data& result);
 FM_Error CreateSound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                      FM_Data& result);
 FM_Error DrawWaveform(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
@@ -23,9 +25,13 @@ FM_Error FadeSound(std::int16_t id, const FM_ExprEnv& environment, const FM_Data
                    FM_Data& result);
 FM_Error GetSoundInfo(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                       FM_Data& result);
+FM_Error ListSoundOutputFormats(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                                FM_Data& result);
 FM_Error MixSounds(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                    FM_Data& result);
 FM_Error Normalize(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                    FM_Data& result);
+FM_Error SoundFormatDialog(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                           FM_Data& result);
 
 } // namespace corvane

@@ -17,9 +17,9 @@ constexpr std::array<SoundFunction, 27> kSoundFunctions = {{
     {5, 3, 3, kShownServerFunction, ExtractSound},            // Media_ExtractSound
     {6, 1, 1, kShownServerFunction, GetSoundInfo},            // Media_GetSoundInfo
     {7, 2, 2, kShownServerFunction, MixSounds},               // Media_MixSounds
-    {8, 1, 1, kShownFunction, SoundFunctionNotBuilt},         // Media_SoundFormatDialog
-    {9, 3, -1, kShownServerFunction, SoundFunctionNotBuilt},  // Media_ConvertSound
-    {10, 0, 0, kShownServerFunction, SoundFunctionNotBuilt},  // Media_ListSoundOutputFormats
+    {8, 1, 1, kShownFunction, SoundFormatDialog},             // Media_SoundFormatDialog
+    {9, 3, -1, kShownServerFunction, ConvertSound},           // Media_ConvertSound
+    {10, 0, 0, kShownServerFunction, ListSoundOutputFormats}, // Media_ListSoundOutputFormats
     {11, 2, 3, kShownServerFunction, Amplify},                // Media_Amplify
     {12, 5, 5, kShownServerFunction, FadeSound},              // Media_FadeSound
     {13, 0, 0, kShownServerFunction, GetLastError},           // Media_GetLastError

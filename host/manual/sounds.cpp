@@ -121,6 +121,35 @@ Format (hexadecimal), Number of Channels, Sample Size, Sample Rate and Bit Rate 
      "-50    not one parameter, an empty container, or no sound\n-2055  a movie without sound\n"
      "codes of Media_AppendSound\nWith a code the result is empty; Media_GetLastError has the message.",
      R"(Media_ExtractInfo ( Media_GetSoundInfo ( "/C:/sounds/talk.wav" ) ; "Track 1/Duration" ))"},
+    {"Media_ListSoundOutputFormats", "The formats that sounds can be converted into.", "none",
+     "Text: a line for each format: its code as eight hexadecimal digits, the code as four characters, its\n"
+     "name and a description, with \"|\" between them.",
+     "none", "Media_ListSoundOutputFormats"},
+    {"Media_SoundFormatDialog", "Asks for the settings of a format, to keep them for later.",
+     "sound-output-format   four characters, or eight hexadecimal digits (see Media_ListSoundOutputFormats)",
+     R"(Text: the settings as a block for Media_ConvertSound. With --ui none, --answer ok takes the usual settings
+and --answer set:KEY=VALUE,… changes some, as far as the format has them:
+rate       samples a second
+channels   1 or 2, in many formats more
+samples    uint8, int8, int16, int24, int32, float32, float64, ulaw or alaw
+order      big or little: the order of a sample's bytes
+bitrate    kbit/s
+quality    0 to 10)",
+     "-50    not one parameter, or no format's code\n-128   cancelled\n-2005  no such format\n"
+     "With a code the result is empty; Media_GetLastError has the message.",
+     R"(Media_SoundFormatDialog ( "MP3 " ))"},
+    {"Media_ConvertSound", "A sound as a file in another format.",
+     R"(container    a sound (see Media_AppendSound)
+filename     the file to write; one that is there is replaced. A name without folder lies in the database's
+soundType    four characters, or eight hexadecimal digits (see Media_ListSoundOutputFormats)
+parameters   a block of Media_SoundFormatDialog for this format; without it the person is asked)",
+     "Text: the reference to the file (see Media_AppendSound), or empty. Answers the host 0: a failure is\n"
+     "only in Media_GetLastError.",
+     "-34    the disk is full\n-50    too few parameters, one that can't be read, or settings of another "
+     "format\n"
+     "-61    the file may not be written\n-128   cancelled\n-1309  more than the format can hold\n"
+     "-2005  no such format\ncodes of Media_AppendSound",
+     R"(Media_ConvertSound ( "/C:/sounds/talk.wav" ; "/C:/sounds/talk.mp3" ; "MP3 " ; $settings ))"},
 });
 
 } // namespace
