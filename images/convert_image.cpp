@@ -1,14 +1,15 @@
 #include "images/functions.h"
 #include "images/image_importer.h"
 #include "images/image_settings.h"
+#include "images/number_parameters.h"
 #include "images/preview.h"
 #include "images/streams.h"
 #include "platform/quicktime/graphics_exporter.h"
+#include "platform/quicktime/matrices.h"
 #include "plugin/results.h"
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 namespace corvane {
 namespace {
@@ -17,23 +18,10 @@ constexpr std::int32_t kUnset = -1;
 constexpr std::int32_t kPackBitsMethod = 32773;
 constexpr std::size_t kPictureHeaderSize = 512;
 
-std::int32_t ReadInteger(const FM_DataVect& parameters, std::int32_t index) {
-    return Host(FM_FixPt_AsLong, Host(FM_DataVect_AtAsNumber, &parameters, index));
-}
-
-double ReadNumber(const FM_DataVect& parameters, std::int32_t index) {
-    return Host(FM_FixPt_AsFloat, Host(FM_DataVect_AtAsNumber, &parameters, index));
-}
-
 ConversionSettings ReadSettings(const FM_DataVect& parameters) {
     return {ReadInteger(parameters, 2), ReadNumber(parameters, 3),  ReadNumber(parameters, 4),
             ReadInteger(parameters, 5), ReadInteger(parameters, 6), ReadInteger(parameters, 7),
             ReadInteger(parameters, 8), ReadInteger(parameters, 9), ReadInteger(parameters, 10)};
-}
-
-Fixed ToFixed(double value) {
-    const double units = std::round(value * 65'536.0);
-    return static_cast<Fixed>(std::clamp(units, double{INT32_MIN}, double{INT32_MAX}));
 }
 
 /// Hands the settings on. What the encoder refuses stays at its own choice.
@@ -41,8 +29,7 @@ void Apply(const ConversionSettings& settings, GraphicsExportComponent exporter,
            GraphicsImportComponent importer) {
     if (settings.depth != kUnset) GraphicsExportSetDepth(exporter, settings.depth);
     if (settings.horizontal_dpi != kUnset)
-        GraphicsExportSetResolution(exporter, ToFixed(settings.horizontal_dpi),
-                                    ToFixed(settings.vertical_dpi));
+        GraphicsExportSetResolution(exporter, X2Fix(settings.horizontal_dpi), X2Fix(settings.vertical_dpi));
     if (settings.target_bytes != kUnset) {
         GraphicsExportSetTargetDataSize(exporter, static_cast<std::uint32_t>(settings.target_bytes));
     } else if (settings.quality != kUnset) {

@@ -29,5 +29,21 @@ FM_Error ListImageOutputTypes(std::int16_t id, const FM_ExprEnv& environment, co
                               FM_Data& result);
 FM_Error SetImageDefaults(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                           FM_Data& result);
+FM_Error TApply(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                FM_Data& result);
+FM_Error TClear(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                FM_Data& result);
+FM_Error TCrop(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+               FM_Data& result);
+FM_Error TQuad(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+               FM_Data& result);
+FM_Error TResize(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                 FM_Data& result);
+FM_Error TRotate(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                 FM_Data& result);
+FM_Error TScale(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                FM_Data& result);
+FM_Error TSkew(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+               FM_Data& result);
 
 } // namespace corvane

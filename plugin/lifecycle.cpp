@@ -4,6 +4,7 @@
 #include "images/availability.h"
 #include "images/image_settings.h"
 #include "images/mouse_position.h"
+#include "images/transform_state.h"
 #include "platform/quicktime/movie_toolbox.h"
 #include "platform/win32/message_box.h"
 #include "platform/win32/version.h"
@@ -95,6 +96,7 @@ std::intptr_t StartUp(std::int16_t interface_version) {
     DecideImagesAvailable();
     ResetImageSettings();
     ResetMousePosition();
+    ResetTransform();
     g_started = true;
     return kStarted;
 }

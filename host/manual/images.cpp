@@ -44,6 +44,45 @@ replace     true: a file that is there is replaced)",
      R"(Media_ExportField ( "Hello" ; "/C:/home/ann/Archive/note" ; False ) &
 Media_ListFolder ( "/C:/home/ann/Archive" ; False ))",
      "note.txt"},
+    {"Media_TScale", "Adds a scaling to the pending transformation.",
+     "xScale, yScale   factors, of widths and of heights; negative ones mirror",
+     R"(Empty text. Steps take effect in the order of their calls, at Media_TApply, about the image's top left
+corner. They stay pending, for all images, until Media_TClear or Media_TQuad.)",
+     "$20100:MESSAGE as the result: not exactly two parameters", R"(Media_TScale ( 0.5 ; 0.5 ))"},
+    {"Media_TResize", "Asks for the size that Media_TApply makes of the image.",
+     R"(xDim   pixels that the image, or the part of Media_TCrop, gets across; 0: as yDim asks
+yDim   pixels down; 0: as xDim asks)",
+     R"(Empty text. The scaling that brings the image to that size (before it is turned) is added at each
+Media_TApply, behind the steps that are pending; so call Media_TClear between images.)",
+     "$20100:MESSAGE as the result: not exactly two parameters", R"(Media_TResize ( 1000 ; 0 ))"},
+    {"Media_TSkew", "Adds a skew to the pending transformation.",
+     "xSkew   pixels to the right for each pixel down\nySkew   pixels down for each pixel to the right",
+     "Empty text.", "$20100:MESSAGE as the result: not exactly two parameters", R"(Media_TSkew ( 0.3 ; 0 ))"},
+    {"Media_TRotate", "Adds a turn to the pending transformation.", "degrees   clockwise", "Empty text.",
+     "$20100:MESSAGE as the result: not exactly one parameter", R"(Media_TRotate ( 30 ))"},
+    {"Media_TQuad", "Makes a quadrilateral the pending transformation, in place of all other steps.",
+     R"(sourceScale   what stands for the image's width and height: 100 for percentages, 1 for fractions
+topLeftX ; topLeftY ; topRightX ; topRigthY ; bottomRightX ; bottomRightY ; bottomLeftX ; bottomLeftY
+              where the image's corners go, in that unit; the corners have to bulge outward)",
+     R"(Empty text. The mapping is found at the next Media_TApply, for the size of its image, and stays pending.)",
+     "$20100:MESSAGE as the result: not exactly nine parameters",
+     R"(Media_TQuad ( 100 ; 0 ; 0 ; 100 ; 20 ; 80 ; 100 ; 10 ; 70 ))"},
+    {"Media_TCrop", "Chooses the part of the image that Media_TApply uses.",
+     "left ; top ; right ; bottom   edges in pixels of the image, -32768 to 32767; left -1: all of it",
+     "Empty text. Of a part that reaches beyond the image, the rest stays unpainted.",
+     "$20100:MESSAGE as the result: not exactly four parameters", R"(Media_TCrop ( 10 ; 10 ; 110 ; 60 ))"},
+    {"Media_TClear", "Forgets the pending transformation.", "", "Empty text.", "", R"(Media_TClear)"},
+    {"Media_TApply", "An image through the pending transformation.",
+     "container   a container with an image, the path of an image file, or an http:// address",
+     R"(A container: "CVIM" (a picture that fills the transformed image's bounding box, white or, for images with
+transparency, transparent where the image is not), its size and a JPEG preview. Other functions take it as an
+image; Media_ExportField takes what Media_ConvertImage makes of it.)",
+     R"($CODE:MESSAGE as the result:
+20100  not exactly one parameter
+-50    the part of Media_TCrop has no pixel of the image, or the quadrilateral is none
+-8963  the result is empty, or above 30,000 pixels either way
+other codes of files and of the image decoder)",
+     R"(Let ( [ a = Media_TClear ; b = Media_TRotate ( 30 ) ] ; Media_TApply ( "/C:/home/ann/a.jpg" ) ))"},
     {"Media_SetImageDefaults", "How previews of images are made from now on.",
      "previewQuality   0 lowest to 1024 best, 512 at start; -1: no previews\n"
      "previewMark      true (at start): thin lines in the picture say that it is a preview",
