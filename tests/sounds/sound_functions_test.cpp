@@ -54,10 +54,14 @@ struct Example {
 };
 
 test::Outcome CallWith(test::StartedHost& host, const Example& example) {
+    fm::CurrentSession().answers = {"ok"};
     switch (example.values.size()) {
     case 1: return host.CallFunction(example.id, {example.values[0]});
     case 2: return host.CallFunction(example.id, {example.values[0], example.values[1]});
     case 3: return host.CallFunction(example.id, {example.values[0], example.values[1], example.values[2]});
+    case 4:
+        return host.CallFunction(
+            example.id, {example.values[0], example.values[1], example.values[2], example.values[3]});
     default:
         return host.CallFunction(example.id, {example.values[0], example.values[1], example.values[2],
                                               example.values[3], example.values[4]});
@@ -66,11 +70,16 @@ test::Outcome CallWith(test::StartedHost& host, const Example& example) {
 
 TEST_F(SoundFunctions, SurviveEveryFailureOfTheHostWithoutLeavingFiles) {
     const FM_Data converted = Sound("s24.wav"); // goes through an intermediate file first
+    fm::CurrentSession().answers = {"set:channels=1"};
+    const FM_Data settings = Text(host.CallFunction(8, {Text("AIFF")}).text);
+    const FM_Data target = Text("/C:" + temporary + "/out.aiff");
     const Example examples[] = {{3, {Text("sine"), Text("0.1"), Text("A5")}, true},
                                 {4, {converted, Sound("s.wav")}, true},
                                 {5, {converted, Text("0:0:0.2"), Text("0:0:0.4")}, false},
                                 {6, {converted}, true},
                                 {7, {converted, Sound("s.wav")}, false},
+                                {8, {Text("WAVE")}, true},
+                                {9, {converted, target, Text("AIFF"), settings}, false},
                                 {11, {converted, Text("2"), Text("0.5")}, false},
                                 {12, {converted, Text("0:0:0"), Text("0:0:1"), Text("1"), Text("1")}, true},
                                 {26, {converted}, false}};

@@ -32,7 +32,11 @@ int FormatOf(OSType subtype, const SoundSettings& settings) {
     const int samples = SubtypeOf(settings.encoding);
     switch (subtype) {
     case Code("AIFF"): return SF_FORMAT_AIFF | samples;
-    case Code("AIFC"): return SF_FORMAT_AIFF | samples | SF_ENDIAN_BIG; // stated, it makes the file AIFC
+    case Code(
+        "AIFC"): { // whole numbers are in AIFF unless their order is stated, other samples always in AIFC
+        const bool whole = settings.encoding < SampleEncoding::kFloat32;
+        return SF_FORMAT_AIFF | samples | (whole ? SF_ENDIAN_BIG : SF_ENDIAN_FILE);
+    }
     case Code("ULAW"): return SF_FORMAT_AU | samples;
     default: return SF_FORMAT_CAF | samples | (settings.big_endian ? SF_ENDIAN_BIG : SF_ENDIAN_LITTLE);
     }

@@ -9,6 +9,7 @@ using enum SampleEncoding;
 
 constexpr std::array kWaveSamples = {kSigned16, kUnsigned8, kSigned24, kSigned32, kFloat32, kFloat64};
 constexpr std::array kAiffSamples = {kSigned16, kSigned8, kSigned24, kSigned32};
+constexpr std::array kAifcSamples = {kSigned16, kSigned24, kSigned32, kFloat32, kFloat64, kMuLaw, kALaw};
 constexpr std::array kAllSamples = {kSigned16, kSigned8, kSigned24, kSigned32,
                                     kFloat32,  kFloat64, kMuLaw,    kALaw};
 constexpr std::array kMovieSamples = {kSigned16, kUnsigned8, kSigned24, kSigned32,
@@ -31,7 +32,7 @@ constexpr std::array<SoundExporterRow, 13> kExporters = {{
     {Code("AIFC"),
      "AIFF-C",
      "Exports a QuickTime Movie to AIFF-C.",
-     {.encodings = kAllSamples, .order = ByteOrder::kBig},
+     {.encodings = kAifcSamples, .order = ByteOrder::kBig},
      OpenPcmFileWriter},
     {Code("ULAW"),
      "AU",

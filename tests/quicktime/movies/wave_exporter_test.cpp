@@ -183,14 +183,6 @@ TEST_F(WaveExporter, SettingsChooseTheLayout) {
     EXPECT_EQ(type, qt::Code("WAVE"));
 }
 
-TEST_F(WaveExporter, WhatDoesNotFitTheFormatIsRefused) {
-    const qt::OwnedMovie movie = Level(1, 44100);
-    const Track track = GetMovieIndTrack(movie.get(), 1);
-    for (int i = 0; i < 24400; ++i) ASSERT_EQ(InsertMediaIntoTrack(track, -1, 0, 44100, kNormalRate), noErr);
-    EXPECT_EQ(Export(movie.get(), "large.wav"), fileBoundsErr); // 24,401 seconds are more than 4 GiB
-    EXPECT_FALSE(corvane::test::IsThere(Path("large.wav")));
-}
-
 TEST_F(WaveExporter, AFailureLeavesNoFile) {
     const qt::OwnedMovie movie = Level(1, 441000);
     drives_.MakeFolder("drive/small");
