@@ -8,9 +8,6 @@
 namespace corvane::gtk {
 namespace {
 
-constexpr int kWidth = 760;
-constexpr int kHeight = 480;
-
 struct Free {
     void operator()(char* text) const { g_free(text); }
 };
@@ -23,16 +20,16 @@ std::string ChosenPath(GtkFileChooser* chooser) {
 // Tells why a choice is refused, above the buttons; takes no room until then.
 class RefusalNote {
 public:
-    explicit RefusalNote(GtkFileChooser* chooser) : label_(gtk_label_new(nullptr)) {
-        GtkWidget* bar = gtk_info_bar_new();
-        gtk_info_bar_set_message_type(GTK_INFO_BAR(bar), GTK_MESSAGE_WARNING);
+    explicit RefusalNote(GtkFileChooser* chooser) : bar_(gtk_info_bar_new()), label_(gtk_label_new(nullptr)) {
+        gtk_info_bar_set_message_type(GTK_INFO_BAR(bar_), GTK_MESSAGE_WARNING);
         gtk_label_set_line_wrap(GTK_LABEL(label_), TRUE);
         gtk_label_set_xalign(GTK_LABEL(label_), 0);
-        gtk_container_add(GTK_CONTAINER(gtk_info_bar_get_content_area(GTK_INFO_BAR(bar))), label_);
+        gtk_container_add(GTK_CONTAINER(gtk_info_bar_get_content_area(GTK_INFO_BAR(bar_))), label_);
         gtk_widget_show(label_);
-        gtk_widget_set_no_show_all(bar, TRUE);
-        gtk_file_chooser_set_extra_widget(chooser, bar);
-        bar_ = bar;
+        gtk_widget_set_no_show_all(bar_, TRUE);
+        GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0); // the chooser shows what it is given
+        gtk_container_add(GTK_CONTAINER(box), bar_);
+        gtk_file_chooser_set_extra_widget(chooser, box);
     }
 
     void Show(const std::string& text) {
@@ -41,8 +38,8 @@ public:
     }
 
 private:
+    GtkWidget* bar_;
     GtkWidget* label_;
-    GtkWidget* bar_ = nullptr;
 };
 
 Window NewChooser(const win32::PathWindow& request) {
@@ -56,10 +53,10 @@ Window NewChooser(const win32::PathWindow& request) {
         title.c_str(), nullptr, folder ? GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER : GTK_FILE_CHOOSER_ACTION_OPEN,
         cancel.c_str(), GTK_RESPONSE_CANCEL, accept.c_str(), GTK_RESPONSE_ACCEPT, nullptr));
     gtk_dialog_set_default_response(GTK_DIALOG(window.get()), GTK_RESPONSE_ACCEPT);
-    gtk_window_set_default_size(GTK_WINDOW(window.get()), kWidth, kHeight);
     GtkFileChooser* chooser = GTK_FILE_CHOOSER(window.get());
     gtk_file_chooser_set_local_only(chooser, TRUE);
-    if (!request.folder.empty()) gtk_file_chooser_set_current_folder(chooser, request.folder.c_str());
+    // Without a folder it would begin with the files used last, where no folder can be chosen.
+    gtk_file_chooser_set_current_folder(chooser, request.folder.empty() ? "." : request.folder.c_str());
     return window;
 }
 

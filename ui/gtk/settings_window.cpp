@@ -197,7 +197,8 @@ bool SettingsWindow::Closes(int response) {
 }
 
 std::optional<SettingValues> SettingsWindow::Run() {
-    gtk_widget_show_all(window_.get()); // a page can be chosen only when it is visible
+    gtk_widget_show_all(
+        gtk_dialog_get_content_area(GTK_DIALOG(window_.get()))); // only a visible page is chosen
     gtk_stack_set_visible_child_name(GTK_STACK(stack_), std::to_string(page_).c_str());
     Changed();
     const int response = RunModal(window_.get(), [this](int pressed) { return Closes(pressed); });
