@@ -31,7 +31,7 @@ constexpr std::array<SoundFunction, 27> kSoundFunctions = {{
     {19, 0, 0, kShownFunction, SoundFunctionNotBuilt},        // Media_RecordSoundPause
     {20, 0, 0, kShownFunction, SoundFunctionNotBuilt},        // Media_RecordSoundFormatDialog
     {21, 1, 1, kShownServerFunction, Get},                    // Media_Get
-    {22, 2, -1, kShownServerFunction, SoundFunctionNotBuilt}, // Media_SetMetadata
+    {22, 2, -1, kShownServerFunction, SetMetadata},           // Media_SetMetadata
     {23, 1, 2, kShownServerFunction, Set},                    // Media_Set
     {24, 1, 3, kShownServerFunction, GetMetadata},            // Media_GetMetadata
     {25, 0, 1, kShownFunction, SoundFunctionNotBuilt},        // Media_PlayPause

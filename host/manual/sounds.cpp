@@ -112,6 +112,30 @@ fgcolor, bgcolor
      "a band less than 20 rows\n-205   no such channel\n-2014  the times lie behind the sound's end\n"
      "-2030  no such sound track\n-5246  the start lies behind the track's end\ncodes of Media_AppendSound",
      R"(Media_DrawWaveform ( "/C:/sounds/talk.wav" ; "1/left" ; 800 ; 120 ; "0:0:0" ; "0:1:0" ; "#ffffff" ; "#203040" ))"},
+    {"Media_GetMetadata", "The tags of an MP3 file, or the text metadata of an image.",
+     R"(container        a sound (see Media_AppendSound) in a file whose name ends in mp3, or an image
+specificTagOnly  the name of one tag, in any case; of MP3 files only: Name, Album, Artist, Year, Composer, Genre,
+                 Track, Disc Number, Album Artist, Copyright, Publisher, Comment, BPM)",
+     R"(Text. Of an MP3 file the value of the tag, several joined by "/"; or an information list (see
+Media_ExtractInfo) with a line "Name: value" for each tag in the order of the file, line ends, "&" and "#" of
+comments as "&#13;", "&#10;", "&#38;", "&#35;". ID3v2 tags are read, of all versions. Of an image the lines of
+its text items under IPTC, and its EXIF entries; empty when it has none.)",
+     "-50    not one or two parameters\n-208   an MP3 file without tags\n-5240  no such tag, or not in this "
+     "file\nWith a code the result is empty; Media_GetLastError has the message. What is no MP3 file and no "
+     "image\ngives an error text.",
+     R"(Media_GetMetadata ( "/C:/sounds/song.mp3" ; "Artist" ))"},
+    {"Media_SetMetadata", "Sets or removes tags of an MP3 file.",
+     R"(containerOrFile                a sound (see Media_AppendSound) in a file whose name ends in mp3
+informationListOrTag1, value1  a list, "Name: value" in each line; or a tag's name and its value, as often as
+                               needed. An empty value removes the tag, an empty list all tags. Names are those
+                               of Media_GetMetadata; in comments "&#13;" stands for a line end)",
+     "Empty. The file gets an ID3v2 and an ID3v1 tag; all other tags in it, pictures among them, and the sound "
+     "stay\nas they are, byte for byte. The new file replaces the old one in one step: a failure leaves it as it "
+     "was.\nAnswers the host 0: a failure is only in Media_GetLastError.",
+     "-1     the file's tag is broken\n-34    the disk is full\n-50    a wrong number of parameters\n-61    the "
+     "file or its folder can't be written to\n-208   no MP3 file\n-2740  a line without a colon, or with a name "
+     "that isn't plain ASCII\n-5240  no such tag, or one without a text\ncodes of Media_AppendSound",
+     R"(Media_SetMetadata ( "/C:/sounds/song.mp3" ; "Artist" ; "Björk" ; "Year" ; "1993" ))"},
     {"Media_GetSoundInfo",
      "The facts of a sound or of a movie's sounds, from the header alone where it has them.",
      "container   a sound (see Media_AppendSound)",

@@ -47,23 +47,6 @@ int ReadAndWrite(int from, int to, std::size_t limit, std::span<std::byte> buffe
     return 0;
 }
 
-// The same within the kernel; by hand from where the kernel will not.
-int CopyRange(int from, int to, std::size_t limit) {
-    while (limit > 0) {
-        const ssize_t count = copy_file_range(from, nullptr, to, nullptr, std::min(limit, kKernelStep), 0);
-        if (count == 0) return 0;
-        if (count > 0) {
-            limit -= static_cast<std::size_t>(count);
-        } else if (errno == ENOSPC || errno == EDQUOT || errno == EIO || errno == EFBIG) {
-            return errno;
-        } else if (errno != EINTR) {
-            std::vector<std::byte> buffer(std::min(limit, kBufferSize));
-            return ReadAndWrite(from, to, limit, buffer);
-        }
-    }
-    return 0;
-}
-
 bool FindsHoles(int file) {
     const bool found = lseek(file, 0, SEEK_HOLE) >= 0;
     lseek(file, 0, SEEK_SET);
@@ -86,6 +69,23 @@ int CopySparse(int from, int to, off_t size) {
 }
 
 } // namespace
+
+// Within the kernel; by hand from where the kernel will not.
+int CopyRange(int from, int to, std::size_t limit) {
+    while (limit > 0) {
+        const ssize_t count = copy_file_range(from, nullptr, to, nullptr, std::min(limit, kKernelStep), 0);
+        if (count == 0) return 0;
+        if (count > 0) {
+            limit -= static_cast<std::size_t>(count);
+        } else if (errno == ENOSPC || errno == EDQUOT || errno == EIO || errno == EFBIG) {
+            return errno;
+        } else if (errno != EINTR) {
+            std::vector<std::byte> buffer(std::min(limit, kBufferSize));
+            return ReadAndWrite(from, to, limit, buffer);
+        }
+    }
+    return 0;
+}
 
 int CopyContents(int from, int to, const struct stat& status) {
     if (status.st_size <= kSmallFile) {

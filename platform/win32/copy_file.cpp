@@ -3,8 +3,8 @@
 #include "platform/win32/descriptor.h"
 #include "platform/win32/errors.h"
 #include "platform/win32/shell_operations.h"
+#include "platform/win32/temporary_names.h"
 
-#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <fcntl.h>
@@ -14,12 +14,6 @@ namespace win32 {
 namespace {
 
 constexpr int kTemporaryNames = 100;
-
-// A name for the unfinished copy, beside the file that it is to replace.
-std::string TemporaryName() {
-    static std::atomic<unsigned> counter = 0;
-    return ".corvane-" + std::to_string(getpid()) + "-" + std::to_string(counter++);
-}
 
 DWORD CopyOpenFile(int from, const struct stat& status, Descriptor to) {
     int error = CopyContents(from, to.get(), status);
@@ -67,7 +61,7 @@ DWORD MakeOrReplace(const struct stat& source, EntryAt to, Make make) {
     error = MayReplace(source, to);
     if (error != ERROR_SUCCESS) return error;
     for (int i = 0; i < kTemporaryNames; ++i) {
-        const std::string name = TemporaryName();
+        const std::string name = UnfinishedName();
         error = make(EntryAt{to.folder, name.c_str()}, make_error);
         if (make_error == EEXIST) continue;
         if (error != ERROR_SUCCESS) return error;

@@ -3,6 +3,7 @@
 
 #include "platform/win32/types.h"
 
+#include <cstddef>
 #include <sys/stat.h>
 
 namespace win32 {
@@ -16,6 +17,10 @@ struct EntryAt {
 /// Copies a file's contents between two open files, from the start of both: shared blocks where the file
 /// system offers them, holes kept. `status` is the source's. 0 or an errno.
 int CopyContents(int from, int to, const struct stat& status);
+
+/// Copies up to `limit` bytes, or what there is, from one file's position to the other's, and moves both on.
+/// 0 or an errno.
+int CopyRange(int from, int to, std::size_t limit);
 
 /// Gives an open file or folder the owner (as root), mode, extended attributes and times of `from`. What the
 /// file system of `to` cannot hold, or the user may not set, is left out. 0, or the errno of a disk that is

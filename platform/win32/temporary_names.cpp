@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <charconv>
 #include <cstdint>
@@ -68,4 +69,9 @@ UINT GetTempFileNameW(const WCHAR* folder, const WCHAR* prefix, UINT unique, WCH
     }
     SetLastError(ERROR_FILE_EXISTS);
     return 0;
+}
+
+std::string win32::UnfinishedName() {
+    static std::atomic<unsigned> counter = 0;
+    return ".corvane-" + std::to_string(getpid()) + "-" + std::to_string(counter++);
 }

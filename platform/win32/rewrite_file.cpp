@@ -1,0 +1,91 @@
+#include "platform/win32/rewrite_file.h"
+
+#include "platform/win32/copy_file.h"
+#include "platform/win32/descriptor.h"
+#include "platform/win32/errors.h"
+#include "platform/win32/paths.h"
+#include "platform/win32/temporary_names.h"
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <fcntl.h>
+#include <string>
+
+namespace win32 {
+namespace {
+
+int WriteBytes(int to, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = write(to, bytes.data(), bytes.size());
+        if (count < 0 && errno != EINTR) return errno;
+        if (count > 0) bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return 0;
+}
+
+int WritePart(int from, int to, const FilePart& part) {
+    if (part.size == 0) return WriteBytes(to, part.bytes);
+    if (lseek(from, static_cast<off_t>(part.offset), SEEK_SET) < 0) return errno;
+    return CopyRange(from, to, part.size);
+}
+
+int WriteContents(int from, int to, const struct stat& status, std::span<const FilePart> parts) {
+    for (const FilePart& part : parts)
+        if (const int error = WritePart(from, to, part)) return error;
+    if (const int error = CopyMetadata(from, to, status)) return error;
+    const std::array<timespec, 2> times = {status.st_atim, {0, UTIME_NOW}};
+    futimens(to, times.data()); // a file system that can't keep the time of access doesn't matter
+    return fsync(to) == 0 ? 0 : errno;
+}
+
+bool SameTime(const timespec& a, const timespec& b) {
+    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
+// Whether the name still stands for the file that was read, with the contents that it had.
+bool IsUnchanged(EntryAt entry, int file, const struct stat& before) {
+    struct stat named {};
+    struct stat opened {};
+    return fstatat(entry.folder, entry.name, &named, AT_SYMLINK_NOFOLLOW) == 0 && fstat(file, &opened) == 0 &&
+           named.st_dev == opened.st_dev && named.st_ino == opened.st_ino &&
+           opened.st_size == before.st_size && SameTime(opened.st_mtim, before.st_mtim);
+}
+
+DWORD ReplaceBy(const std::string& unfinished, Descriptor to, EntryAt target, int from,
+                const struct stat& status, std::span<const FilePart> parts) {
+    if (const int error = WriteContents(from, to.get(), status, parts)) return FromErrno(error);
+    if (const int error = to.Close()) return FromErrno(error);
+    if (!IsUnchanged(target, from, status)) return ERROR_SHARING_VIOLATION;
+    if (renameat(target.folder, unfinished.c_str(), target.folder, target.name) != 0) return FromErrno(errno);
+    fsync(target.folder);
+    return ERROR_SUCCESS;
+}
+
+} // namespace
+
+DWORD RewriteFile(const WCHAR* path, std::span<const FilePart> parts) {
+    const UnixPath item = ToUnixPath(path);
+    if (item.error != ERROR_SUCCESS) return item.error;
+    std::array<char, PATH_MAX> resolved;
+    if (realpath(item.path.c_str(), resolved.data()) == nullptr) return FromErrno(errno);
+    const std::string target(resolved.data());
+    const std::size_t name = target.rfind('/') + 1;
+
+    const Descriptor source(open(target.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    if (!source || fstat(source.get(), &status) != 0) return FromErrno(errno);
+    if (!S_ISREG(status.st_mode)) return ERROR_NOT_SUPPORTED;
+    const Descriptor folder(open(target.substr(0, name).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder) return FromErrno(errno);
+    const std::string unfinished = UnfinishedName();
+    Descriptor to(openat(folder.get(), unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!to) return FromErrno(errno);
+    const DWORD error = ReplaceBy(unfinished, std::move(to), {folder.get(), target.c_str() + name},
+                                  source.get(), status, parts);
+    if (error != ERROR_SUCCESS) unlinkat(folder.get(), unfinished.c_str(), 0);
+    return error;
+}
+
+} // namespace win32
