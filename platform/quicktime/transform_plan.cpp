@@ -139,8 +139,9 @@ ComponentResult PlanTransform(const MatrixRecord& matrix, const Rect& source, co
     const auto& fixed = matrix.matrix;
     const auto is_nothing = [](Fixed element) { return std::abs(std::int64_t{element}) <= kRounding; };
     const bool parallel = is_nothing(fixed[0][2]) && is_nothing(fixed[1][2]);
-    plan.transposed = parallel && is_nothing(fixed[0][0]) && is_nothing(fixed[1][1]);
-    plan.aligned = plan.transposed || (parallel && is_nothing(fixed[0][1]) && is_nothing(fixed[1][0]));
+    const bool upright = is_nothing(fixed[0][1]) && is_nothing(fixed[1][0]);
+    plan.transposed = parallel && !upright && is_nothing(fixed[0][0]) && is_nothing(fixed[1][1]);
+    plan.aligned = plan.transposed || (parallel && upright);
     plan.scale_x = LongestSide(plan.map, 0, Corners(visible));
     plan.scale_y = LongestSide(plan.map, 1, Corners(visible));
     if (plan.aligned) return PlanAligned(source, visible, plan);

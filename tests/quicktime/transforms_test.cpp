@@ -1,0 +1,334 @@
+// Drawing through matrices, against ImageMagick and vips where they draw the same, and against geometry.
+#include "platform/quicktime/graphics_importer.h"
+#include "platform/quicktime/image_codecs/codec.h"
+#include "platform/quicktime/transform_bands.h"
+#include "tests/support/made_images.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cmath>
+#include <cstdlib>
+#include <stdexcept>
+
+namespace {
+
+using corvane::test::FileBytes;
+using corvane::test::MadeImages;
+
+constexpr std::uint32_t kWhite = qt::Pixel(255, 255, 255);
+/// A picture with edges, fine lines and soft parts.
+constexpr const char* kPicture =
+    "-seed 7 -size 150x112 plasma:fractal -resize 600x450! -fill none -stroke black -strokewidth 2 "
+    "-draw 'circle 300,225 450,300 line 25,425 575,10' -stroke yellow -strokewidth 5 "
+    "-draw 'rectangle 50,50 550,400' -type TrueColor";
+
+qt::PixelImage Decoded(const qt::ImageCodec& codec, const corvane::test::Bytes& bytes) {
+    qt::PixelImage image;
+    EXPECT_EQ(codec.decode(*qt::MemorySource(bytes), 1, image), noErr);
+    return image;
+}
+
+/// In decibels, over the colours of all pixels; 100 for equal ones.
+double PeakSignalToNoise(const qt::PixelImage& image, const qt::PixelImage& other) {
+    EXPECT_EQ(image.width(), other.width());
+    EXPECT_EQ(image.height(), other.height());
+    if (image.width() != other.width() || image.height() != other.height()) return 0.0;
+    double sum = 0.0;
+    for (std::int32_t y = 0; y < image.height(); ++y) {
+        for (std::int32_t x = 0; x < image.width(); ++x) {
+            for (int shift = 0; shift < 24; shift += 8) {
+                const auto level = [&](const qt::PixelImage& from) {
+                    return static_cast<double>(from.Row(y)[x] >> shift & 0xFF);
+                };
+                const double difference = level(image) - level(other);
+                sum += difference * difference;
+            }
+        }
+    }
+    const double count = 3.0 * image.width() * image.height();
+    return sum == 0.0 ? 100.0 : 10.0 * std::log10(255.0 * 255.0 * count / sum);
+}
+
+class Transforms : public ::testing::Test {
+protected:
+    /// Opens an importer on what convert makes.
+    void Open(const std::string& arguments, const std::string& name, OSType type = qt::Code("PNGf")) {
+        path_ = images_.Make(arguments, name);
+        const auto bytes = FileBytes(path_);
+        Handle handle = nullptr;
+        ASSERT_EQ(PtrToHand(bytes.data(), &handle, static_cast<Size>(bytes.size())), noErr);
+        ComponentInstance opened = nullptr;
+        ASSERT_EQ(OpenADefaultComponent(qt::kGraphicsImporter, type, &opened), noErr);
+        importer_.reset(opened);
+        data_ = qt::MemoryHandle(handle);
+        ASSERT_EQ(GraphicsImportSetDataHandle(opened, handle), noErr);
+        matrix_ = kIdentityMatrix;
+    }
+
+    ComponentResult Draw(qt::PixelImage& image) {
+        EXPECT_EQ(GraphicsImportSetMatrix(importer_.get(), &matrix_), noErr);
+        return qt::DrawImporter(importer_.get(), image);
+    }
+
+    qt::PixelImage Drawn() {
+        qt::PixelImage image;
+        EXPECT_EQ(Draw(image), noErr);
+        return image;
+    }
+
+    /// Draws into a port that is larger than the drawing.
+    qt::PixelImage DrawnIntoPort(const Rect& bounds) {
+        GWorldPtr made = nullptr;
+        EXPECT_EQ(NewGWorld(&made, 32, bounds), noErr);
+        const qt::OwnedGWorld port(made);
+        made->pixels.Fill(0);
+        EXPECT_EQ(GraphicsImportSetMatrix(importer_.get(), &matrix_), noErr);
+        EXPECT_EQ(GraphicsImportSetGWorld(importer_.get(), made), noErr);
+        EXPECT_EQ(GraphicsImportDraw(importer_.get()), noErr);
+        return std::move(made->pixels);
+    }
+
+    /// What convert makes of the opened file.
+    qt::PixelImage Converted(const std::string& arguments) {
+        return Decoded(qt::kPngCodec, images_.MakeBytes("'" + path_ + "' " + arguments, "png24:peer.png"));
+    }
+
+    /// What vips makes of it; `%` in the arguments stands for the output file.
+    qt::PixelImage Vips(const std::string& operation, const std::string& arguments) {
+        const std::string out = images_.folder.Path("vips.png");
+        const std::string command = "vips " + operation + " '" + path_ + "' '" + out + "' " + arguments;
+        EXPECT_EQ(std::system(command.c_str()), 0) << command;
+        return Decoded(qt::kPngCodec, FileBytes(out));
+    }
+
+    void MapQuad(std::int32_t width, std::int32_t height, const double (&corners)[4][2]) {
+        const FixedPoint source[4] = {
+            {0, 0}, {X2Fix(width), 0}, {X2Fix(width), X2Fix(height)}, {0, X2Fix(height)}};
+        FixedPoint destination[4];
+        for (int i = 0; i < 4; ++i) destination[i] = {X2Fix(corners[i][0]), X2Fix(corners[i][1])};
+        ASSERT_EQ(QuadToQuadMatrix(source, destination, &matrix_), noErr);
+    }
+
+    MadeImages images_;
+    std::string path_;
+    qt::MemoryHandle data_;
+    qt::OpenComponent importer_;
+    MatrixRecord matrix_ = kIdentityMatrix;
+};
+
+TEST_F(Transforms, QuarterTurnsAndMirrorsOnlyMovePixels) {
+    Open("-seed 3 -size 37x23 xc:gray +noise Random", "png32:a.png");
+    struct Case {
+        Fixed degrees;
+        Fixed scale_x;
+        const char* peer;
+    };
+    for (const Case& turn : {Case{90, 1, "-rotate 90"},
+                             {180, 1, "-rotate 180"},
+                             {270, 1, "-rotate 270"},
+                             {0, -1, "-flop"},
+                             {90, -1, "-rotate 90 -flop"},
+                             {360, 1, ""}}) {
+        matrix_ = kIdentityMatrix;
+        RotateMatrix(&matrix_, turn.degrees << 16, 0, 0);
+        ScaleMatrix(&matrix_, turn.scale_x << 16, 1 << 16, 0, 0);
+        EXPECT_GT(PeakSignalToNoise(Drawn(), Converted(turn.peer)), 99.0) << turn.peer;
+    }
+}
+
+TEST_F(Transforms, StretchesAsOthersDo) {
+    Open(kPicture, "png24:a.png");
+    ScaleMatrix(&matrix_, X2Fix(0.32), X2Fix(0.32), 0, 0);
+    const qt::PixelImage small = Drawn();
+    EXPECT_GT(PeakSignalToNoise(small, Converted("-filter Catrom -resize 192x144!")), 48.0);
+    EXPECT_GT(PeakSignalToNoise(small, Converted("-resize 192x144!")), 36.0);
+    EXPECT_GT(PeakSignalToNoise(small, Vips("resize", "0.32 --kernel cubic")), 40.0);
+    matrix_ = kIdentityMatrix;
+    ScaleMatrix(&matrix_, X2Fix(1.5), X2Fix(0.75), 0, 0);
+    EXPECT_GT(PeakSignalToNoise(Drawn(), Converted("-filter Catrom -resize 900x338!")), 48.0);
+}
+
+TEST_F(Transforms, TurnsAsOthersDo) {
+    Open(kPicture, "png24:a.png");
+    RotateMatrix(&matrix_, 30 << 16, 0, 0);
+    // From (-225, 0) to (519.6, 689.7).
+    const qt::PixelImage turned = Drawn();
+    const std::string peer = "-virtual-pixel white -define distort:viewport=745x690-225+0 ";
+    EXPECT_GT(PeakSignalToNoise(
+                  turned, Converted(peer + "-filter point -interpolate catrom -distort SRT '0,0 1 30'")),
+              39.0);
+    EXPECT_GT(PeakSignalToNoise(turned, Converted(peer + "-distort SRT '0,0 1 30'")), 46.0);
+    EXPECT_GT(PeakSignalToNoise(turned, Vips("affine",
+                                             "'0.8660254 -0.5 0.5 0.8660254' --interpolate bicubic "
+                                             "--oarea '-225 0 745 690' --background 255 --idx 0.5 --idy 0.5 "
+                                             "--odx -0.5 --ody -0.5")),
+              39.0);
+}
+
+TEST_F(Transforms, BendsAsOthersDo) {
+    Open(kPicture, "png24:a.png");
+    MapQuad(600, 450, {{0, 0}, {595, 65}, {475, 450}, {30, 350}});
+    const std::string peer = "-virtual-pixel white -define distort:viewport=595x450+0+0 ";
+    const std::string quad = "-distort Perspective '0,0 0,0 600,0 595,65 600,450 475,450 0,450 30,350'";
+    const qt::PixelImage bent = Drawn();
+    EXPECT_GT(PeakSignalToNoise(bent, Converted(peer + quad)), 44.0);
+    EXPECT_GT(PeakSignalToNoise(bent, Converted(peer + "-filter point -interpolate catrom " + quad)), 39.0);
+}
+
+TEST_F(Transforms, WhatShrinksIsTheMeanOfWhatItCovers) {
+    Open("-size 600x600 pattern:gray50", "png24:a.png"); // every other pixel black
+    const auto is_grey = [&](const qt::PixelImage& image, const Rect& part) {
+        for (std::int32_t y = part.top; y < part.bottom; ++y) {
+            for (std::int32_t x = part.left; x < part.right; ++x) {
+                const int level = static_cast<int>(qt::Green(image.Row(y)[x]));
+                if (std::abs(level - 128) > 24)
+                    return ::testing::AssertionFailure() << x << ',' << y << ": " << level;
+            }
+        }
+        return ::testing::AssertionSuccess();
+    };
+    ScaleMatrix(&matrix_, X2Fix(0.37), X2Fix(0.37), 0, 0);
+    EXPECT_TRUE(is_grey(Drawn(), {2, 2, 220, 220}));
+    RotateMatrix(&matrix_, 45 << 16, 0, 0);
+    EXPECT_TRUE(is_grey(Drawn(), {107, 107, 207, 207}));
+    // A floor that goes away: its far part has a tenth of the size of its near part.
+    MapQuad(600, 600, {{270, 0}, {330, 0}, {600, 300}, {0, 300}});
+    EXPECT_TRUE(is_grey(Drawn(), {2, 274, 40, 326}));
+}
+
+TEST_F(Transforms, EdgesAreAsOpaqueAsTheyAreCovered) {
+    Open("-size 101x57 xc:black", "png24:a.png");
+    for (const double degrees : {0.0, 5.0, 30.0, 45.0, 71.0, 90.0}) {
+        for (const double scale : {0.3, 1.0, 2.7}) {
+            matrix_ = kIdentityMatrix;
+            RotateMatrix(&matrix_, X2Fix(degrees), 0, 0);
+            ScaleMatrix(&matrix_, X2Fix(scale), X2Fix(scale), 0, 0);
+            const qt::PixelImage image = DrawnIntoPort({-170, -170, 330, 330});
+            double area = 0.0;
+            std::uint32_t colours = 0;
+            for (std::int32_t y = 0; y < 500; ++y) {
+                for (std::int32_t x = 0; x < 500; ++x) {
+                    area += qt::Alpha(image.Row(y)[x]) / 255.0;
+                    if (qt::Alpha(image.Row(y)[x]) > 0) colours |= image.Row(y)[x];
+                }
+            }
+            const double expected = 101 * 57 * scale * scale;
+            EXPECT_NEAR(area / expected, 1.0, degrees == 0.0 || degrees == 90.0 ? 0.03 : 0.006)
+                << degrees << ' ' << scale;
+            EXPECT_EQ(colours & 0xFF'FFFF, 0U) << "edges are thinner, not lighter";
+        }
+    }
+    matrix_ = kIdentityMatrix;
+    RotateMatrix(&matrix_, 45 << 16, 0, 0);
+    const qt::PixelImage exported = Drawn();
+    EXPECT_FALSE(exported.has_alpha);
+    EXPECT_EQ(exported.Row(0)[0], kWhite);
+}
+
+TEST_F(Transforms, TransparentPixelsLendNoColour) {
+    Open("-size 60x60 xc:'rgba(255,0,0,0)' -fill blue -draw 'rectangle 30,0 59,59'", "png32:a.png");
+    for (const Fixed degrees : {0, 20}) {
+        matrix_ = kIdentityMatrix;
+        ScaleMatrix(&matrix_, X2Fix(0.4), X2Fix(0.4), 0, 0);
+        RotateMatrix(&matrix_, degrees << 16, 0, 0);
+        const qt::PixelImage image = Drawn();
+        EXPECT_TRUE(image.has_alpha);
+        int partly = 0;
+        for (std::int32_t y = 0; y < image.height(); ++y) {
+            for (std::int32_t x = 0; x < image.width(); ++x) {
+                const std::uint32_t pixel = image.Row(y)[x];
+                if (qt::Alpha(pixel) == 0) continue;
+                ASSERT_EQ(qt::Red(pixel), 0U) << x << ',' << y;
+                partly += qt::Alpha(pixel) < 255 ? 1 : 0;
+            }
+        }
+        EXPECT_GT(partly, 10);
+    }
+}
+
+TEST_F(Transforms, DrawsThePartOfTheSourceWithItsSurroundings) {
+    Open("-size 40x30 xc:black", "png24:a.png");
+    const Rect part = {-10, -20, 40, 60};
+    ASSERT_EQ(GraphicsImportSetSourceRect(importer_.get(), &part), noErr);
+    ScaleMatrix(&matrix_, -2 << 16, 1 << 15, 0, 0);
+    const qt::PixelImage image = Drawn();
+    ASSERT_EQ(image.width(), 160);
+    ASSERT_EQ(image.height(), 25);
+    for (std::int32_t y = 0; y < 25; ++y) {
+        for (std::int32_t x = 0; x < 160; ++x) {
+            const bool within = x >= 40 && x < 120 && y >= 5 && y < 20;
+            ASSERT_EQ(image.Row(y)[x], within ? qt::Pixel(0, 0, 0) : kWhite) << x << ',' << y;
+        }
+    }
+}
+
+TEST_F(Transforms, ReducedDecodingShowsTheSame) {
+    const auto draw_all = [&] {
+        std::vector<qt::PixelImage> drawn;
+        const Rect part = {151, 103, 387, 501};
+        for (const Rect* crop : {static_cast<const Rect*>(nullptr), &part}) {
+            EXPECT_EQ(GraphicsImportSetSourceRect(importer_.get(), crop), noErr);
+            for (const double scale : {0.4, 0.2, 0.07}) {
+                for (const int turn : {0, 90, 33}) {
+                    matrix_ = kIdentityMatrix;
+                    ScaleMatrix(&matrix_, X2Fix(scale), X2Fix(scale), 0, 0);
+                    RotateMatrix(&matrix_, turn << 16, 0, 0);
+                    drawn.push_back(Drawn());
+                }
+            }
+        }
+        return drawn;
+    };
+    Open(std::string(kPicture) + " -quality 95", "a.jpg", qt::Code("JPEG"));
+    const std::vector<qt::PixelImage> reduced = draw_all();
+    Open("'" + path_ + "'", "png24:whole.png");
+    const std::vector<qt::PixelImage> whole = draw_all();
+    for (std::size_t i = 0; i < whole.size(); ++i)
+        EXPECT_GT(PeakSignalToNoise(reduced[i], whole[i]), 50.0) << i;
+}
+
+TEST_F(Transforms, RefusesWhatHasNoDrawing) {
+    Open("-size 40x30 xc:red", "png24:a.png");
+    qt::PixelImage image;
+    matrix_.matrix[0][2] = -(1 << 30) / 39; // infinity lies within the image
+    EXPECT_EQ(Draw(image), paramErr);
+    matrix_ = kIdentityMatrix;
+    matrix_.matrix[2][2] = 0;
+    EXPECT_EQ(Draw(image), paramErr);
+    matrix_.matrix[2][2] = -(1 << 30); // all of it behind: a mapping like others
+    EXPECT_EQ(Draw(image), noErr);
+    matrix_ = {{{{0, 0, 0}, {0, 1 << 16, 0}, {0, 0, 1 << 30}}}};
+    EXPECT_EQ(Draw(image), codecSizeErr) << "no width";
+    matrix_ = kIdentityMatrix;
+    ScaleMatrix(&matrix_, 751 << 16, 1 << 16, 0, 0);
+    EXPECT_EQ(Draw(image), codecSizeErr) << "30,040 pixels";
+    matrix_ = kIdentityMatrix;
+    ScaleMatrix(&matrix_, 700 << 16, 700 << 16, 0, 0);
+    EXPECT_EQ(Draw(image), codecSizeErr) << "more than 1 GiB";
+    RotateMatrix(&matrix_, 45 << 16, 0, 0);
+    EXPECT_EQ(Draw(image), codecSizeErr) << "as a warp";
+    matrix_ = {{{{1 << 16, 1 << 16, 0}, {1 << 16, 1 << 16, 0}, {0, 0, 1 << 30}}}};
+    EXPECT_EQ(Draw(image), noErr) << "a line has a frame, and nothing in it";
+    EXPECT_EQ(image.Row(35)[35], kWhite);
+    matrix_ = kIdentityMatrix;
+    ScaleMatrix(&matrix_, 1, 1, 0, 0);
+    EXPECT_EQ(Draw(image), noErr) << "less than a pixel is one";
+    EXPECT_EQ(image.width(), 1);
+}
+
+TEST(TransformBands, CoverEachRowOnceAndPassFailuresOn) {
+    for (const std::int32_t rows : {1, 7, 1000}) {
+        std::vector<std::atomic<int>> drawn(static_cast<std::size_t>(rows));
+        qt::DrawInBands(rows, 10'000'000, [&](std::int32_t first, std::int32_t end) {
+            for (std::int32_t y = first; y < end; ++y) ++drawn[static_cast<std::size_t>(y)];
+        });
+        for (const auto& count : drawn) ASSERT_EQ(count, 1);
+    }
+    const auto fail = [](std::int32_t first, std::int32_t) {
+        if (first > 100) throw std::runtime_error("no room");
+    };
+    EXPECT_THROW(qt::DrawInBands(1000, 10'000'000, fail), std::runtime_error);
+}
+
+} // namespace
