@@ -1,5 +1,6 @@
 #include "sounds/functions.h"
 
+#include "platform/quicktime/movies/movie_playback.h"
 #include "plugin/drawing_port.h"
 #include "plugin/host_data.h"
 #include "plugin/parameters.h"

@@ -4,6 +4,7 @@
 #include "files/reference_movie.h"
 #include "files/references.h"
 #include "files/temporary_files.h"
+#include "platform/quicktime/movies/movie_playback.h"
 #include "platform/quicktime/movies/sound_resource.h"
 #include "plugin/host_data.h"
 #include "plugin/workarounds.h"

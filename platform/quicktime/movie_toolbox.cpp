@@ -1,5 +1,7 @@
 #include "platform/quicktime/movie_toolbox.h"
 
+#include "platform/quicktime/sound_output/sound_output.h"
+
 #include <dlfcn.h>
 
 namespace {
@@ -27,7 +29,9 @@ OSErr EnterMovies() {
     return g_layer_starts > 0 ? 0 : OSErr{-2005};
 }
 
-void ExitMovies() {}
+void ExitMovies() {
+    qt::SoundOutput::Get().Close();
+}
 
 void TerminateQTML() {
     if (g_layer_starts > 0) --g_layer_starts;

@@ -131,6 +131,8 @@ struct TrackRecord {
     std::uint32_t modified = 0;
 };
 
+class MoviePlayback;
+
 struct MovieRecord {
     TimeScale time_scale = 600;
     std::vector<std::unique_ptr<TrackRecord>> tracks;
@@ -147,6 +149,7 @@ struct MovieRecord {
     bool active = true;
     DataReference file;                   ///< the movie's default data reference; no handle: none
     std::shared_ptr<GrowingData> storage; ///< the file that new media without a reference write to
+    std::shared_ptr<MoviePlayback> playback; ///< ends first, for it reads the tracks; null: never started
 };
 
 /// Keeps the code for GetMoviesError, and hands it on.

@@ -116,62 +116,6 @@ std::uint32_t GetMovieModificationTime(Movie movie) {
     return movie->modified;
 }
 
-void SetMovieActive(Movie movie, bool active) {
-    movie->active = active;
-}
-
-bool GetMovieActive(Movie movie) {
-    return movie->active;
-}
-
-void SetMovieVolume(Movie movie, std::int16_t volume) {
-    movie->volume = volume;
-}
-
-std::int16_t GetMovieVolume(Movie movie) {
-    return movie->volume;
-}
-
-void SetMoviePreferredRate(Movie movie, Fixed rate) {
-    movie->preferred_rate = rate;
-}
-
-Fixed GetMoviePreferredRate(Movie movie) {
-    return movie->preferred_rate;
-}
-
-void SetMovieRate(Movie movie, Fixed rate) {
-    movie->rate = rate;
-}
-
-Fixed GetMovieRate(Movie movie) {
-    return movie->rate;
-}
-
-void SetMovieAudioBalance(Movie movie, float balance) {
-    movie->balance = balance;
-}
-
-float GetMovieAudioBalance(Movie movie) {
-    return movie->balance;
-}
-
-void SetMoviePlayHints(Movie movie, std::uint32_t flags, std::uint32_t mask) {
-    movie->play_hints = (movie->play_hints & ~mask) | (flags & mask);
-}
-
-std::uint32_t GetMoviePlayHints(Movie movie) {
-    return movie->play_hints;
-}
-
-void SetMovieTimeValue(Movie movie, TimeValue time) {
-    movie->time = std::clamp<TimeValue>(time, 0, GetMovieDuration(movie));
-}
-
-TimeValue GetMovieTime(Movie movie) {
-    return movie->time;
-}
-
 std::int32_t GetMovieTrackCount(Movie movie) {
     return static_cast<std::int32_t>(movie->tracks.size());
 }

@@ -1,4 +1,4 @@
-// Movies: tracks over media, selections, and the settings of their playing.
+// Movies: tracks over media, and selections. Their playing is in movie_playback.h.
 //
 // A movie owns its tracks, a track its media: disposing of the movie ends them all. Times are counts of units
 // of the time scale of what they belong to, 64 bits wide. A movie opened from a sound has the sound's sample
@@ -57,22 +57,6 @@ TimeScale GetMovieTimeScale(Movie movie);
 TimeValue GetMovieDuration(Movie movie);         ///< to the end of the track that ends last
 std::uint32_t GetMovieCreationTime(Movie movie); ///< seconds since 1 January 1904, GMT
 std::uint32_t GetMovieModificationTime(Movie movie);
-
-/// Playing: what the player reads. The preferred rate is what StartMovie sets the rate to.
-void SetMovieActive(Movie movie, bool active);
-bool GetMovieActive(Movie movie);
-void SetMovieVolume(Movie movie, std::int16_t volume);
-std::int16_t GetMovieVolume(Movie movie);
-void SetMoviePreferredRate(Movie movie, Fixed rate);
-Fixed GetMoviePreferredRate(Movie movie);
-void SetMovieRate(Movie movie, Fixed rate); ///< 0: stopped
-Fixed GetMovieRate(Movie movie);
-void SetMovieAudioBalance(Movie movie, float balance); ///< -1 left, 1 right
-float GetMovieAudioBalance(Movie movie);
-void SetMoviePlayHints(Movie movie, std::uint32_t flags, std::uint32_t mask);
-std::uint32_t GetMoviePlayHints(Movie movie);
-void SetMovieTimeValue(Movie movie, TimeValue time);
-TimeValue GetMovieTime(Movie movie);
 
 /// Tracks. Indices count from 1; the order is that of making.
 std::int32_t GetMovieTrackCount(Movie movie);
