@@ -11,10 +11,10 @@
 #include "plugin/call_block.h"
 #include "plugin/drawing_port.h"
 #include "plugin/host_version.h"
-#include "plugin/playback_defaults.h"
 #include "plugin/registry.h"
 #include "plugin/string_table.h"
 #include "plugin/workarounds.h"
+#include "sounds/media_pool.h"
 #include "ui/standard_alert.h"
 
 #include <algorithm>
@@ -62,7 +62,7 @@ bool StartQuickTime() {
             ->Run();
         return false;
     }
-    CurrentPlaybackDefaults() = {};
+    MediaPool::Instance();
     if (CreateDrawingPort() != noErr) return false;
     const bool recent = CheckQuickTimeVersion();
     ResetWorkarounds();
@@ -70,6 +70,7 @@ bool StartQuickTime() {
 }
 
 void TearDown() {
+    MediaPool::Delete();
     DisposeDrawingPort();
     ExitMovies();
     TerminateQTML();

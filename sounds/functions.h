@@ -23,11 +23,20 @@ FM_Error ExtractSound(std::int16_t id, const FM_ExprEnv& environment, const FM_D
                       FM_Data& result);
 FM_Error FadeSound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                    FM_Data& result);
+/// Settings of the whole plug-in: they stand here for those of playback.
+FM_Error Get(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters, FM_Data& result);
+FM_Error Set(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters, FM_Data& result);
 FM_Error GetSoundInfo(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                       FM_Data& result);
 FM_Error ListSoundOutputFormats(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                                 FM_Data& result);
 FM_Error MixSounds(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                   FM_Data& result);
+FM_Error PlayPause(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                   FM_Data& result);
+FM_Error PlaySound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                   FM_Data& result);
+FM_Error StopSound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                    FM_Data& result);
 FM_Error Normalize(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                    FM_Data& result);

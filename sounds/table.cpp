@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::array<SoundFunction, 27> kSoundFunctions = {{
     {1, 1, 1, kShownServerFunction, Version},                 // Media_Version
-    {2, 1, 4, kShownFunction, SoundFunctionNotBuilt},         // Media_PlaySound
+    {2, 1, 4, kShownFunction, PlaySound},         // Media_PlaySound
     {3, 1, -1, kShownServerFunction, CreateSound},            // Media_CreateSound
     {4, 2, 2, kShownServerFunction, AppendSound},             // Media_AppendSound
     {5, 3, 3, kShownServerFunction, ExtractSound},            // Media_ExtractSound
@@ -23,7 +23,7 @@ constexpr std::array<SoundFunction, 27> kSoundFunctions = {{
     {11, 2, 3, kShownServerFunction, Amplify},                // Media_Amplify
     {12, 5, 5, kShownServerFunction, FadeSound},              // Media_FadeSound
     {13, 0, 0, kShownServerFunction, GetLastError},           // Media_GetLastError
-    {14, 0, 0, kShownFunction, SoundFunctionNotBuilt},        // Media_StopSound
+    {14, 0, 0, kShownFunction, StopSound},        // Media_StopSound
     {15, 1, 2, kShownServerFunction, ExtractInfo},            // Media_ExtractInfo
     {16, 0, 1, kShownFunction, SoundFunctionNotBuilt},        // Media_InsertQuickTime
     {17, 0, 3, kShownFunction, SoundFunctionNotBuilt},        // Media_RecordSoundStart
@@ -34,7 +34,7 @@ constexpr std::array<SoundFunction, 27> kSoundFunctions = {{
     {22, 2, -1, kShownServerFunction, SetMetadata},           // Media_SetMetadata
     {23, 1, 2, kShownServerFunction, Set},                    // Media_Set
     {24, 1, 3, kShownServerFunction, GetMetadata},            // Media_GetMetadata
-    {25, 0, 1, kShownFunction, SoundFunctionNotBuilt},        // Media_PlayPause
+    {25, 0, 1, kShownFunction, PlayPause},        // Media_PlayPause
     {26, 1, 1, kShownServerFunction, Normalize},              // Media_Normalize
     {27, 6, 8, kShownFunction, DrawWaveform},                 // Media_DrawWaveform
 }};

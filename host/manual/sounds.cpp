@@ -129,11 +129,15 @@ its text items under IPTC, and its EXIF entries; empty when it has none.)",
 informationListOrTag1, value1  a list, "Name: value" in each line; or a tag's name and its value, as often as
                                needed. An empty value removes the tag, an empty list all tags. Names are those
                                of Media_GetMetadata; in comments "&#13;" stands for a line end)",
-     "Empty. The file gets an ID3v2 and an ID3v1 tag; all other tags in it, pictures among them, and the sound "
-     "stay\nas they are, byte for byte. The new file replaces the old one in one step: a failure leaves it as it "
+     "Empty. The file gets an ID3v2 and an ID3v1 tag; all other tags in it, pictures among them, and the "
+     "sound "
+     "stay\nas they are, byte for byte. The new file replaces the old one in one step: a failure leaves it "
+     "as it "
      "was.\nAnswers the host 0: a failure is only in Media_GetLastError.",
-     "-1     the file's tag is broken\n-34    the disk is full\n-50    a wrong number of parameters\n-61    the "
-     "file or its folder can't be written to\n-208   no MP3 file\n-2740  a line without a colon, or with a name "
+     "-1     the file's tag is broken\n-34    the disk is full\n-50    a wrong number of parameters\n-61    "
+     "the "
+     "file or its folder can't be written to\n-208   no MP3 file\n-2740  a line without a colon, or with a "
+     "name "
      "that isn't plain ASCII\n-5240  no such tag, or one without a text\ncodes of Media_AppendSound",
      R"(Media_SetMetadata ( "/C:/sounds/song.mp3" ; "Artist" ; "Björk" ; "Year" ; "1993" ))"},
     {"Media_GetSoundInfo",
@@ -174,6 +178,22 @@ parameters   a block of Media_SoundFormatDialog for this format; without it the 
      "-61    the file may not be written\n-128   cancelled\n-1309  more than the format can hold\n"
      "-2005  no such format\ncodes of Media_AppendSound",
      R"(Media_ConvertSound ( "/C:/sounds/talk.wav" ; "/C:/sounds/talk.mp3" ; "MP3 " ; $settings ))"},
+    {"Media_PlaySound", "Plays a sound, or the sound of a movie.",
+     R"(container       a sound (see Media_AppendSound)
+in background   true: the call returns at once, and the sound plays while the host handles messages;
+                without it the call returns when the sound has ended, or with Escape or Control and period
+start, end      H:M:S or H:M:S.F: what is played of it; in the wrong order they are exchanged
+It plays at the volume, tempo and balance that Media_Set has set. docs/sound.md tells of devices.)",
+     "Text: $CODE:MESSAGE as of Media_GetLastError, whether it succeeded or not.",
+     "-50    wrong number of parameters, an empty container, or one that can't be read\n"
+     "-128   stopped by the keys\n-200   there is no sound output\n-2014  nothing lies between the times\n"
+     "codes of Media_AppendSound",
+     R"(Media_PlaySound ( "/C:/sounds/talk.wav" ; True ; "0:0:10" ))"},
+    {"Media_PlayPause", "Pauses the sounds in the background, or lets them go on where they stopped.",
+     "number   0, or nothing: all of them; they are numbered from 1 in the order of starting",
+     "Text: $CODE:MESSAGE as of Media_GetLastError.", "-50   more than one parameter", "Media_PlayPause"},
+    {"Media_StopSound", "Ends all sounds in the background.", "none", "Text: $0:Media_StopSound: No error.",
+     "none", "Media_StopSound", "$0:Media_StopSound: No error."},
 });
 
 } // namespace

@@ -1,11 +1,12 @@
+#include "sounds/functions.h"
+
 #include "platform/quicktime/movie_toolbox.h"
 #include "plugin/drawing_port.h"
 #include "plugin/errors.h"
-#include "plugin/functions.h"
 #include "plugin/host_data.h"
 #include "plugin/parameters.h"
-#include "plugin/playback_defaults.h"
 #include "plugin/workarounds.h"
+#include "sounds/media_pool.h"
 
 #include <algorithm>
 #include <array>
@@ -27,9 +28,12 @@ std::int32_t SetFlag(FM_Data& result, bool flag) {
     return SetResultText(result, flag ? "1" : "0");
 }
 
-// No sound plays in the background and none is recorded before their functions are built.
-std::int32_t GetIdle(const FM_DataVect&, FM_Data& result) {
+std::int32_t GetRecording(const FM_DataVect&, FM_Data& result) {
     return SetFlag(result, false);
+}
+
+std::int32_t GetPlayStatus(const FM_DataVect&, FM_Data& result) {
+    return SetFlag(result, MediaPool::Instance().IsPlaying(kAllEntries));
 }
 
 std::int32_t GetQuickTimeVersion(const FM_DataVect&, FM_Data& result) {
@@ -57,38 +61,38 @@ std::int32_t SetWorkaroundTag(const FM_DataVect& parameters, FM_Data& result) {
     return SetFlag(result, value);
 }
 
-template <float PlaybackDefaults::*kMember>
+template <float (MediaPool::*kGet)(EntryId)>
 std::int32_t GetPlaybackDefault(const FM_DataVect&, FM_Data& result) {
-    return SetResultNumber(result, std::floor(CurrentPlaybackDefaults().*kMember * 100.0) / 100);
+    const double value = (MediaPool::Instance().*kGet)(kAllEntries);
+    return SetResultNumber(result, std::floor(value * 100) / 100);
 }
 
-template <float PlaybackDefaults::*kMember>
+template <std::int32_t (MediaPool::*kSet)(EntryId, float)>
 std::int32_t SetPlaybackDefault(const FM_DataVect& parameters, FM_Data&) {
     if (Host(FM_DataVect_Size, &parameters) < 2) return kErrorWrongParameter;
-    CurrentPlaybackDefaults().*kMember = ReadNumberParameter(parameters, 1).value;
-    return 0;
+    return (MediaPool::Instance().*kSet)(kAllEntries, ReadNumberParameter(parameters, 1).value);
 }
 
 constexpr std::array<Tag, 10> kGetTags = {{
-    {"recording", GetIdle},
+    {"recording", GetRecording},
     {"quicktime-version", GetQuickTimeVersion},
     {"quicktime", GetQuickTimeVersion},
     {"lmworkaround", GetWorkaround<Workaround::kLinkMedia>},
     {"earlierqtcompatibility", GetWorkaround<Workaround::kLinkMedia>},
     {"rfworkaround", GetWorkaround<Workaround::kRemoteFile>},
-    {"playstatus", GetIdle},
-    {"volume", GetPlaybackDefault<&PlaybackDefaults::volume>},
-    {"tempo", GetPlaybackDefault<&PlaybackDefaults::tempo>},
-    {"balance", GetPlaybackDefault<&PlaybackDefaults::balance>},
+    {"playstatus", GetPlayStatus},
+    {"volume", GetPlaybackDefault<&MediaPool::GetVolume>},
+    {"tempo", GetPlaybackDefault<&MediaPool::GetTempo>},
+    {"balance", GetPlaybackDefault<&MediaPool::GetBalance>},
 }};
 
 constexpr std::array<Tag, 6> kSetTags = {{
     {"lmworkaround", SetWorkaroundTag<Workaround::kLinkMedia>},
     {"earlierqtcompatibility", SetWorkaroundTag<Workaround::kLinkMedia>},
     {"rfworkaround", SetWorkaroundTag<Workaround::kRemoteFile>},
-    {"volume", SetPlaybackDefault<&PlaybackDefaults::volume>},
-    {"tempo", SetPlaybackDefault<&PlaybackDefaults::tempo>},
-    {"balance", SetPlaybackDefault<&PlaybackDefaults::balance>},
+    {"volume", SetPlaybackDefault<&MediaPool::SetVolume>},
+    {"tempo", SetPlaybackDefault<&MediaPool::SetTempo>},
+    {"balance", SetPlaybackDefault<&MediaPool::SetBalance>},
 }};
 
 FM_Error RunTag(std::span<const Tag> tags, const FM_DataVect& parameters, FM_Data& result, CVSError& error) {
