@@ -17,5 +17,7 @@ int Db(Session& session, const CommandLine& line);
 int Import(Session& session, const CommandLine& line);
 int Show(Session& session, const CommandLine& line);
 int Export(Session& session, const CommandLine& line);
+int Update(Session& session, const CommandLine& line);
+int Worker(Session& session, const CommandLine& line);
 
 } // namespace host

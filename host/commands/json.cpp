@@ -51,7 +51,9 @@ Json Container(const ContainerFacts& facts) {
 
 std::string JsonOf(std::string_view calculation, const Outcome& outcome) {
     const FM_Data& value = outcome.value;
-    Json json = {{"calc", calculation}, {"error", outcome.error}};
+    Json json = {{"calc", calculation},
+                 {"error", outcome.parse_error ? Engine::kCalculationError : outcome.error}};
+    if (outcome.parse_error) json["message"] = outcome.parse_error->message;
     switch (value.Type()) {
     case kFM_TypeContainer:
         json["type"] = "container";

@@ -32,10 +32,11 @@ std::string ForEachRecord(Records& records, std::int64_t last,
     std::vector<std::int64_t> numbers;
     std::int64_t after = 0;
     while (true) {
-        if (std::string problem = records.Numbers(after, kPortion, numbers); !problem.empty()) return problem;
+        if (std::string problem = records.Numbers(after, last, kPortion, numbers); !problem.empty())
+            return problem;
         if (numbers.empty()) return {};
         for (const std::int64_t number : numbers)
-            if (number > last || !visit(number)) return {};
+            if (!visit(number)) return {};
         after = numbers.back();
     }
 }

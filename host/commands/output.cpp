@@ -6,26 +6,43 @@
 #include <unistd.h>
 
 namespace host {
+namespace {
+
+constexpr std::size_t kPiece = std::size_t{64} << 10;
+
+} // namespace
 
 Output::Output() : terminal_(::isatty(STDOUT_FILENO) == 1) {}
 
 void Output::EndPiece() {
-    constexpr std::size_t kPiece = std::size_t{64} << 10;
     if (terminal_ || buffer_.size() >= kPiece) Flush();
 }
 
+void Output::Write(std::string_view bytes) {
+    if (bytes.size() < kPiece) {
+        buffer_ += bytes;
+        EndPiece();
+    } else {
+        Flush();
+        WriteOut(bytes);
+    }
+}
+
 void Output::Flush() {
-    std::string_view rest = buffer_;
-    while (good_ && !rest.empty()) {
-        const ssize_t count = ::write(STDOUT_FILENO, rest.data(), rest.size());
+    WriteOut(buffer_);
+    buffer_.clear();
+}
+
+void Output::WriteOut(std::string_view bytes) {
+    while (good_ && !bytes.empty()) {
+        const ssize_t count = ::write(STDOUT_FILENO, bytes.data(), bytes.size());
         if (count >= 0) {
-            rest.remove_prefix(static_cast<std::size_t>(count));
+            bytes.remove_prefix(static_cast<std::size_t>(count));
         } else if (errno != EINTR) {
             std::fprintf(stderr, "corvane: cannot write: %s\n", std::strerror(errno));
             good_ = false;
         }
     }
-    buffer_.clear();
 }
 
 } // namespace host

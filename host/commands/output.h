@@ -17,11 +17,15 @@ public:
     std::string& Buffer() { return buffer_; }
     /// Writes when enough has gathered; on a terminal at once.
     void EndPiece();
+    /// Writes bytes that need not be copied first, if there are many.
+    void Write(std::string_view bytes);
     void Flush();
     /// False once writing has failed; later text is dropped.
     [[nodiscard]] bool Good() const { return good_; }
 
 private:
+    void WriteOut(std::string_view bytes);
+
     std::string buffer_;
     bool terminal_;
     bool good_ = true;

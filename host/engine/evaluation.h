@@ -28,8 +28,8 @@ public:
     [[nodiscard]] Engine& GetEngine() { return engine_; }
     [[nodiscard]] FM_Error Error() const { return error_; }
     [[nodiscard]] const std::string& Message() const { return message_; }
-    /// Name of the plug-in's function that answered Error; without an error, of the latest that gave a text
-    /// with "$" in front, as error texts have. Empty when there is none.
+    /// Name of the plug-in's function that answered Error; without an error, of the latest that gave nothing,
+    /// or a text with "$" in front as error texts have. Empty when there is none.
     [[nodiscard]] const std::string& Function() const { return function_; }
 
 private:

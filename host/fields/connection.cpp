@@ -139,9 +139,10 @@ std::string Connection::Open(const std::string& path) {
     if (answer != SQLITE_OK) return Problem();
     ::sqlite3_busy_handler(connection, OnBusy, nullptr);
     // A process that dies loses nothing that was committed; a machine that loses its power may lose the
-    // latest transactions, each as a whole. The log beside the file does not keep its largest size.
-    return Execute("PRAGMA synchronous = NORMAL; PRAGMA journal_size_limit = 67108864;"
-                   "PRAGMA trusted_schema = OFF;")
+    // latest transactions, each as a whole. The log beside the file is worked off, which waits for the disk
+    // twice, every 64 MiB.
+    return Execute("PRAGMA synchronous = NORMAL; PRAGMA wal_autocheckpoint = 16384;"
+                   "PRAGMA journal_size_limit = 67108864; PRAGMA trusted_schema = OFF;")
                ? ""
                : Problem();
 }

@@ -20,8 +20,8 @@ constexpr std::uint64_t kRowRoom = 1024; ///< of the other columns
 Records::Records(Connection& connection, const Table& table)
     : connection_(connection),
       table_(table),
-      numbers_(
-          connection.Prepare("SELECT id FROM " + SqlName(table.name) + " WHERE id > ? ORDER BY id LIMIT ?")),
+      numbers_(connection.Prepare("SELECT id FROM " + SqlName(table.name) +
+                                  " WHERE id > ? AND id <= ? ORDER BY id LIMIT ?")),
       streams_(connection.Prepare("SELECT id, type, length(bytes) FROM corvane_streams "
                                   "WHERE field = ? AND record = ? ORDER BY position")),
       stream_deletion_(connection.Prepare("DELETE FROM corvane_streams WHERE field = ? AND record = ?")),
@@ -45,10 +45,12 @@ std::string Records::Problem(std::int64_t record) const {
     return "record " + std::to_string(record) + ": " + connection_.Problem();
 }
 
-std::string Records::Numbers(std::int64_t after, std::size_t limit, std::vector<std::int64_t>& numbers) {
+std::string Records::Numbers(std::int64_t after, std::int64_t last, std::size_t limit,
+                             std::vector<std::int64_t>& numbers) {
     numbers.clear();
     numbers_.Bind(1, after);
-    numbers_.Bind(2, static_cast<std::int64_t>(limit));
+    numbers_.Bind(2, last);
+    numbers_.Bind(3, static_cast<std::int64_t>(limit));
     while (numbers_.Step()) numbers.push_back(numbers_.Integer(0));
     return numbers_.Good() ? "" : connection_.Problem();
 }

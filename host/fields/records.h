@@ -34,8 +34,8 @@ public:
     /// Both outlive the records.
     Records(Connection& connection, const Table& table);
 
-    /// Up to `limit` numbers of records after `after`, in order.
-    [[nodiscard]] std::string Numbers(std::int64_t after, std::size_t limit,
+    /// Up to `limit` numbers of records after `after` and up to `last`, in order.
+    [[nodiscard]] std::string Numbers(std::int64_t after, std::int64_t last, std::size_t limit,
                                       std::vector<std::int64_t>& numbers);
     [[nodiscard]] std::string CountAfter(std::int64_t after, std::int64_t& count);
     /// The largest number, 0 without records.

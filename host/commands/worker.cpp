@@ -1,0 +1,69 @@
+#include "host/commands/commands.h"
+#include "host/commands/input_lines.h"
+#include "host/commands/json.h"
+#include "host/commands/open_table.h"
+#include "host/commands/output.h"
+#include "host/commands/results.h"
+#include "host/fields/record_messages.h"
+
+#include <charconv>
+
+namespace host {
+namespace {
+
+// Calculations, one a line; each gets one line of JSON, whatever becomes of it.
+int WorkOnCalculations(Session& session, const CommandLine& line) {
+    Output output;
+    InputLines lines([&] { output.Flush(); });
+    int status = 0;
+    std::size_t number = 0;
+    while (const auto calculation = lines.Next()) {
+        ++number;
+        const Outcome outcome = session.Evaluate(*calculation);
+        output.Buffer() += JsonOf(*calculation, outcome) + '\n';
+        output.EndPiece();
+        if (!output.Good()) return kUsageError;
+        if (line.strict && (outcome.parse_error || IsFailure(outcome))) status = 1;
+        if (line.save_streams.empty()) continue;
+        if (std::string problem = SaveStreams(line.save_streams, number, outcome.value); !problem.empty())
+            return CommandFailed(problem);
+    }
+    output.Flush();
+    return output.Good() ? status : kUsageError;
+}
+
+// Numbers of records, one a line; each gets a message with what the calculations of the command line make of
+// it.
+int WorkOnRecords(Session& session, const CommandLine& line) {
+    OpenTable table;
+    std::string problem = table.Open(line);
+    if (!problem.empty()) return CommandFailed(problem);
+    auto calculations =
+        ParseFieldCalculations(table.GetTable(), {line.arguments.begin() + 2, line.arguments.end()}, problem);
+    if (!calculations) return CommandFailed(problem);
+    const RecordWork work{line.table.where, std::move(*calculations)};
+    RecordWorker worker(session.GetEngine(), table.Values(), table.GetTable(), work);
+    Output output;
+    InputLines lines([&] { output.Flush(); });
+    while (const auto text = lines.Next()) {
+        std::int64_t record = 0;
+        const auto parsed = std::from_chars(text->data(), text->data() + text->size(), record);
+        if (parsed.ec != std::errc() || parsed.ptr != text->data() + text->size())
+            return CommandFailed('"' + std::string(*text) + "\" is no record number");
+        const bool written = WriteMessage(table.GetTable(), worker.Do(record), [&](std::string_view bytes) {
+            output.Write(bytes);
+            return output.Good();
+        });
+        if (!written) return kUsageError;
+    }
+    output.Flush();
+    return output.Good() ? 0 : kUsageError;
+}
+
+} // namespace
+
+int Worker(Session& session, const CommandLine& line) {
+    return line.arguments.empty() ? WorkOnCalculations(session, line) : WorkOnRecords(session, line);
+}
+
+} // namespace host

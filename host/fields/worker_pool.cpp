@@ -1,0 +1,105 @@
+#include "host/fields/worker_pool.h"
+
+#include "host/fields/record_messages.h"
+
+#include <cerrno>
+#include <poll.h>
+#include <utility>
+
+namespace host {
+namespace {
+
+/// Records that a worker has at most: while one is in work the next ones are on their way.
+constexpr std::size_t kBatch = 3;
+constexpr FM_Error kWorkerDied = -1;
+
+} // namespace
+
+WorkerPool::WorkerPool(const Table& table, std::vector<std::string> command, std::size_t size,
+                       std::function<std::optional<std::int64_t>()> next_record)
+    : table_(table), command_(std::move(command)), next_record_(std::move(next_record)) {
+    for (std::size_t i = 0; i < size; ++i) workers_.push_back(std::make_unique<Worker>());
+}
+
+WorkerPool::~WorkerPool() {
+    for (const auto& worker : workers_) (void)worker->process.End(!worker->records.empty());
+}
+
+void WorkerPool::HandOut(Worker& worker) {
+    while (!stopping_ && problem_.empty() && worker.records.size() < kBatch) {
+        std::optional<std::int64_t> record;
+        if (returned_.empty()) {
+            record = next_record_();
+        } else {
+            record = returned_.front();
+            returned_.pop_front();
+        }
+        if (!record) return;
+        if (!worker.process.IsRunning()) problem_ = worker.process.Start(command_);
+        worker.records.push_back(*record);
+        // A worker that is gone shows itself at the next reading.
+        if (problem_.empty()) (void)worker.process.Send(std::to_string(*record) + '\n');
+    }
+}
+
+void WorkerPool::Stop() {
+    stopping_ = true;
+    for (const auto& worker : workers_)
+        if (worker->records.size() > 1) worker->records.resize(1);
+}
+
+// A worker that has something to say, or is gone; nullptr when none has work.
+WorkerPool::Worker* WorkerPool::WaitForOne() {
+    std::vector<pollfd> waiting;
+    std::vector<Worker*> working;
+    for (std::size_t i = 0; i < workers_.size(); ++i) { // each first in its turn, so that none starves
+        Worker& worker = *workers_[(turn_ + i) % workers_.size()];
+        if (worker.records.empty()) continue;
+        if (worker.process.HasLine()) return &worker;
+        working.push_back(&worker);
+        waiting.push_back({worker.process.Descriptor(), POLLIN, 0});
+    }
+    ++turn_;
+    if (working.empty()) return nullptr;
+    while (::poll(waiting.data(), waiting.size(), -1) < 0)
+        if (errno != EINTR) return nullptr;
+    for (std::size_t i = 0; i < waiting.size(); ++i)
+        if (waiting[i].revents != 0) return working[i];
+    return nullptr;
+}
+
+std::optional<RecordResult> WorkerPool::Next() {
+    for (const auto& worker : workers_) HandOut(*worker);
+    if (!problem_.empty()) return std::nullopt;
+    Worker* worker = WaitForOne();
+    return worker != nullptr ? TakeResult(*worker) : std::nullopt;
+}
+
+std::optional<RecordResult> WorkerPool::TakeResult(Worker& worker) {
+    std::optional<RecordResult> result;
+    if (const auto line = worker.process.ReadLine())
+        result = ReadMessage(table_, *line, [&](std::uint8_t* buffer, std::size_t size) {
+            return worker.process.Read(buffer, size);
+        });
+    if (!result || result->record != worker.records.front()) return Bury(worker);
+    worker.has_answered = true;
+    worker.records.pop_front();
+    if (stopping_) (void)worker.process.End(true); // it may have begun the next one
+    return result;
+}
+
+std::optional<RecordResult> WorkerPool::Bury(Worker& worker) {
+    const std::string end = worker.process.End(true);
+    if (!worker.has_answered && !end.starts_with("signal")) {
+        problem_ = "a worker could not begin: " + end;
+        return std::nullopt;
+    }
+    RecordResult result{.record = worker.records.front(), .chosen = true, .changes = {}, .failure = {}};
+    result.failure = RecordFailure{"worker", {}, kWorkerDied, "the process ended with " + end};
+    worker.records.pop_front();
+    if (!stopping_) returned_.insert(returned_.end(), worker.records.begin(), worker.records.end());
+    worker.records.clear();
+    return result;
+}
+
+} // namespace host

@@ -1,0 +1,50 @@
+// A process that takes lines and answers with lines and bytes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <sys/types.h>
+#include <vector>
+
+namespace host {
+
+class WorkerProcess {
+public:
+    WorkerProcess() = default;
+    /// Ends the process at once if it still runs.
+    ~WorkerProcess();
+    WorkerProcess(const WorkerProcess&) = delete;
+    WorkerProcess& operator=(const WorkerProcess&) = delete;
+
+    /// Starts a program (its path, then its arguments) out of the reach of this terminal's Ctrl-C. The text
+    /// says what failed; empty on success.
+    [[nodiscard]] std::string Start(const std::vector<std::string>& command);
+    [[nodiscard]] bool IsRunning() const { return process_ > 0; }
+
+    /// False when the process is gone.
+    bool Send(std::string_view bytes);
+    /// Waits for a line, without its end; nullopt when the process is gone. Good until the next reading.
+    std::optional<std::string_view> ReadLine();
+    /// Waits for the bytes behind the line; false when the process is gone.
+    bool Read(std::uint8_t* buffer, std::size_t size);
+    /// True when a line is at hand that needs no waiting.
+    [[nodiscard]] bool HasLine() const;
+    /// To wait on for more.
+    [[nodiscard]] int Descriptor() const { return descriptor_; }
+
+    /// Ends the process, at once with `kill`, else when it has ended by itself, and says how it ended.
+    std::string End(bool kill);
+
+private:
+    [[nodiscard]] bool Fill();
+
+    pid_t process_ = 0;
+    int descriptor_ = -1;
+    std::string buffer_;
+    std::size_t begin_ = 0; ///< of what has not been handed out
+};
+
+} // namespace host
