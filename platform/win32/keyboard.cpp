@@ -1,6 +1,6 @@
 #include "platform/win32/keyboard.h"
 
-#include "platform/fmwrapper/session.h"
+#include "platform/win32/windows_module.h"
 
 #include <algorithm>
 #include <array>
@@ -44,6 +44,8 @@ bool Holds(const fm::InputEvent& press, int key) {
 } // namespace
 
 std::int16_t GetAsyncKeyState(int key) {
+    if (const win32::WindowsModule* windows = win32::OpenWindows())
+        return windows->is_down(key) ? kDown : std::int16_t{0};
     const Clock::time_point now = Clock::now();
     const auto is_down = [&](const fm::InputEvent& press) {
         return press.when <= now && now - press.when < kPressLength && Holds(press, key);

@@ -56,6 +56,9 @@ struct WindowsModule {
     std::optional<SettingValues> (*ask_for_settings)(const SettingsDialog& dialog);
     /// nullopt where the display does not tell.
     std::optional<PointerAndWindow> (*pointer_and_window)();
+    /// Whether a key or mouse button (VK_…, keyboard.h) is down, in whatever window; false where the display
+    /// does not tell.
+    bool (*is_down)(int key);
 };
 
 /// The module with its display open; null when the session has no windows. The first failure is told on

@@ -1,6 +1,7 @@
 // The real windows, worked with from the keyboard.
 #include "platform/text/utf.h"
 #include "platform/win32/dialogs.h"
+#include "platform/win32/keyboard.h"
 #include "platform/win32/message_box.h"
 #include "platform/win32/settings_dialog.h"
 #include "platform/win32/windows_module.h"
@@ -271,6 +272,25 @@ TEST_F(Windows, PointerAndWindowInFront) {
     EXPECT_EQ(desk->window->top, top);
     EXPECT_EQ(desk->window->right, left + width);
     EXPECT_EQ(desk->window->bottom, top + height);
+}
+
+TEST_F(Windows, KeysAndButtonsThatAreDown) {
+    const auto type = [](const std::string& commands) {
+        EXPECT_EQ(std::system(("xdotool " + commands).c_str()), 0);
+    };
+    const auto down = [] {
+        std::vector<int> keys;
+        for (const int key : {VK_LBUTTON, VK_RBUTTON, VK_CONTROL, VK_ESCAPE, VK_OEM_PERIOD})
+            if (GetAsyncKeyState(key) < 0) keys.push_back(key);
+        return keys;
+    };
+    EXPECT_EQ(down(), std::vector<int>());
+    type("keydown Escape mousedown 3");
+    EXPECT_EQ(down(), std::vector<int>({VK_RBUTTON, VK_ESCAPE}));
+    type("keyup Escape mouseup 3 mousedown 1 keydown ctrl keydown period");
+    EXPECT_EQ(down(), std::vector<int>({VK_LBUTTON, VK_CONTROL, VK_OEM_PERIOD}));
+    type("mouseup 1 keyup ctrl keyup period");
+    EXPECT_EQ(down(), std::vector<int>());
 }
 
 // A process of its own, whose display goes away.

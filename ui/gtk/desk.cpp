@@ -1,10 +1,14 @@
 #include "ui/gtk/desk.h"
 
+#include "platform/win32/keyboard.h"
+
 #include <gtk/gtk.h>
 
 #ifdef GDK_WINDOWING_X11
 
 #include <X11/Xatom.h>
+#include <X11/keysym.h>
+#include <array>
 #include <gdk/gdkx.h>
 #include <memory>
 #include <vector>
@@ -75,28 +79,64 @@ std::optional<fm::Rectangle> FrameOf(Display* display, ::Window root, ::Window w
     return frame;
 }
 
+struct Pointer {
+    bool is_known = false;
+    int x = 0;
+    int y = 0;
+    unsigned pressed = 0; // buttons and modifier keys
+};
+
+Pointer ReadPointer(Display* display) {
+    ::Window root = None;
+    ::Window child = None;
+    int x_in_window = 0;
+    int y_in_window = 0;
+    Pointer pointer;
+    pointer.is_known = XQueryPointer(display, XDefaultRootWindow(display), &root, &child, &pointer.x,
+                                     &pointer.y, &x_in_window, &y_in_window, &pointer.pressed) != 0;
+    return pointer;
+}
+
+bool IsKeyDown(Display* display, KeySym symbol) {
+    std::array<char, 32> keys{}; // a bit for each key
+    XQueryKeymap(display, keys.data());
+    const unsigned code = XKeysymToKeycode(display, symbol);
+    return (static_cast<unsigned>(keys.at(code / 8)) >> (code % 8) & 1U) != 0;
+}
+
+// Null where there is another kind of display.
+Display* OpenedDisplay() {
+    GdkDisplay* display = gdk_display_get_default();
+    return GDK_IS_X11_DISPLAY(display) ? gdk_x11_display_get_xdisplay(display) : nullptr;
+}
+
 } // namespace
 
 std::optional<win32::PointerAndWindow> ReadPointerAndWindow() {
-    GdkDisplay* gdk_display = gdk_display_get_default();
-    if (!GDK_IS_X11_DISPLAY(gdk_display)) return std::nullopt;
-    const ErrorTrap trap(gdk_display);
-    Display* display = gdk_x11_display_get_xdisplay(gdk_display);
-    const ::Window root = XDefaultRootWindow(display);
-    ::Window under_root = None;
-    ::Window under_child = None;
-    int x = 0;
-    int y = 0;
-    int window_x = 0;
-    int window_y = 0;
-    unsigned buttons = 0;
-    if (XQueryPointer(display, root, &under_root, &under_child, &x, &y, &window_x, &window_y, &buttons) == 0)
-        return std::nullopt;
+    Display* display = OpenedDisplay();
+    if (display == nullptr) return std::nullopt;
+    const ErrorTrap trap(gdk_display_get_default());
+    const Pointer pointer = ReadPointer(display);
+    if (!pointer.is_known) return std::nullopt;
     win32::PointerAndWindow desk;
-    desk.pointer = {x, y};
+    desk.pointer = {pointer.x, pointer.y};
+    const ::Window root = XDefaultRootWindow(display);
     if (const ::Window active = ActiveWindow(display, root); active != None)
         desk.window = FrameOf(display, root, active);
     return desk;
+}
+
+bool IsDown(int key) {
+    Display* display = OpenedDisplay();
+    if (display == nullptr) return false;
+    switch (key) {
+    case VK_LBUTTON: return (ReadPointer(display).pressed & Button1Mask) != 0;
+    case VK_RBUTTON: return (ReadPointer(display).pressed & Button3Mask) != 0;
+    case VK_CONTROL: return (ReadPointer(display).pressed & ControlMask) != 0;
+    case VK_ESCAPE: return IsKeyDown(display, XK_Escape);
+    case VK_OEM_PERIOD: return IsKeyDown(display, XK_period);
+    default: return false;
+    }
 }
 
 } // namespace corvane::gtk
@@ -107,6 +147,10 @@ namespace corvane::gtk {
 
 std::optional<win32::PointerAndWindow> ReadPointerAndWindow() {
     return std::nullopt;
+}
+
+bool IsDown(int) {
+    return false;
 }
 
 } // namespace corvane::gtk

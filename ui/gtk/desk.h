@@ -1,4 +1,4 @@
-// What else the display knows: the pointer, and the window in front.
+// What else the display knows: the pointer, the window in front, and what is pressed.
 #pragma once
 
 #include "platform/win32/windows_module.h"
@@ -8,5 +8,6 @@
 namespace corvane::gtk {
 
 std::optional<win32::PointerAndWindow> ReadPointerAndWindow();
+bool IsDown(int key);
 
 } // namespace corvane::gtk

@@ -22,6 +22,7 @@ constexpr win32::WindowsModule kModule = {
     OnDisplay<corvane::gtk::ChoosePath, const win32::PathWindow&>,
     OnDisplay<corvane::gtk::AskForSettings, const win32::SettingsDialog&>,
     OnDisplay<corvane::gtk::ReadPointerAndWindow>,
+    OnDisplay<corvane::gtk::IsDown, int>,
 };
 
 } // namespace

@@ -30,6 +30,7 @@ public:
         GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0); // the chooser shows what it is given
         gtk_container_add(GTK_CONTAINER(box), bar_);
         gtk_file_chooser_set_extra_widget(chooser, box);
+        g_signal_connect_swapped(chooser, "selection-changed", G_CALLBACK(gtk_widget_hide), bar_);
     }
 
     void Show(const std::string& text) {
