@@ -298,8 +298,8 @@ ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& 
     if (const auto code = Describe(header, description); code != noErr) return code;
     const bool has_runs = header.compression == kRle8 || header.compression == kRle4;
     const std::uint32_t pixels_per_byte = has_runs ? kMostPixelsOfRunByte : std::max(8 / header.bits, 1U);
-    if (!DataHolds(source.GetSize(), header.width, header.height, pixels_per_byte)) return codecBadDataErr;
-    if (const auto code = AllocateFor(description, image); code != noErr) return code;
+    if (const auto code = AllocateFor(description, source, pixels_per_byte, image); code != noErr)
+        return code;
     Palette palette{};
     const std::size_t colours = header.bits <= 8 ? ReadPalette(source, header, palette) : 0;
     image.has_alpha = header.masks[kAlpha] != 0;

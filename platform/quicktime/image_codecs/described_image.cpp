@@ -91,8 +91,9 @@ ComponentResult DecodePlainRows(const DescribedImage& described, DataSource& dat
     if (std::ranges::find(kBits, bits) == kBits.end()) return codecBadDataErr;
     const auto width = static_cast<std::uint32_t>(described.description.width);
     const auto height = static_cast<std::uint32_t>(described.description.height);
-    if (!DataHolds(data.GetSize(), width, height, std::max(8 / bits, 1U))) return codecBadDataErr;
-    if (const auto code = AllocateFor(described.description, image); code != noErr) return code;
+    if (const auto code = AllocateFor(described.description, data, std::max(8 / bits, 1U), image);
+        code != noErr)
+        return code;
 
     const std::size_t least = (std::size_t{width} * bits + 7) / 8;
     const std::uint64_t told = (described.data_size > 0 ? described.data_size : data.GetSize()) / height;

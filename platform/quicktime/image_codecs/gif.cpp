@@ -293,11 +293,9 @@ ComponentResult Decode(DataSource& source, std::uint32_t index, PixelImage& imag
     constexpr std::uint32_t kMostPixelsOfByte = 2800; // one code of 12 bits can stand for 4,000 pixels
     ImageFacts facts;
     if (const auto code = ReadFacts(source, facts); code != noErr) return code;
-    const auto width = static_cast<std::uint32_t>(facts.description.width);
-    const auto height = static_cast<std::uint32_t>(facts.description.height);
     if (index == 0 || index > facts.image_count) return paramErr;
-    if (!DataHolds(source.GetSize(), width, height, kMostPixelsOfByte)) return codecBadDataErr;
-    if (const auto code = AllocateFor(facts.description, image); code != noErr) return code;
+    if (const auto code = AllocateFor(facts.description, source, kMostPixelsOfByte, image); code != noErr)
+        return code;
     Input input{source, 0};
     const Gif gif(DGifOpen(&input, ReadInput, nullptr));
     if (gif == nullptr) return codecBadDataErr;

@@ -173,9 +173,8 @@ ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& 
     ImageDescription description;
     if (const auto code = ReadHeader(source, header); code != noErr) return code;
     if (const auto code = Describe(header, description); code != noErr) return code;
-    if (!DataHolds(source.GetSize(), header.width, header.height, kMostPixelsOfRunByte))
-        return codecBadDataErr;
-    if (const auto code = AllocateFor(description, image); code != noErr) return code;
+    if (const auto code = AllocateFor(description, source, kMostPixelsOfRunByte, image); code != noErr)
+        return code;
     const Palette palette = ReadPalette(source, header);
     image.has_alpha = header.planes == 4 && header.bits == 8;
     image.is_grey = header.bits * header.planes <= 8 && IsGrey(palette, palette.size());

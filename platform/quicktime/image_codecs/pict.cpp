@@ -85,10 +85,8 @@ ComponentResult DecodeWhole(DataSource& source, PixelImage& image) {
     if (!ReadPictHeader(bytes, header)) return codecBadDataErr;
     ImageDescription description;
     if (const auto code = Describe(header, description); code != noErr) return code;
-    const auto width = static_cast<std::uint32_t>(description.width);
-    const auto height = static_cast<std::uint32_t>(description.height);
-    if (!DataHolds(size, width, height, kMostPixelsOfByte)) return codecBadDataErr;
-    if (const auto code = AllocateFor(description, image); code != noErr) return code;
+    if (const auto code = AllocateFor(description, source, kMostPixelsOfByte, image); code != noErr)
+        return code;
     image.has_alpha = image.is_grey = false;
     Canvas canvas(image, header.frame);
     PictPlayer player(bytes.subspan(header.picture_at), header, canvas);

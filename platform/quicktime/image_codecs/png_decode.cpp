@@ -95,9 +95,8 @@ ComponentResult Decode(Reader& reader, PixelImage& image) {
     ImageDescription description;
     if (const auto code = SetDimensions(description, reader.width, reader.height); code != noErr) return code;
     constexpr std::uint32_t kMostPixelsPerByte = 1032 * 8; // the most that Deflate packs, at a bit a pixel
-    if (!DataHolds(reader.source->GetSize(), reader.width, reader.height, kMostPixelsPerByte))
-        return codecBadDataErr;
-    if (const auto code = AllocateFor(description, image); code != noErr) return code;
+    if (const auto code = AllocateFor(description, *reader.source, kMostPixelsPerByte, image); code != noErr)
+        return code;
     image.has_alpha = reader.has_alpha;
     image.is_grey = reader.is_grey;
     // The library has read on to the contents of the first data chunk.

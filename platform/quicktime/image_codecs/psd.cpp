@@ -4,8 +4,7 @@
 // the colours themselves. The pixels tell: none that was laid on white is darker than what shines through.
 #include "platform/quicktime/image_codecs/psd_header.h"
 
-#include "platform/quicktime/image_codecs/packbits.h"
-#include "platform/quicktime/image_codecs/raster.h"
+#include "platform/quicktime/image_codecs/psd_channels.h"
 
 #include <algorithm>
 #include <bit>
@@ -16,42 +15,8 @@ namespace {
 
 constexpr std::array<OSType, 5> kTypes = {Code("8BPS"), Code("8bps"), Code("PSD "), Code("psd "),
                                           Code("PSB ")};
-constexpr std::uint32_t kPacked = 1;
 
 using Plane = std::vector<std::uint8_t>; ///< a row of a channel, 8 bits a sample
-
-/// The rows of one channel, front to back.
-class ChannelReader {
-public:
-    /// `sizes`: of the channel's packed rows, in bytes; empty for plain rows.
-    ChannelReader(DataSource& source, std::uint64_t offset, std::size_t row_bytes,
-                  std::vector<std::uint32_t> sizes)
-        : reader_(source, offset), row_(row_bytes), sizes_(std::move(sizes)) {}
-
-    /// The row's bytes as stored, zero behind what is there; null at the end of the data.
-    const std::byte* Next() {
-        std::size_t count = 0;
-        if (sizes_.empty()) {
-            count = reader_.Read(row_);
-        } else {
-            // A sensible packed row is hardly longer than the plain one.
-            const std::uint32_t size = sizes_[next_++];
-            packed_.resize(std::min<std::size_t>(size, PackedBound(2 * row_.size())));
-            packed_.resize(reader_.Read(packed_));
-            reader_.Skip(size - std::min<std::size_t>(size, packed_.size()));
-            count = UnpackBits(packed_, row_).written;
-        }
-        std::fill(row_.begin() + static_cast<std::ptrdiff_t>(count), row_.end(), std::byte{});
-        return count > 0 ? row_.data() : nullptr;
-    }
-
-private:
-    ByteReader reader_;
-    std::vector<std::byte> row_;
-    std::vector<std::byte> packed_;
-    std::vector<std::uint32_t> sizes_;
-    std::size_t next_ = 0;
-};
 
 /// Rows of samples as 8 bits each; indices and bits stay what they are.
 void ToEightBits(const std::byte* row, unsigned depth, Plane& plane) {
@@ -164,41 +129,6 @@ void TakeFromWhite(PixelImage& image) {
     }
 }
 
-/// A reader for each channel that is painted. False when there is no data for any row.
-bool OpenChannels(DataSource& source, const PsdHeader& header,
-                  std::vector<std::unique_ptr<ChannelReader>>& channels) {
-    std::array<std::byte, 2> compression;
-    if (source.Read(header.image_at, compression) != compression.size()) return false;
-    const std::uint32_t method = BigEndian16(compression.data());
-    if (method > kPacked) return false;
-    const std::size_t row_bytes = (std::size_t{header.width} * header.depth + 7) / 8;
-    const std::size_t count_bytes = header.is_large ? 4 : 2;
-    std::uint64_t at = header.image_at + compression.size();
-    if (method == 0) {
-        for (std::uint32_t i = 0; i < header.PaintedChannels(); ++i, at += row_bytes * header.height) {
-            channels.push_back(
-                std::make_unique<ChannelReader>(source, at, row_bytes, std::vector<std::uint32_t>{}));
-        }
-        return true;
-    }
-    std::uint64_t counts_at = at;
-    at += std::uint64_t{count_bytes} * header.channels * header.height;
-    std::vector<std::byte> counts(count_bytes * header.height);
-    for (std::uint32_t i = 0; i < header.PaintedChannels(); ++i, counts_at += counts.size()) {
-        if (source.Read(counts_at, counts) != counts.size()) return i > 0;
-        std::vector<std::uint32_t> sizes(header.height);
-        std::uint64_t all = 0;
-        for (std::size_t y = 0; y < sizes.size(); ++y) {
-            const std::byte* count = &counts[y * count_bytes];
-            sizes[y] = header.is_large ? BigEndian32(count) : BigEndian16(count);
-            all += sizes[y];
-        }
-        channels.push_back(std::make_unique<ChannelReader>(source, at, row_bytes, std::move(sizes)));
-        at += all;
-    }
-    return true;
-}
-
 bool Sniff(std::span<const std::byte> head) {
     return head.size() >= 6 && BigEndian32(head.data()) == Code("8BPS") &&
            (BigEndian16(&head[4]) == 1 || BigEndian16(&head[4]) == 2);
@@ -212,24 +142,23 @@ ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
 }
 
 ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& image) {
-    constexpr std::uint32_t kMostPixelsOfByte = 64; // of a plane that is all one run
+    constexpr std::uint32_t kMostPixelsOfByte = 1032; // of deflated planes that are all alike
     PsdHeader header;
     ImageDescription description;
     if (!ReadPsdHeader(source, header)) return codecBadDataErr;
     if (const auto code = DescribePsd(header, description); code != noErr) return code;
     const std::uint32_t most = header.depth == 1 ? 8 * kMostPixelsOfByte : kMostPixelsOfByte;
-    if (!DataHolds(source.GetSize(), header.width, header.height, most)) return codecBadDataErr;
-    std::vector<std::unique_ptr<ChannelReader>> channels;
-    if (!OpenChannels(source, header, channels)) return codecBadDataErr;
-    if (const auto code = AllocateFor(description, image); code != noErr) return code;
+    if (const auto code = AllocateFor(description, source, most, image); code != noErr) return code;
+    PsdChannels channels;
+    if (const auto code = OpenPsdChannels(source, header, channels); code != noErr) return code;
     image.has_alpha = header.has_alpha;
     image.is_grey = header.IsGrey();
 
     // Of data that breaks off, channels behind the first may lack: they are as white paper has them.
     std::vector<Plane> planes(header.PaintedChannels(), Plane(header.width, 255));
     for (std::int32_t y = 0; y < image.height(); ++y) {
-        for (std::size_t i = 0; i < channels.size(); ++i) {
-            const std::byte* row = channels[i]->Next();
+        for (std::size_t i = 0; i < channels.painted.size(); ++i) {
+            const std::byte* row = channels.painted[i].Next();
             if (row != nullptr) {
                 ToEightBits(row, header.depth, planes[i]);
             } else if (i > 0) {

@@ -79,6 +79,14 @@ ComponentResult AllocateFor(const ImageDescription& description, PixelImage& ima
     return image.Allocate(description.width, description.height);
 }
 
+ComponentResult AllocateFor(const ImageDescription& description, const DataSource& source,
+                            std::uint32_t most_pixels_per_byte, PixelImage& image) {
+    const auto width = static_cast<std::uint32_t>(description.width);
+    const auto height = static_cast<std::uint32_t>(description.height);
+    const bool is_worth_it = DataHolds(source.GetSize(), width, height, most_pixels_per_byte);
+    return is_worth_it ? AllocateFor(description, image) : ComponentResult{codecBadDataErr};
+}
+
 void WhitenRows(PixelImage& image, std::int32_t first, std::int32_t end) {
     for (std::int32_t y = first; y < end; ++y) std::fill_n(image.Row(y), image.width(), kWhite);
 }

@@ -64,6 +64,9 @@ bool DataHolds(std::uint64_t data_bytes, std::uint32_t width, std::uint32_t heig
 
 /// Room for an image of the described size.
 ComponentResult AllocateFor(const ImageDescription& description, PixelImage& image);
+/// The same, when DataHolds says that it is worth it; else codecBadDataErr.
+ComponentResult AllocateFor(const ImageDescription& description, const DataSource& source,
+                            std::uint32_t most_pixels_per_byte, PixelImage& image);
 
 /// Paints the rows from `first` up to `end` white.
 void WhitenRows(PixelImage& image, std::int32_t first, std::int32_t end);

@@ -163,8 +163,8 @@ ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& 
     if (const auto code = ReadHeader(source, header); code != noErr) return code;
     if (const auto code = Describe(header, description); code != noErr) return code;
     const std::uint32_t pixels_per_byte = header.has_runs ? kMostPixelsOfRunByte : 1;
-    if (!DataHolds(source.GetSize(), header.width, header.height, pixels_per_byte)) return codecBadDataErr;
-    if (const auto code = AllocateFor(description, image); code != noErr) return code;
+    if (const auto code = AllocateFor(description, source, pixels_per_byte, image); code != noErr)
+        return code;
     image.Fill(kWhite);
     image.is_grey = header.channels <= 2;
     image.has_alpha = header.channels % 2 == 0;

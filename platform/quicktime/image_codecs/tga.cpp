@@ -187,16 +187,31 @@ void PaintRow(const std::byte* stored, const Header& header, const Palette& pale
     if (header.from_right) std::reverse(pixels, pixels + count);
 }
 
+/// Whether the bits of alpha are some that pixels of this kind can have, or the 8 that careless programs tell
+/// of any kind.
+bool AlphaFits(const Header& header) {
+    const bool is_grey_with_alpha = header.kind == kGreyScale && header.bits == 16;
+    if (header.bits == 16 && !is_grey_with_alpha) return header.alpha_bits <= 1;
+    return header.alpha_bits == 0 || header.alpha_bits == 8;
+}
+
 bool Sniff(std::span<const std::byte> head) {
     if (head.size() < kHeaderSize) return false;
     const Header header = ParseHeader(head.data());
     const auto byte = [&](std::size_t at) { return std::to_integer<unsigned>(head[at]); };
     const bool map_fits = header.has_map
                               ? header.map_count > 0 && header.map_first + header.map_count <= 65'536
-                              : byte(1) == 0 && header.map_count == 0;
-    const bool alpha_fits = header.alpha_bits <= (header.bits == 16 && header.kind == kTrueColour ? 1U : 8U);
-    return map_fits && alpha_fits && byte(2) < 12 && byte(17) < 64 && header.width > 0 && header.height > 0 &&
-           IsDecodable(header);
+                              : byte(1) == 0 && header.map_first == 0 && header.map_count == 0;
+    const auto text =
+        head.subspan(kHeaderSize, std::min<std::size_t>(header.identifier_size, head.size() - kHeaderSize));
+    const bool is_text = std::ranges::all_of(text, [](std::byte character) {
+        const auto code = std::to_integer<unsigned>(character);
+        return code == 0 || code >= ' ' || code == '\t' || code == '\n' || code == '\r';
+    });
+    // Heads that are shorter are all the data.
+    const bool has_pixels = head.size() == kSniffedBytes || PixelOffset(header) < head.size();
+    return map_fits && AlphaFits(header) && is_text && has_pixels && byte(2) < 12 && byte(17) < 64 &&
+           header.width > 0 && header.height > 0 && IsDecodable(header);
 }
 
 ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
@@ -213,8 +228,8 @@ ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& 
     if (const auto code = ReadHeader(source, header); code != noErr) return code;
     if (const auto code = Describe(header, description); code != noErr) return code;
     const std::uint32_t pixels_per_byte = header.has_runs ? kMostPixelsOfRunByte : 1;
-    if (!DataHolds(source.GetSize(), header.width, header.height, pixels_per_byte)) return codecBadDataErr;
-    if (const auto code = AllocateFor(description, image); code != noErr) return code;
+    if (const auto code = AllocateFor(description, source, pixels_per_byte, image); code != noErr)
+        return code;
 
     ByteReader reader(source, kHeaderSize + header.identifier_size);
     Palette palette;

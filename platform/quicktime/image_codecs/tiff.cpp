@@ -80,9 +80,9 @@ ComponentResult Decode(DataSource& source, std::uint32_t index, PixelImage& imag
     if (const auto code = SetDimensions(description, layout.width, layout.height); code != noErr) return code;
     const std::uint32_t pixels_per_byte =
         layout.compression == COMPRESSION_NONE ? kMostPixelsOfPlainByte : kMostPixelsOfPackedByte;
-    if (!DataHolds(source.GetSize(), layout.width, layout.height, pixels_per_byte)) return codecBadDataErr;
-    if (const auto code = AllocateFor(description, image); code != noErr) return code;
-    return DecodeTiff(tiff, layout, image);
+    if (const auto code = AllocateFor(description, source, pixels_per_byte, image); code != noErr)
+        return code;
+    return DecodeTiff(tiff, layout, source, image);
 }
 
 /// The bytes of a tag that holds a block of another format; empty when it is absent.

@@ -65,7 +65,7 @@ struct TiffLayout {
 /// The layout of the image at which the file stands; codecBadDataErr for one that can't be decoded.
 ComponentResult ReadTiffLayout(TIFF* tiff, TiffLayout& layout);
 
-/// Decodes the image at which the file stands.
-ComponentResult DecodeTiff(TIFF* tiff, const TiffLayout& layout, PixelImage& image);
+/// Decodes the image at which the file stands, whose source that is.
+ComponentResult DecodeTiff(TIFF* tiff, const TiffLayout& layout, DataSource& source, PixelImage& image);
 
 } // namespace qt

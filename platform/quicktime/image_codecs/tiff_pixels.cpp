@@ -2,6 +2,7 @@
 // stored so.
 #include "platform/quicktime/image_codecs/raster.h"
 #include "platform/quicktime/image_codecs/tiff_file.h"
+#include "platform/quicktime/image_codecs/tiff_strips.h"
 
 #include <algorithm>
 #include <cmath>
@@ -203,18 +204,20 @@ private:
 };
 
 /// Answers how many rows there were.
-std::int32_t DecodeStrips(TIFF* tiff, const TiffLayout& layout, const RowPainter& painter,
+std::int32_t DecodeStrips(TIFF* tiff, const TiffLayout& layout, DataSource& source, const RowPainter& painter,
                           PixelImage& image) {
     const tmsize_t size = TIFFScanlineSize(tiff);
     const std::uint64_t needed =
         (std::uint64_t{layout.width} * (layout.has_planes ? 1 : layout.samples) * layout.bits + 7) / 8;
     if (size <= 0 || static_cast<std::uint64_t>(size) < needed) return 0;
-    std::vector<std::byte> row(static_cast<std::size_t>(size) + kPadding);
+    TiffStrips strips(tiff, layout, source);
+    const auto row_bytes = static_cast<std::size_t>(size);
+    std::vector<std::byte> row(row_bytes + kPadding);
     const std::uint16_t planes = layout.has_planes ? painter.StoredSamples() : std::uint16_t{1};
     std::int32_t rows = image.height();
     for (std::uint16_t plane = 0; plane < planes; ++plane) {
         for (std::int32_t y = 0; y < rows; ++y) {
-            if (TIFFReadScanline(tiff, row.data(), static_cast<std::uint32_t>(y), plane) < 0) {
+            if (!strips.ReadRow(static_cast<std::uint32_t>(y), plane, std::span(row).first(row_bytes))) {
                 rows = y;
             } else if (layout.has_planes) {
                 painter.PaintPlane(row.data(), plane, image.width(), image.Row(y));
@@ -346,7 +349,7 @@ private:
 
 } // namespace
 
-ComponentResult DecodeTiff(TIFF* tiff, const TiffLayout& layout, PixelImage& image) {
+ComponentResult DecodeTiff(TIFF* tiff, const TiffLayout& layout, DataSource& source, PixelImage& image) {
     std::int32_t rows = 0;
     if (layout.is_converted) {
         rows = Converter(tiff).Convert(tiff, image);
@@ -360,7 +363,7 @@ ComponentResult DecodeTiff(TIFF* tiff, const TiffLayout& layout, PixelImage& ima
         if (TIFFIsTiled(tiff) != 0) {
             rows = TileDecoder(tiff, layout, painter, image).Decode() ? image.height() : 0;
         } else {
-            rows = DecodeStrips(tiff, layout, painter, image);
+            rows = DecodeStrips(tiff, layout, source, painter, image);
         }
     }
     if (rows == 0) return codecBadDataErr;

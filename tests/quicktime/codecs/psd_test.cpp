@@ -1,6 +1,7 @@
 #include "tests/quicktime/codecs/written_images.h"
 
 #include <algorithm>
+#include <tiffio.h>
 
 namespace {
 
@@ -33,9 +34,16 @@ TEST(PsdCodec, SurvivesDamage) {
     }
 }
 
-/// A document of one row of plain samples; `layers` is the layer section.
+/// How the samples of a made document are stored.
+struct Storage {
+    int height = 1;
+    int depth = 8;
+    int method = 0;
+};
+
+/// `layers` is the layer section.
 Bytes MadeDocument(int mode, int channels, int width, const std::string& resources, const std::string& layers,
-                   const std::string& samples) {
+                   const std::string& samples, const Storage& storage = {}) {
     qt::EncodedBytes bytes;
     const auto put16 = [&](std::size_t value) {
         bytes.push_back(static_cast<std::byte>(value >> 8));
@@ -45,7 +53,7 @@ Bytes MadeDocument(int mode, int channels, int width, const std::string& resourc
         for (const char c : text) bytes.push_back(static_cast<std::byte>(c));
     };
     put("8BPS");
-    for (const int word : {1, 0, 0, 0, channels, 0, 1, 0, width, 8, mode, 0, 0})
+    for (const int word : {1, 0, 0, 0, channels, 0, storage.height, 0, width, storage.depth, mode, 0, 0})
         put16(static_cast<unsigned>(word));
     put16(0);
     put16(resources.size());
@@ -53,9 +61,53 @@ Bytes MadeDocument(int mode, int channels, int width, const std::string& resourc
     put16(0);
     put16(layers.size());
     put(layers);
-    put16(0);
+    put16(static_cast<unsigned>(storage.method));
     put(samples);
     return bytes;
+}
+
+/// The only strip of a TIFF, as it is stored.
+std::string StripOf(const std::string& path) {
+    TIFF* tiff = TIFFOpen(path.c_str(), "r");
+    std::string strip(static_cast<std::size_t>(TIFFRawStripSize(tiff, 0)), '\0');
+    TIFFReadRawStrip(tiff, 0, strip.data(), static_cast<tmsize_t>(strip.size()));
+    TIFFClose(tiff);
+    return strip;
+}
+
+TEST(PsdCodec, DeflatedRowsAndTheirDifferences) {
+    // Libtiff deflates one channel of big-endian samples, and takes differences, in the same way. Of
+    // floating-point samples in its own order it stores the highest bytes first.
+    const MadeImages images;
+    struct Case {
+        const char* arguments;
+        int depth;
+        const char* options; ///< of tiffcp
+    };
+    constexpr Case kCases[] = {
+        {"-depth 8", 8, "-B -c zip:1"},
+        {"-depth 8", 8, "-B -c zip:2"},
+        {"-depth 16", 16, "-B -c zip:2"},
+        {"-depth 32 -define quantum:format=floating-point", 32, "-L -c zip:3"},
+    };
+    const std::string copy = images.folder.Path("copy.tif");
+    for (const Case& made : kCases) {
+        SCOPED_TRACE(std::string(made.arguments) + made.options);
+        const std::string source =
+            images.Make(std::string("-size 67x41 plasma: -colorspace Gray -compress LZW ") + made.arguments,
+                        "source.tif");
+        const std::string command = std::string("tiffcp -r 41 ") + made.options + " " + source + " " + copy;
+        ASSERT_EQ(std::system(command.c_str()), 0);
+        const int method = std::string(made.options).ends_with(":1") ? 2 : 3;
+        const Bytes whole = MadeDocument(1, 1, 67, "", "", StripOf(copy), {41, made.depth, method});
+        const Bytes expected = RgbaOf(DecodeWhole(qt::kTiffCodec, FileBytes(source)));
+        EXPECT_EQ(Difference(RgbaOf(DecodeWhole(qt::kPhotoshopCodec, whole)), expected), 0);
+        ExpectDamageIsSurvived(qt::kPhotoshopCodec, whole);
+        const Bytes half(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() / 2));
+        const auto cut = DecodeWhole(qt::kPhotoshopCodec, half);
+        EXPECT_EQ(qt::Red(cut.Row(9)[66]), std::to_integer<unsigned>(expected[(9 * 67 + 66) * 4]));
+        EXPECT_EQ(cut.Row(40)[0], 0xFFFFFFFF);
+    }
 }
 
 TEST(PsdCodec, ExtraChannelsAreTransparencyOnlyWhenTheySaySo) {

@@ -74,8 +74,21 @@ TEST(TgaCodec, RefusesWhatDoesNotFit) {
     qt::PixelImage image;
     EXPECT_EQ(qt::kTgaCodec.decode(*source, 1, image), codecBadDataErr);
     EXPECT_EQ(image.width(), 0);
-    EXPECT_FALSE(qt::kTgaCodec.sniff(BytesOf({0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 0, 2, 0, 25, 0})));
     EXPECT_FALSE(qt::kTgaCodec.sniff(Bytes(1024)));
+    const Bytes good = BytesOf({1, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 0, 2, 0, 24, 0, 'a', 1, 2, 3});
+    EXPECT_TRUE(qt::kTgaCodec.sniff(good));
+    EXPECT_FALSE(qt::kTgaCodec.sniff(std::span(good).first(19))) << "no pixels";
+    struct Change {
+        std::size_t at;
+        unsigned value;
+    };
+    // A cursor's kind of numbers, a map that is none, odd bits of pixels and of alpha, text that is none.
+    for (const auto [at, value] :
+         {Change{3, 1}, {1, 1}, {16, 25}, {17, 3}, {17, 64}, {18, 1}, {2, 12}, {14, 0}}) {
+        Bytes changed = good;
+        changed[at] = static_cast<std::byte>(value);
+        EXPECT_FALSE(qt::kTgaCodec.sniff(changed)) << at;
+    }
     const MadeImages images;
     const Bytes commented = images.MakeBytes("-size 5x5 xc:red -set comment 'two words'", "comment.tga");
     std::vector<qt::MetadataItem> items;

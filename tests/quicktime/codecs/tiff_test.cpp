@@ -69,6 +69,53 @@ TEST(TiffCodec, LayoutsOfLibtiff) {
     }
 }
 
+/// The same file with a copy of the first bytes of its only strip at the end, as that strip.
+Bytes WithCutStrip(Bytes bytes, std::size_t kept) {
+    constexpr std::size_t kStripOffsets = 273;
+    const bool is_big = bytes[0] == std::byte{'M'};
+    const auto place = [&](std::size_t at, std::size_t size, std::size_t i) {
+        return is_big ? at + size - 1 - i : at + i;
+    };
+    const auto number = [&](std::size_t at, std::size_t size) {
+        std::size_t value = 0;
+        for (std::size_t i = 0; i < size; ++i)
+            value |= std::to_integer<std::size_t>(bytes[place(at, size, i)]) << 8 * i;
+        return value;
+    };
+    std::size_t entry = number(4, 4) + 2;
+    while (number(entry, 2) != kStripOffsets) entry += 12;
+    const std::size_t strip = number(entry + 8, 4);
+    const std::size_t end = bytes.size();
+    for (std::size_t i = 0; i < 4; ++i) bytes[place(entry + 8, 4, i)] = static_cast<std::byte>(end >> 8 * i);
+    bytes.resize(end + kept);
+    std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(strip), kept,
+                bytes.begin() + static_cast<std::ptrdiff_t>(end));
+    return bytes;
+}
+
+TEST(TiffCodec, GivesTheRowsOfAnOnlyStripThatBreaksOff) {
+    constexpr std::size_t kRows = 20;
+    const MadeImages images;
+    const std::string copy = images.folder.Path("copy.tif");
+    for (const char* options : {"-L", "-B", "-L -f lsb2msb"}) {
+        for (const std::size_t sample : {1U, 2U}) {
+            SCOPED_TRACE(options + std::to_string(sample));
+            const std::string source = images.Make(
+                "-size 67x41 plasma: -type TrueColor -compress None -depth " + std::to_string(8 * sample),
+                "source.tif");
+            const std::string command = std::string("tiffcp -r 41 ") + options + " " + source + " " + copy;
+            ASSERT_EQ(std::system(command.c_str()), 0);
+            const Bytes whole = RgbaOf(DecodeWhole(qt::kTiffCodec, FileBytes(copy)));
+            const Bytes cut = WithCutStrip(FileBytes(copy), (kRows * 67 + 5) * 3 * sample);
+            const Bytes read = RgbaOf(DecodeWhole(qt::kTiffCodec, cut));
+            ASSERT_EQ(read.size(), whole.size());
+            const auto rows_end = read.begin() + kRows * 67 * 4;
+            EXPECT_TRUE(std::equal(read.begin(), rows_end, whole.begin()));
+            EXPECT_EQ(std::count(rows_end, read.end(), std::byte{255}), read.end() - rows_end);
+        }
+    }
+}
+
 TEST(TiffCodec, WideSamples) {
     const MadeImages images;
     const auto row_of = [&](int format, const void* samples) {
