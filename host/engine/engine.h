@@ -22,7 +22,7 @@ struct Outcome {
     FM_Data value;        ///< what the calculation left, whatever the code; empty after a parse error
     FM_Error error = 0;   ///< the first non-zero code that a handler or a helper of the host answered
     std::string message;  ///< with a code of the host's own helpers: what went wrong, for a person
-    std::string function; ///< of the plug-in, that answered the code or gave an error text; may be empty
+    std::string function; ///< of the plug-in, that answered the code, or gave an error text or nothing
     std::optional<ParseError> parse_error; ///< set when the text is no calculation: nothing was evaluated
 };
 

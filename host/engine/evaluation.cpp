@@ -125,8 +125,10 @@ FM_Data Evaluation::ValueOf(const ExternalCall& call) {
     const FM_Error code = call.function->handler(call.function->id, environment, parameters, result);
     const bool first_error = code != kFM_ErrorNone && error_ == kFM_ErrorNone;
     if (first_error) (void)Fail(code, {});
-    if (first_error ||
-        (error_ == kFM_ErrorNone && result.Type() == kFM_TypeText && result.AsText().units.starts_with(u'$')))
+    const auto is_suspect = [&] {
+        return result.IsEmpty() || (result.Type() == kFM_TypeText && result.AsText().units.starts_with(u'$'));
+    };
+    if (first_error || (error_ == kFM_ErrorNone && is_suspect()))
         function_ = utf::ToUtf8(call.function->name);
     return result;
 }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <tuple>
 #include <utility>
 
 namespace host {
@@ -23,12 +24,11 @@ std::optional<std::pair<FM_Error, std::string>> ParseErrorText(const FM_Data& va
     return std::pair(code, std::string(parsed.ptr + 1));
 }
 
-// What the plug-in keeps about its latest failure, when that is the one of this code.
-std::string KeptMessage(Engine& engine, FM_Error code) {
+// What the plug-in keeps about how its latest call of a sound function ended.
+std::pair<FM_Error, std::string> KeptError(Engine& engine) {
     constexpr std::string_view kFunction = "media_getlasterror";
     if (engine.Find(kFunction) == nullptr) return {};
-    auto kept = ParseErrorText(engine.Evaluate(kFunction).value);
-    return kept && kept->first == code ? std::move(kept->second) : std::string();
+    return ParseErrorText(engine.Evaluate(kFunction).value).value_or(std::pair(FM_Error{0}, std::string()));
 }
 
 } // namespace
@@ -43,21 +43,25 @@ std::string RecordFailure::Text() const {
 
 std::optional<RecordFailure> FailureOf(Engine& engine, const Outcome& outcome, const std::string& part,
                                        FieldType wanted) {
+    const std::string prefix = outcome.function + ": ";
     RecordFailure failure{part, outcome.function, outcome.error, outcome.message};
     if (outcome.parse_error) {
         failure.code = Engine::kCalculationError;
         failure.message = outcome.parse_error->message;
     } else if (outcome.error != kFM_ErrorNone) {
-        if (failure.message.empty()) failure.message = KeptMessage(engine, outcome.error);
-    } else if (auto text = ParseErrorText(outcome.value);
-               text && (text->first != 0 || wanted == FieldType::kContainer)) {
-        failure.code = text->first;
-        failure.message = std::move(text->second);
+        auto [code, message] = KeptError(engine);
+        if (failure.message.empty() && code == outcome.error) failure.message = std::move(message);
+    } else if (auto text = ParseErrorText(outcome.value)) {
+        if (text->first == 0 && wanted != FieldType::kContainer) return std::nullopt;
+        std::tie(failure.code, failure.message) = std::move(*text);
     } else {
-        return std::nullopt;
+        if (wanted != FieldType::kContainer || !outcome.value.IsEmpty() || outcome.function.empty())
+            return std::nullopt;
+        std::tie(failure.code, failure.message) = KeptError(engine);
+        if (failure.code == 0 || !failure.message.starts_with(prefix)) return std::nullopt;
     }
-    const std::string prefix = failure.function + ": ";
-    if (failure.message.starts_with(prefix)) failure.message.erase(0, prefix.size());
+    if (failure.message.starts_with(prefix))
+        failure.message.erase(0, failure.message.find_first_not_of(' ', prefix.size()));
     return failure;
 }
 

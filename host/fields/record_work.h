@@ -22,8 +22,9 @@ struct RecordFailure {
 };
 
 /// The failure of a calculation that answered a code or gave an error text; nullopt when it did neither.
-/// Asks the plug-in for the message that belongs to the code. Texts of the code 0, such as that of a person's
-/// Cancel, are failures where a container is wanted.
+/// Asks the plug-in for the message that belongs to the code. Where a container is wanted two more are
+/// failures, so that neither takes the place of a picture or a sound: a text of the code 0, such as that of a
+/// person's Cancel, and nothing at all from a function that keeps its code to itself.
 std::optional<RecordFailure> FailureOf(Engine& engine, const Outcome& outcome, const std::string& part,
                                        FieldType wanted = FieldType::kText);
 
