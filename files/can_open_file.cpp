@@ -20,17 +20,6 @@ constexpr auto kMovies = std::to_array<std::string_view>(
 constexpr auto kImages = std::to_array<std::string_view>(
     {"BMP", "GIF", "JPG", "JPE", "JPEG", "PCX", "TIF", "TIFF", "PNG", "PIC", "JP2"});
 
-FileUse UseByExtension(std::string_view path) {
-    const std::size_t dot = path.rfind('.');
-    if (dot == std::string_view::npos) return {kErrorBadName, false, false, false};
-    std::string extension(path.substr(dot + 1));
-    for (char& character : extension)
-        if (character >= 'a' && character <= 'z') character = static_cast<char>(character - 'a' + 'A');
-    if (extension == "PDF") return {0, true, true, false};
-    const bool image = std::ranges::find(kImages, extension) != kImages.end();
-    return {0, image, std::ranges::find(kMovies, extension) != kMovies.end(), image};
-}
-
 // An image is preferred to a movie: pictures open as movies of one frame, where they open as movies at all.
 FileUse UseByContent(const qt::DataReference& reference) {
     GraphicsImportComponent opened = nullptr;
@@ -42,6 +31,17 @@ FileUse UseByContent(const qt::DataReference& reference) {
 }
 
 } // namespace
+
+FileUse UseByExtension(std::string_view path) {
+    const std::size_t dot = path.rfind('.');
+    if (dot == std::string_view::npos) return {kErrorBadName, false, false, false};
+    std::string extension(path.substr(dot + 1));
+    for (char& character : extension)
+        if (character >= 'a' && character <= 'z') character = static_cast<char>(character - 'a' + 'A');
+    if (extension == "PDF") return {0, true, true, false};
+    const bool image = std::ranges::find(kImages, extension) != kImages.end();
+    return {0, image, std::ranges::find(kMovies, extension) != kMovies.end(), image};
+}
 
 FileUse CanOpenFile(const qt::DataReference& reference) {
     XFileSpec file;

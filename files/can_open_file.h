@@ -4,6 +4,7 @@
 #include "platform/quicktime/data_references.h"
 
 #include <cstdint>
+#include <string_view>
 
 namespace corvane {
 
@@ -18,5 +19,8 @@ struct FileUse {
 /// it is -37. Other codes: those of FileOfDataReference for a reference that leads to no file, and -35 for a
 /// drive letter that stands for another machine.
 FileUse CanOpenFile(const qt::DataReference& reference);
+
+/// The judgement by extension alone, of a native path (UTF-8).
+FileUse UseByExtension(std::string_view path);
 
 } // namespace corvane

@@ -32,12 +32,17 @@ std::string_view ShareRoot(std::string_view path) {
 } // namespace
 
 FileLocality IsLocalFile(std::string_view native_path) {
-    const bool on_drive = IsDrivePath(native_path);
-    const std::string_view root = on_drive ? native_path.substr(0, kDriveRootLength) : ShareRoot(native_path);
-    if (root.empty()) return {kErrorNoSuchVolume, false};
-    if (GetDriveTypeW(utf::ToUtf16(root).c_str()) != DRIVE_REMOTE) return {0, true};
+    const FileLocality place = IsOnLocalDrive(native_path);
     // A letter does not tell which server it stands for.
-    return {on_drive ? kErrorNoSuchVolume : 0, false};
+    const bool unknown_server = place.code == 0 && !place.local && IsDrivePath(native_path);
+    return unknown_server ? FileLocality{kErrorNoSuchVolume, false} : place;
+}
+
+FileLocality IsOnLocalDrive(std::string_view native_path) {
+    const std::string_view root =
+        IsDrivePath(native_path) ? native_path.substr(0, kDriveRootLength) : ShareRoot(native_path);
+    if (root.empty()) return {kErrorNoSuchVolume, false};
+    return {0, GetDriveTypeW(utf::ToUtf16(root).c_str()) != DRIVE_REMOTE};
 }
 
 } // namespace corvane

@@ -16,4 +16,7 @@ struct FileLocality {
 /// service that exports its folders under native names.
 FileLocality IsLocalFile(std::string_view native_path);
 
+/// The same, but a drive letter that stands for a network drive is as good as a share.
+FileLocality IsOnLocalDrive(std::string_view native_path);
+
 } // namespace corvane

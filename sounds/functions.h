@@ -43,6 +43,8 @@ FM_Error Normalize(std::int16_t id, const FM_ExprEnv& environment, const FM_Data
 FM_Error SoundFormatDialog(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                            FM_Data& result);
 
+FM_Error InsertQuickTime(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                         FM_Data& result);
 FM_Error SetMetadata(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                      FM_Data& result);
 

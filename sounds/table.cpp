@@ -25,7 +25,7 @@ constexpr std::array<SoundFunction, 27> kSoundFunctions = {{
     {13, 0, 0, kShownServerFunction, GetLastError},           // Media_GetLastError
     {14, 0, 0, kShownFunction, StopSound},        // Media_StopSound
     {15, 1, 2, kShownServerFunction, ExtractInfo},            // Media_ExtractInfo
-    {16, 0, 1, kShownFunction, SoundFunctionNotBuilt},        // Media_InsertQuickTime
+    {16, 0, 1, kShownFunction, InsertQuickTime},              // Media_InsertQuickTime
     {17, 0, 3, kShownFunction, SoundFunctionNotBuilt},        // Media_RecordSoundStart
     {18, 0, 0, kShownFunction, SoundFunctionNotBuilt},        // Media_RecordSoundStop
     {19, 0, 0, kShownFunction, SoundFunctionNotBuilt},        // Media_RecordSoundPause

@@ -140,6 +140,16 @@ informationListOrTag1, value1  a list, "Name: value" in each line; or a tag's na
      "name "
      "that isn't plain ASCII\n-5240  no such tag, or one without a text\ncodes of Media_AppendSound",
      R"(Media_SetMetadata ( "/C:/sounds/song.mp3" ; "Artist" ; "Björk" ; "Year" ; "1993" ))"},
+    {"Media_InsertQuickTime", "A movie, sound or image file as a container that refers to it.",
+     "path   the file, as a path or a reference text; without it, and for a number, the user chooses one",
+     R"(Text: the reference to the file, with the size of an image. Of a sound it is that of a reference movie
+beside the file while the setting lmworkaround is on. A movie or sound on the network is copied into the
+temporary folder first while rfworkaround is on; an alert says so before the first time.)",
+     "-43    no such file\n-50    more than one parameter\n-61    a reference movie can't be written\n-128   the "
+     "dialog was cancelled\n-2003  neither movie, sound nor image\n-10000 the folder for a reference movie is "
+     "read-only\nother codes of files and sounds; with a code the result is empty, and Media_GetLastError has "
+     "the message",
+     R"(Media_InsertQuickTime ( "/C:/sounds/talk.mp3" ))"},
     {"Media_GetSoundInfo",
      "The facts of a sound or of a movie's sounds, from the header alone where it has them.",
      "container   a sound (see Media_AppendSound)",
