@@ -50,12 +50,13 @@ void Place(PixelImage image, std::int32_t left, std::int32_t top, PixelImage& in
     into.is_grey &= image.is_grey;
 }
 
-/// How much a decoder may reduce the image so that the drawing still shrinks it by two.
+/// How much a decoder may reduce the image. Its squares of two are as good as filtered pixels; larger ones
+/// are plain means, of which a filter has to see two to a pixel.
 std::int32_t ReductionFor(const TransformPlan& plan) {
     const double scale = std::max(plan.scale_x, plan.scale_y);
-    std::int32_t reduction = 8;
-    while (reduction > 1 && scale * reduction > 0.5) reduction /= 2;
-    return reduction;
+    if (scale <= 1.0 / 16.0) return 8;
+    if (scale <= 1.0 / 8.0) return 4;
+    return scale <= 1.0 / 2.0 ? 2 : 1;
 }
 
 } // namespace

@@ -4,11 +4,13 @@
 
 #include "platform/quicktime/pixel_image.h"
 
+#include <bit>
 #include <cstring>
 
 namespace qt {
 
 using Float4 [[gnu::vector_size(16)]] = float;
+using Int4 [[gnu::vector_size(16)]] = std::int32_t;
 
 inline Float4 LoadFloats(const float* four) {
     Float4 numbers;
@@ -19,11 +21,16 @@ inline void StoreFloats(Float4 numbers, float* four) {
     std::memcpy(four, &numbers, sizeof numbers);
 }
 
+/// Widens the bytes in steps that processors have: a conversion of four bytes would be done one by one.
 inline Float4 LoadPixel(std::uint32_t pixel) {
-    using Bytes4 [[gnu::vector_size(4)]] = std::uint8_t;
-    Bytes4 bytes;
-    std::memcpy(&bytes, &pixel, sizeof bytes);
-    return __builtin_convertvector(bytes, Float4);
+    using Bytes [[gnu::vector_size(16)]] = std::uint8_t;
+    using Shorts [[gnu::vector_size(16)]] = std::uint16_t;
+    const Int4 word = {static_cast<std::int32_t>(pixel), 0, 0, 0};
+    const Bytes bytes = __builtin_shufflevector(std::bit_cast<Bytes>(word), Bytes{}, 0, 16, 1, 17, 2, 18, 3,
+                                                19, 4, 20, 5, 21, 6, 22, 7, 23);
+    const Shorts shorts =
+        __builtin_shufflevector(std::bit_cast<Shorts>(bytes), Shorts{}, 0, 8, 1, 9, 2, 10, 3, 11);
+    return __builtin_convertvector(std::bit_cast<Int4>(shorts), Float4);
 }
 
 /// Of an image with alpha.
@@ -36,7 +43,6 @@ inline Float4 LoadTransparentPixel(std::uint32_t pixel) {
 
 /// Rounds four numbers to a pixel's; what is beyond 0 or 255 is held there.
 inline std::uint32_t RoundedPixel(Float4 numbers) {
-    using Int4 [[gnu::vector_size(16)]] = std::int32_t;
     const Float4 low = {};
     const Float4 high = {255.0F, 255.0F, 255.0F, 255.0F};
     numbers = numbers > low ? numbers : low;

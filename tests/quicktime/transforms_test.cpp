@@ -269,7 +269,7 @@ TEST_F(Transforms, ReducedDecodingShowsTheSame) {
         const Rect part = {151, 103, 387, 501};
         for (const Rect* crop : {static_cast<const Rect*>(nullptr), &part}) {
             EXPECT_EQ(GraphicsImportSetSourceRect(importer_.get(), crop), noErr);
-            for (const double scale : {0.4, 0.2, 0.07}) {
+            for (const double scale : {0.5, 0.4, 0.12, 0.06}) {
                 for (const int turn : {0, 90, 33}) {
                     matrix_ = kIdentityMatrix;
                     ScaleMatrix(&matrix_, X2Fix(scale), X2Fix(scale), 0, 0);
@@ -285,7 +285,7 @@ TEST_F(Transforms, ReducedDecodingShowsTheSame) {
     Open("'" + path_ + "'", "png24:whole.png");
     const std::vector<qt::PixelImage> whole = draw_all();
     for (std::size_t i = 0; i < whole.size(); ++i)
-        EXPECT_GT(PeakSignalToNoise(reduced[i], whole[i]), 50.0) << i;
+        EXPECT_GT(PeakSignalToNoise(reduced[i], whole[i]), 41.0) << i;
 }
 
 TEST_F(Transforms, RefusesWhatHasNoDrawing) {
