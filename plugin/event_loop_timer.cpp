@@ -4,6 +4,7 @@
 #include "platform/win32/multimedia_timers.h"
 #include "plugin/call_block.h"
 #include "plugin/errors.h"
+#include "plugin/guard.h"
 #include "plugin/host_data.h"
 #include "plugin/plugin_mutex.h"
 
@@ -47,7 +48,10 @@ LRESULT TimerWindowProcedure(HWND window, UINT message, WPARAM word, LPARAM para
     if (message != kTimerFired) return DefWindowProcA(window, message, word, parameter);
     if (word != ~static_cast<WPARAM>(parameter)) return 0;
     auto* timer = reinterpret_cast<EventLoopTimer*>(parameter);
-    if (TakeFiring(timer)) timer->procedure(timer, timer->user_data);
+    Guarded([&] {
+        if (TakeFiring(timer)) timer->procedure(timer, timer->user_data);
+        return kFM_ErrorNone;
+    });
     return 0;
 }
 

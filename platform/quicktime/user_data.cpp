@@ -1,5 +1,8 @@
 #include "platform/quicktime/user_data.h"
 
+#include "platform/quicktime/movies/atoms.h"
+#include "platform/quicktime/movies/handle_bytes.h"
+
 #include <algorithm>
 #include <new>
 
@@ -66,4 +69,11 @@ OSErr GetUserDataText(UserData list, std::string& text, OSType type, std::int32_
         return memFullErr;
     }
     return noErr;
+}
+
+OSErr PutUserDataIntoHandle(UserData list, Handle block) {
+    qt::AtomWriter writer;
+    for (const auto& [type, texts] : list->types)
+        for (const std::string& text : texts) writer.Atom(type, [&] { writer.Put(text); });
+    return qt::SetHandleBytes(block, writer.Take());
 }

@@ -28,6 +28,10 @@ std::int16_t CountUserDataType(UserData list, OSType type);
 /// Copies the index-th text of a type, from 1, without a terminator. userDataItemNotFound.
 OSErr GetUserDataText(UserData list, std::string& text, OSType type, std::int32_t index);
 
+/// Writes the whole list into the block, which is resized: each text as a 32-bit size that counts its header,
+/// its type, then its bytes; numbers big-endian.
+OSErr PutUserDataIntoHandle(UserData list, Handle block);
+
 namespace qt {
 
 struct UserDataDisposer {

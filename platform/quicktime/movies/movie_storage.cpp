@@ -10,13 +10,15 @@
 #include <cstring>
 #include <fcntl.h>
 #include <limits>
+#include <sys/file.h>
 #include <unistd.h>
 
 namespace qt {
 namespace {
 
-constexpr std::uint64_t kSampleDataHeader = 20; ///< where the header stands, behind the file type
-constexpr std::uint64_t kSamples = kSampleDataHeader + 16;
+constexpr std::uint64_t kFileType = 20;            ///< bytes of the file type
+constexpr std::uint64_t kSampleDataHeader = 16;    ///< bytes of the header, with room for a 64-bit size
+constexpr std::uint64_t kRecordingRoom = 1U << 17; ///< enough for 8 GiB of samples in the writer's chunks
 
 } // namespace
 
@@ -28,16 +30,31 @@ OSErr StorageFile::Create(const std::string& path, bool replace) {
     descriptor_ = CreateFile(path, replace);
     if (descriptor_ < 0) return static_cast<OSErr>(descriptor_);
     path_ = path;
+    return Begin();
+}
+
+OSErr StorageFile::OpenForRecording(const std::string& path) {
+    descriptor_ = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+    if (descriptor_ < 0) return WriteError(errno);
+    path_ = path;
+    room_ = kRecordingRoom;
+    if (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return wrPermErr;
+    if (::ftruncate(descriptor_, 0) != 0) return WriteError(errno);
+    return Begin();
+}
+
+OSErr StorageFile::Begin() {
     AtomWriter start;
     start.Atom(Code("ftyp"), [&] {
         start.Put32(Code("qt  "));
         start.Put32(0x20050300);
         start.Put32(Code("qt  "));
     });
-    start.Atom(Code("wide"), [] {}); // room for a 64-bit size
-    start.Put32(0);                  // to the end of the file, until it is finished
+    if (room_ > 0) start.Atom(Code("free"), [&] { start.Zeros(room_ - 8); });
+    start.Atom(Code("wide"), [] {});
+    start.Put32(0); // to the end of the file, until it is finished
     start.Put32(Code("mdat"));
-    end_ = kSamples;
+    end_ = start.Size();
     return WriteAt(descriptor_, 0, start.Take());
 }
 
@@ -51,9 +68,13 @@ OSErr StorageFile::OpenForAppending(const std::string& path) {
     return noErr;
 }
 
-OSErr StorageFile::Finish(std::span<const std::byte> structure) {
+std::uint64_t StorageFile::SampleDataHeader() const {
+    return kFileType + room_;
+}
+
+Bytes StorageFile::HeaderOfSamples() const {
     AtomWriter header;
-    const std::uint64_t size = end_ - kSamples + 8;
+    const std::uint64_t size = end_ - SampleDataHeader() - kSampleDataHeader + 8;
     if (size <= std::numeric_limits<std::uint32_t>::max()) {
         header.Atom(Code("wide"), [] {});
         header.Put32(static_cast<std::uint32_t>(size));
@@ -63,8 +84,24 @@ OSErr StorageFile::Finish(std::span<const std::byte> structure) {
         header.Put32(Code("mdat"));
         header.Put64(size + 8);
     }
-    if (const OSErr code = WriteAt(descriptor_, kSampleDataHeader, header.Take()); code != noErr) return code;
-    return WriteAt(descriptor_, end_, structure);
+    return header.Take();
+}
+
+OSErr StorageFile::Finish(std::span<const std::byte> structure) {
+    if (structure.size() + 8 <= room_) return FinishInFront(structure);
+    if (const OSErr code = WriteAt(descriptor_, SampleDataHeader(), HeaderOfSamples()); code != noErr)
+        return code;
+    if (const OSErr code = WriteAt(descriptor_, end_, structure); code != noErr) return code;
+    return room_ > 0 ? FinishInFront({}) : noErr; // what stands there is not true any more
+}
+
+// In one write, so that there is always a structure. The sample data stays without an end of its own, for the
+// file's end is also that of samples which follow.
+OSErr StorageFile::FinishInFront(std::span<const std::byte> structure) {
+    AtomWriter front;
+    front.Put(structure);
+    front.Atom(Code("free"), [&] { front.Zeros(room_ - structure.size() - 8); });
+    return WriteAt(descriptor_, kFileType, front.Take());
 }
 
 OSErr StorageFile::Append(std::span<const std::byte> bytes) {

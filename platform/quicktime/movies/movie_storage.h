@@ -17,8 +17,11 @@ public:
     OSErr Create(const std::string& path, bool replace);
     /// Takes a file that is there; what is appended goes behind its last byte.
     OSErr OpenForAppending(const std::string& path);
-    /// Ends the sample data and writes the structure behind it. Samples may follow; then it has to be
-    /// finished anew.
+    /// Takes a file that is there and empties it. The structure goes in front of the samples: whatever
+    /// happens while more of them are appended, the file has what it had when it was finished last. Nobody
+    /// else may write to the file meanwhile, as far as the file system's advisory locks tell them.
+    OSErr OpenForRecording(const std::string& path);
+    /// Ends the sample data and writes the structure. Samples may follow; then it has to be finished anew.
     OSErr Finish(std::span<const std::byte> structure);
 
     OSErr Append(std::span<const std::byte> bytes) override;
@@ -28,9 +31,15 @@ public:
     [[nodiscard]] const std::string& Path() const { return path_; }
 
 private:
+    OSErr Begin();
+    [[nodiscard]] std::uint64_t SampleDataHeader() const;
+    [[nodiscard]] Bytes HeaderOfSamples() const;
+    OSErr FinishInFront(std::span<const std::byte> structure);
+
     std::string path_;
     int descriptor_ = -1;
-    std::uint64_t end_ = 0; ///< of the sample data
+    std::uint64_t room_ = 0; ///< bytes in front of the sample data for the structure
+    std::uint64_t end_ = 0;  ///< of the sample data
 };
 
 } // namespace qt
