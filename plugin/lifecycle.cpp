@@ -15,6 +15,7 @@
 #include "plugin/string_table.h"
 #include "plugin/workarounds.h"
 #include "sounds/media_pool.h"
+#include "sounds/recording_manager.h"
 #include "ui/standard_alert.h"
 
 #include <algorithm>
@@ -66,11 +67,13 @@ bool StartQuickTime() {
     if (CreateDrawingPort() != noErr) return false;
     const bool recent = CheckQuickTimeVersion();
     ResetWorkarounds();
+    RecordingManager::Instance();
     return recent;
 }
 
 void TearDown() {
     MediaPool::Delete();
+    RecordingManager::Delete();
     DisposeDrawingPort();
     ExitMovies();
     TerminateQTML();

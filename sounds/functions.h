@@ -36,6 +36,14 @@ FM_Error PlayPause(std::int16_t id, const FM_ExprEnv& environment, const FM_Data
                    FM_Data& result);
 FM_Error PlaySound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                    FM_Data& result);
+FM_Error RecordSoundFormatDialog(std::int16_t id, const FM_ExprEnv& environment,
+                                 const FM_DataVect& parameters, FM_Data& result);
+FM_Error RecordSoundPause(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                          FM_Data& result);
+FM_Error RecordSoundStart(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                          FM_Data& result);
+FM_Error RecordSoundStop(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
+                         FM_Data& result);
 FM_Error StopSound(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,
                    FM_Data& result);
 FM_Error Normalize(std::int16_t id, const FM_ExprEnv& environment, const FM_DataVect& parameters,

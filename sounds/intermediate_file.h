@@ -18,6 +18,8 @@ public:
     /// Takes a fresh name with this extension (".wav"); codes of MakeTemporaryFile.
     std::int32_t TakeName(std::string_view extension);
 
+    /// Lets the file stay.
+    void Keep() { file_.reset(); }
     /// Whether it has a name.
     explicit operator bool() const { return file_.has_value(); }
     /// Only with a name.

@@ -1,6 +1,7 @@
 #include "sounds/media_pool.h"
 
 #include "plugin/errors.h"
+#include "sounds/recording_manager.h"
 
 #include <algorithm>
 #include <cmath>
@@ -128,13 +129,16 @@ float MediaPool::GetBalance(EntryId id) {
 }
 
 void MediaPool::Idle() {
-    const MutexScope lock(lock_);
-    std::erase_if(entries_, [](const Entry& entry) { return IsMovieDone(entry.movie.get()); });
-    if (entries_.empty()) {
-        ReleaseTimer(TimerUser::kPlayback);
-    } else {
-        MoviesTask(nullptr, kTaskLength);
+    {
+        const MutexScope lock(lock_);
+        std::erase_if(entries_, [](const Entry& entry) { return IsMovieDone(entry.movie.get()); });
+        if (entries_.empty()) {
+            ReleaseTimer(TimerUser::kPlayback);
+        } else {
+            MoviesTask(nullptr, kTaskLength);
+        }
     }
+    RecordingManager::Instance().IdleAll();
 }
 
 void MediaPool::RequestTimer(TimerUser user) {

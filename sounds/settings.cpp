@@ -7,6 +7,7 @@
 #include "plugin/parameters.h"
 #include "plugin/workarounds.h"
 #include "sounds/media_pool.h"
+#include "sounds/recording_manager.h"
 
 #include <algorithm>
 #include <array>
@@ -29,7 +30,7 @@ std::int32_t SetFlag(FM_Data& result, bool flag) {
 }
 
 std::int32_t GetRecording(const FM_DataVect&, FM_Data& result) {
-    return SetFlag(result, false);
+    return SetFlag(result, RecordingManager::Instance().IsRecording());
 }
 
 std::int32_t GetPlayStatus(const FM_DataVect&, FM_Data& result) {

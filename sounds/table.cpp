@@ -26,10 +26,10 @@ constexpr std::array<SoundFunction, 27> kSoundFunctions = {{
     {14, 0, 0, kShownFunction, StopSound},        // Media_StopSound
     {15, 1, 2, kShownServerFunction, ExtractInfo},            // Media_ExtractInfo
     {16, 0, 1, kShownFunction, InsertQuickTime},              // Media_InsertQuickTime
-    {17, 0, 3, kShownFunction, SoundFunctionNotBuilt},        // Media_RecordSoundStart
-    {18, 0, 0, kShownFunction, SoundFunctionNotBuilt},        // Media_RecordSoundStop
-    {19, 0, 0, kShownFunction, SoundFunctionNotBuilt},        // Media_RecordSoundPause
-    {20, 0, 0, kShownFunction, SoundFunctionNotBuilt},        // Media_RecordSoundFormatDialog
+    {17, 0, 3, kShownFunction, RecordSoundStart},        // Media_RecordSoundStart
+    {18, 0, 0, kShownFunction, RecordSoundStop},        // Media_RecordSoundStop
+    {19, 0, 0, kShownFunction, RecordSoundPause},        // Media_RecordSoundPause
+    {20, 0, 0, kShownFunction, RecordSoundFormatDialog},        // Media_RecordSoundFormatDialog
     {21, 1, 1, kShownServerFunction, Get},                    // Media_Get
     {22, 2, -1, kShownServerFunction, SetMetadata},           // Media_SetMetadata
     {23, 1, 2, kShownServerFunction, Set},                    // Media_Set

@@ -145,9 +145,12 @@ informationListOrTag1, value1  a list, "Name: value" in each line; or a tag's na
      R"(Text: the reference to the file, with the size of an image. Of a sound it is that of a reference movie
 beside the file while the setting lmworkaround is on. A movie or sound on the network is copied into the
 temporary folder first while rfworkaround is on; an alert says so before the first time.)",
-     "-43    no such file\n-50    more than one parameter\n-61    a reference movie can't be written\n-128   the "
-     "dialog was cancelled\n-2003  neither movie, sound nor image\n-10000 the folder for a reference movie is "
-     "read-only\nother codes of files and sounds; with a code the result is empty, and Media_GetLastError has "
+     "-43    no such file\n-50    more than one parameter\n-61    a reference movie can't be written\n-128   "
+     "the "
+     "dialog was cancelled\n-2003  neither movie, sound nor image\n-10000 the folder for a reference movie "
+     "is "
+     "read-only\nother codes of files and sounds; with a code the result is empty, and Media_GetLastError "
+     "has "
      "the message",
      R"(Media_InsertQuickTime ( "/C:/sounds/talk.mp3" ))"},
     {"Media_GetSoundInfo",
@@ -204,6 +207,37 @@ It plays at the volume, tempo and balance that Media_Set has set. docs/sound.md 
      "Text: $CODE:MESSAGE as of Media_GetLastError.", "-50   more than one parameter", "Media_PlayPause"},
     {"Media_StopSound", "Ends all sounds in the background.", "none", "Text: $0:Media_StopSound: No error.",
      "none", "Media_StopSound", "$0:Media_StopSound: No error."},
+    {"Media_RecordSoundStart", "Records sound from the machine's input.",
+     R"(path            a file as text, which is made or loses what it had; nothing, "" or 0: a file in the
+                temporary folder. Another number records nothing
+in background   true: the call returns at once, and records while the host handles messages, until
+                Media_RecordSoundStop; without it until a mouse button is pressed, or Return on a terminal
+hex settings    must be empty
+It records as chosen in Media_RecordSoundFormatDialog, else in 16-bit stereo at 44,100 Hz, into a
+QuickTime movie whatever the file's name. docs/sound.md tells of devices.)",
+     "In the background nothing. Else text, the reference to the file, for a path; and for the temporary\n"
+     "folder a container with a sound resource, 8-bit, mono, 44,100 Hz.",
+     "-1     another recording is paused\n-4     hex settings are given\n-34    the disk is full\n"
+     "-43    there is no such folder\n-50    the path is none, or a container\n"
+     "-61    the file can't be written to\n-120   the folder is a file\n-200   there is no sound input\n"
+     "-227   another recording runs\n-1302  the path is a folder\n"
+     "With a code the result is empty; Media_GetLastError has the message.",
+     R"(Media_RecordSoundStart ( "/C:/sounds/memo.mov" ; True ))"},
+    {"Media_RecordSoundPause", "Pauses the recording in the background, or lets it go on.", "none",
+     "Nothing; answers the host 0, whatever happened.",
+     "-3155  nothing is recorded; only in Media_GetLastError", "Media_RecordSoundPause"},
+    {"Media_RecordSoundStop", "Ends the recording in the background.", "none",
+     "Text: the reference to the file; through a reference movie beside it while the setting lmworkaround\n"
+     "is on.",
+     "-3155  nothing is recorded, or the recording broke off: what was recorded until then is in the file\n"
+     "codes of files",
+     "Media_RecordSoundStop"},
+    {"Media_RecordSoundFormatDialog", "Asks for rate and channels of the recordings to come.",
+     "none; keys for a scripted answer: rate 8000, 11025, 16000, 22050, 32000, 44100 or 48000; channels 1 or "
+     "2",
+     "Text: the settings as <hex>…</hex>; empty on Cancel. Answers the host 0.",
+     "-1     a recording runs; only in Media_GetLastError\n-128   cancelled; only there",
+     "Media_RecordSoundFormatDialog"},
 });
 
 } // namespace

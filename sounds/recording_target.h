@@ -1,0 +1,28 @@
+// Where a recording goes.
+#pragma once
+
+#include "files/file_spec.h"
+#include "platform/fmwrapper/fmwrapper.h"
+#include "plugin/errors.h"
+#include "sounds/intermediate_file.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace corvane {
+
+/// A file that is there. None where nothing is to be recorded.
+struct RecordingTarget {
+    std::optional<XFileSpec> file;
+    std::optional<IntermediateFile> temporary; ///< the owner of `file`, when that is in the temporary folder
+};
+
+/// Reads the first parameter: a path, or nothing, an empty text or 0 for a file in the temporary folder; any
+/// other number is no target. Makes the file when it is missing. On failure the record has code and message.
+FM_Error ReadRecordingTarget(const FM_DataVect& parameters, RecordingTarget& target, CVSError& error);
+
+/// Empties the target. -43 when it is gone or its disk can't be reached, -61 when it may not be written to or
+/// is being recorded into; else the platform's number.
+std::int32_t EmptyRecordingTarget(const XFileSpec& file);
+
+} // namespace corvane
