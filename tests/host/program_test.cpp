@@ -1,53 +1,9 @@
-// The built program as a person meets it: arguments in, standard output, standard error and status out.
-#include <gtest/gtest.h>
+#include "tests/host/program.h"
 
-#include <array>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <sys/wait.h>
+#include <vector>
 
+namespace host {
 namespace {
-
-struct Finished {
-    int status = -1;
-    std::string output;
-    std::string errors;
-};
-
-std::string Contents(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
-class Program : public testing::Test {
-protected:
-    void SetUp() override {
-        std::string folder = testing::TempDir() + "corvane-program-XXXXXX";
-        ASSERT_NE(mkdtemp(folder.data()), nullptr);
-        folder_ = folder;
-    }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
-
-    // `arguments` as a shell reads them; $PLUGIN is the test's plug-in, $DIR a scratch folder.
-    [[nodiscard]] Finished Corvane(const std::string& arguments, const std::string& input = {},
-                                   const std::string& environment = {}) const {
-        const std::string input_file = folder_ + "/stdin";
-        std::ofstream(input_file, std::ios::binary) << input;
-        const std::string command =
-            "cd '" + folder_ + "'; PLUGIN='" CORVANE_TEST_PLUGIN "'; DIR='" + folder_ + "'; " + environment +
-            " '" CORVANE_PROGRAM "' --ui none --plugin $PLUGIN " + arguments + " <stdin >stdout 2>stderr";
-        const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Contents(folder_ + "/stdout"),
-                Contents(folder_ + "/stderr")};
-    }
-
-    std::string folder_;
-};
 
 TEST_F(Program, PrintsPlainResults) {
     const Finished run = Corvane(R"x(eval '"a" & ¶ & "b"' '1/4' '""' HostContainer 'HostReference("r¶s")')x");
@@ -200,3 +156,4 @@ TEST_F(Program, HelpFollowsTheRegistrations) {
 }
 
 } // namespace
+} // namespace host

@@ -28,7 +28,7 @@ TEST(Session, RunsAPluginThroughItsLife) {
         ASSERT_EQ(session.Start(), "");
         EXPECT_EQ(session.Plugin().Answer(), 51);
         EXPECT_EQ(session.Plugin().String(kFM_StringName), "Tést");
-        EXPECT_EQ(session.GetEngine().Registrations().size(), 6U);
+        EXPECT_EQ(session.GetEngine().Registrations().size(), 7U);
         EXPECT_EQ(Text(session, "test_echo(1 + 1)"), "2");
         EXPECT_EQ(session.Evaluate("Test_Echo(HostReference(\"r\"))").value.AsContainer().reference, u"r");
         EXPECT_EQ(Text(session, "Test_Evaluate(\"Get(FilePath)\")"),

@@ -3,6 +3,7 @@
 #include "platform/fmwrapper/call_block.h"
 #include "platform/fmwrapper/session.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -50,6 +51,11 @@ FM_Error Turns(std::int16_t, const FM_ExprEnv&, const FM_DataVect&, FM_Data& res
     return 0;
 }
 
+// Ends the process on the spot, as a fault in a plug-in does.
+FM_Error Abort(std::int16_t, const FM_ExprEnv&, const FM_DataVect&, FM_Data&) {
+    std::abort();
+}
+
 void Register(std::int16_t id, const char* name, const char* prototype, std::int16_t minimum,
               std::int16_t maximum, FM_ExternalFunction handler) {
     FM_Status status = 0;
@@ -75,6 +81,7 @@ std::intptr_t StartUp(const FM_CallBlock& block) {
     Register(4, "Test_Turns", "Test_Turns", 0, 0, Turns);
     Register(5, "TEST_ECHO", "Test_Echo", 0, 0, Turns);
     Register(6, "Test_Many", "Test_Many( a ; b {; c…} )", 2, -1, Echo);
+    Register(7, "Test_Abort", "Test_Abort", 0, 0, Abort);
     return block.interface_version;
 }
 
