@@ -11,25 +11,25 @@
 namespace host {
 namespace {
 
-// Calculations, one a line; each gets one line of JSON, whatever becomes of it.
+// Every answer is written at once: a calculation that ends the process must not take earlier answers along.
+// Calculations come one a line, and each gets one line of JSON, whatever becomes of it.
 int WorkOnCalculations(Session& session, const CommandLine& line) {
     Output output;
-    InputLines lines([&] { output.Flush(); });
+    InputLines lines([] {});
     int status = 0;
     std::size_t number = 0;
     while (const auto calculation = lines.Next()) {
         ++number;
         const Outcome outcome = session.Evaluate(*calculation);
         output.Buffer() += JsonOf(*calculation, outcome) + '\n';
-        output.EndPiece();
+        output.Flush();
         if (!output.Good()) return kUsageError;
         if (line.strict && (outcome.parse_error || IsFailure(outcome))) status = 1;
         if (line.save_streams.empty()) continue;
         if (std::string problem = SaveStreams(line.save_streams, number, outcome.value); !problem.empty())
             return CommandFailed(problem);
     }
-    output.Flush();
-    return output.Good() ? status : kUsageError;
+    return status;
 }
 
 // Numbers of records, one a line; each gets a message with what the calculations of the command line make of
@@ -44,7 +44,7 @@ int WorkOnRecords(Session& session, const CommandLine& line) {
     const RecordWork work{line.table.where, std::move(*calculations)};
     RecordWorker worker(session.GetEngine(), table.Values(), table.GetTable(), work);
     Output output;
-    InputLines lines([&] { output.Flush(); });
+    InputLines lines([] {});
     while (const auto text = lines.Next()) {
         std::int64_t record = 0;
         const auto parsed = std::from_chars(text->data(), text->data() + text->size(), record);
@@ -54,10 +54,10 @@ int WorkOnRecords(Session& session, const CommandLine& line) {
             output.Write(bytes);
             return output.Good();
         });
-        if (!written) return kUsageError;
+        output.Flush();
+        if (!written || !output.Good()) return kUsageError;
     }
-    output.Flush();
-    return output.Good() ? 0 : kUsageError;
+    return 0;
 }
 
 } // namespace
