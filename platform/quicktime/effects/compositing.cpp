@@ -76,33 +76,28 @@ constexpr std::array kAlphaCompositor = {
     PercentParameter("opacity", "Opacity of source A", 100),
 };
 
-/// The pixel of source A, premultiplied, whichever way its file has mixed alpha into its colours.
-std::uint32_t PremultipliedBy(std::int32_t kind, std::uint32_t pixel) {
+/// The straight pixel of source A, whichever way its file has mixed alpha into its colours.
+std::uint32_t StraightBy(std::int32_t kind, std::uint32_t pixel) {
+    if (kind == 0) return pixel;
     const std::uint32_t alpha = Alpha(pixel);
-    if (kind == 0) return Premultiply(pixel);
     const std::uint32_t white = kind == 2 ? 255 - alpha : 0;
-    const auto channel = [=](std::uint32_t value) { return std::min(value - std::min(value, white), alpha); };
-    return Pixel(channel(Red(pixel)), channel(Green(pixel)), channel(Blue(pixel)), alpha);
+    const auto channel = [=](std::uint32_t value) { return value - std::min(value, white); };
+    return Unpremultiply(Pixel(channel(Red(pixel)), channel(Green(pixel)), channel(Blue(pixel)), alpha));
 }
 
 void RenderAlphaCompositor(const EffectInput& input, PixelImage& out) {
-    const std::int32_t operation = input.values.Whole("operation");
+    const auto operation = static_cast<std::size_t>(input.values.Whole("operation"));
     const std::int32_t kind = input.values.Whole("alpha");
     const auto opacity = static_cast<std::uint32_t>(std::lround(input.values.Fraction("opacity") * 255));
-    EachPair(input, out, [=](std::uint32_t source_a, std::uint32_t source_b) {
-        const std::uint32_t a = MixChannels(0, PremultipliedBy(kind, source_a), opacity);
-        const std::uint32_t b = Premultiply(source_b);
-        const std::uint32_t outside_a = 255 - Alpha(a);
+    EachPair(input, out, [=](std::uint32_t source_a, std::uint32_t b) {
+        const std::uint32_t alpha_a = Divide255(Alpha(source_a) * opacity);
+        const std::uint32_t a = (StraightBy(kind, source_a) & 0x00FF'FFFF) | alpha_a << 24;
+        const std::uint32_t outside_a = 255 - alpha_a;
         const std::uint32_t outside_b = 255 - Alpha(b);
-        // What remains of each, by operation: over, in, out, atop, xor.
+        // What is seen of each, by operation: over, in, out, atop, xor.
         const std::array<std::uint32_t, 5> weights_a = {255, Alpha(b), outside_b, Alpha(b), outside_b};
         const std::array<std::uint32_t, 5> weights_b = {outside_a, 0, 0, outside_a, outside_a};
-        const std::uint32_t weight_a = weights_a[static_cast<std::size_t>(operation)];
-        const std::uint32_t weight_b = weights_b[static_cast<std::size_t>(operation)];
-        const auto channel = [=](std::uint32_t (*value)(std::uint32_t)) {
-            return std::min<std::uint32_t>(Divide255(value(a) * weight_a + value(b) * weight_b), 255);
-        };
-        return Unpremultiply(Pixel(channel(Red), channel(Green), channel(Blue), channel(Alpha)));
+        return Blend(a, weights_a[operation], b, weights_b[operation]);
     });
 }
 

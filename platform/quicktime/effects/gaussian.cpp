@@ -9,6 +9,8 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <limits>
+#include <numbers>
 #include <vector>
 
 namespace qt {
@@ -89,7 +91,7 @@ private:
 /// result is below 2^31, none is lost.
 class RunningMeans {
 public:
-    explicit RunningMeans(double sigma) : widths_(Widths(sigma)) {}
+    explicit RunningMeans(double sigma) : widths_(ChooseWidths(sigma)) {}
 
     void Filter(const Lines& in, Lines& out) const {
         const auto [first, second, third] = widths_;
@@ -127,21 +129,24 @@ public:
     }
 
 private:
-    /// The three widths whose variances come closest to that of the curve, of those that differ little from
-    /// each other; an odd number of them is odd, so that the middle is a pixel.
-    static std::array<std::ptrdiff_t, 3> Widths(double sigma) {
+    using Widths = std::array<std::ptrdiff_t, 3>;
+
+    /// The widths, about equal, that together come closest to the curve; an odd number of them is odd, so
+    /// that the middle is a pixel.
+    static Widths ChooseWidths(double sigma) {
         constexpr std::ptrdiff_t kSpread = 3;
         constexpr std::ptrdiff_t kWidest = 203; // 255 · 203³ is below 2^31
-        const double variance = 12 * sigma * sigma + 3;
-        const auto middle = static_cast<std::ptrdiff_t>(std::lround(std::sqrt(variance / 3)));
-        std::array<std::ptrdiff_t, 3> best{};
-        double least = variance;
-        for (std::ptrdiff_t a = std::max<std::ptrdiff_t>(middle - kSpread, 1); a <= middle + kSpread; ++a) {
-            for (std::ptrdiff_t b = a; b <= middle + kSpread; ++b) {
-                for (std::ptrdiff_t c = b; c <= std::min(middle + kSpread, kWidest); ++c) {
-                    const double error = std::abs(static_cast<double>(a * a + b * b + c * c) - variance);
-                    if ((a + b + c) % 2 == 0 || error >= least) continue;
-                    least = error;
+        const auto middle = static_cast<std::ptrdiff_t>(std::lround(std::sqrt(4 * sigma * sigma + 1)));
+        const std::ptrdiff_t least = std::max<std::ptrdiff_t>(middle - kSpread, 1);
+        const std::ptrdiff_t most = std::min(middle + kSpread, kWidest);
+        Widths best = {least, least, least};
+        double best_distance = std::numeric_limits<double>::infinity();
+        for (std::ptrdiff_t a = least; a <= most; ++a) {
+            for (std::ptrdiff_t b = a; b <= most; ++b) {
+                for (std::ptrdiff_t c = b + (a + 1) % 2; c <= most; c += 2) {
+                    const double distance = Distance({a, b, c}, sigma);
+                    if (distance >= best_distance) continue;
+                    best_distance = distance;
                     best = {a, b, c};
                 }
             }
@@ -149,7 +154,31 @@ private:
         return best;
     }
 
-    std::array<std::ptrdiff_t, 3> widths_;
+    /// Sum of the squared differences between the weights that the means give and those of the curve.
+    static double Distance(const Widths& widths, double sigma) {
+        std::vector<double> weights = {1};
+        for (const std::ptrdiff_t width : widths) {
+            std::vector<double> means(weights.size() + static_cast<std::size_t>(width) - 1);
+            double sum = 0;
+            for (std::size_t i = 0; i < means.size(); ++i) {
+                if (i < weights.size()) sum += weights[i];
+                if (i >= static_cast<std::size_t>(width)) sum -= weights[i - static_cast<std::size_t>(width)];
+                means[i] = sum / static_cast<double>(width);
+            }
+            weights = std::move(means);
+        }
+        const double scale = 1 / (sigma * std::sqrt(2 * std::numbers::pi));
+        const double middle = static_cast<double>(weights.size() - 1) / 2;
+        double distance = 0;
+        for (std::size_t i = 0; i < weights.size(); ++i) {
+            const double from_middle = (static_cast<double>(i) - middle) / sigma;
+            const double error = weights[i] - scale * std::exp(-from_middle * from_middle / 2);
+            distance += error * error;
+        }
+        return distance;
+    }
+
+    Widths widths_;
 };
 
 void Load(const std::uint32_t* pixels, std::size_t count, bool premultiply, std::uint8_t* lane,
@@ -220,7 +249,7 @@ void Blur(const PixelImage& in, const Kernel& kernel, PixelImage& out) {
 
 void GaussianBlur(const PixelImage& in, double sigma, PixelImage& out) {
     constexpr double kSharpest = 0.2; // nothing of a narrower curve reaches a neighbour
-    constexpr double kLongestCurve = 3;
+    constexpr double kLongestCurve = 4;
     if (sigma < kSharpest) {
         for (std::int32_t y = 0; y < in.height(); ++y) std::copy_n(in.Row(y), in.width(), out.Row(y));
     } else if (sigma < kLongestCurve) {

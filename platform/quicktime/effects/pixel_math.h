@@ -42,7 +42,7 @@ constexpr std::uint32_t Unpremultiply(std::uint32_t pixel) {
     return Pixel(straight(Red(pixel)), straight(Green(pixel)), straight(Blue(pixel)), alpha);
 }
 
-/// From `a` (weight 0) to `b` (weight 255), channel by channel: opaque or premultiplied pixels.
+/// From `a` (weight 0) to `b` (weight 255), channel by channel: for pixels of the same alpha.
 constexpr std::uint32_t MixChannels(std::uint32_t a, std::uint32_t b, std::uint32_t weight) {
     const std::uint32_t rest = 255 - weight;
     const auto mixed = [=](std::uint32_t from, std::uint32_t to) {
@@ -52,10 +52,23 @@ constexpr std::uint32_t MixChannels(std::uint32_t a, std::uint32_t b, std::uint3
                  mixed(Alpha(a), Alpha(b)));
 }
 
-/// The same for straight pixels.
-constexpr std::uint32_t Mix(std::uint32_t a, std::uint32_t b, std::uint32_t weight) {
-    if ((a & b) >= 0xFF00'0000) return MixChannels(a, b, weight);
-    return Unpremultiply(MixChannels(Premultiply(a), Premultiply(b), weight));
+/// Two straight pixels laid over each other, of which so much is seen: weights from 0 to 255.
+inline std::uint32_t Blend(std::uint32_t a, std::uint32_t weight_a, std::uint32_t b, std::uint32_t weight_b) {
+    const std::uint32_t share_a = Alpha(a) * weight_a;
+    const std::uint32_t share_b = Alpha(b) * weight_b;
+    if (share_a + share_b == 0) return 0x00FF'FFFF;
+    const float inverse = 1 / static_cast<float>(share_a + share_b);
+    const auto channel = [=](std::uint32_t from_a, std::uint32_t from_b) {
+        return static_cast<std::uint32_t>(static_cast<float>(from_a * share_a + from_b * share_b) * inverse +
+                                          0.5F);
+    };
+    return Pixel(channel(Red(a), Red(b)), channel(Green(a), Green(b)), channel(Blue(a), Blue(b)),
+                 std::min<std::uint32_t>(Divide255(share_a + share_b), 255));
+}
+
+/// From `a` (weight 0) to `b` (weight 255): straight pixels.
+inline std::uint32_t Mix(std::uint32_t a, std::uint32_t b, std::uint32_t weight) {
+    return (a & b) >= 0xFF00'0000 ? MixChannels(a, b, weight) : Blend(a, 255 - weight, b, weight);
 }
 
 } // namespace qt

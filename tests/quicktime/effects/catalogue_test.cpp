@@ -1,0 +1,135 @@
+// What holds for every effect of the table.
+#include "tests/quicktime/effects/effect_test.h"
+
+#include "platform/quicktime/effects/settings_xml.h"
+
+#include <cctype>
+#include <set>
+
+namespace {
+
+using namespace effect_test;
+using Kind = qt::EffectParameter::Kind;
+
+TEST(EffectTable, DescribesEveryEffectAndParameter) {
+    std::set<OSType> types;
+    std::array<int, 3> with_sources{};
+    for (const qt::Effect* effect : qt::Effects()) {
+        EXPECT_TRUE(types.insert(effect->type).second) << effect->name;
+        ++with_sources.at(static_cast<std::size_t>(effect->sources));
+        ASSERT_LE(effect->parameters.size(), qt::kMostParameters) << effect->name;
+        std::set<OSType> atoms = {qt::kParameterWhatName, qt::Code("src ")};
+        for (const qt::EffectParameter& parameter : effect->parameters) {
+            EXPECT_TRUE(atoms.insert(qt::CodeOfText(parameter.key)).second) << effect->name << parameter.key;
+            EXPECT_TRUE(std::ranges::all_of(parameter.key, [](unsigned char c) {
+                return std::islower(c) != 0 || std::isdigit(c) != 0;
+            })) << parameter.key;
+            EXPECT_LE(parameter.minimum, parameter.standard) << effect->name << parameter.key;
+            EXPECT_GE(parameter.maximum, parameter.standard) << effect->name << parameter.key;
+            EXPECT_EQ(parameter.label.find("--"), std::string_view::npos) << "ends a comment of the XML";
+            EXPECT_TRUE(parameter.kind != Kind::kNumber || parameter.maximum < 32'768) << "atoms hold 16.16";
+        }
+    }
+    EXPECT_GE(with_sources[1], 12);
+    EXPECT_GE(with_sources[2], 6);
+}
+
+qt::EffectSettings RandomSettings(const qt::Effect& effect, std::mt19937& random) {
+    qt::EffectSettings settings = {&effect, qt::EffectValues(effect.parameters)};
+    for (std::size_t i = 0; i < effect.parameters.size(); ++i) {
+        const qt::EffectParameter& parameter = effect.parameters[i];
+        settings.values.Set(i, std::uniform_real_distribution(parameter.minimum, parameter.maximum)(random));
+    }
+    return settings;
+}
+
+TEST(EffectTable, SettingsSurviveTheirTextAndTheirAtoms) {
+    std::mt19937 random(4);
+    for (const qt::Effect* effect : qt::Effects()) {
+        for (int round = 0; round < 20; ++round) {
+            const qt::EffectSettings settings = RandomSettings(*effect, random);
+            const auto read = qt::EffectSettingsFromXml(qt::EffectSettingsToXml(settings));
+            QTAtomContainer set = nullptr;
+            QTNewAtomContainer(&set);
+            const qt::MemoryHandle owner(set);
+            ASSERT_EQ(qt::WriteEffectSettings(settings, set), noErr);
+            const auto unpacked = qt::ReadEffectSettings(set);
+            ASSERT_TRUE(read && unpacked) << effect->name;
+            EXPECT_EQ(read->effect, effect);
+            for (std::size_t i = 0; i < effect->parameters.size(); ++i) {
+                EXPECT_NEAR(read->values.At(i), settings.values.At(i), 0.0005) << effect->parameters[i].key;
+                EXPECT_NEAR(unpacked->values.At(i), settings.values.At(i), 1.0 / 65'536)
+                    << effect->parameters[i].key;
+            }
+        }
+    }
+}
+
+// With random settings, and with each parameter at both ends.
+TEST(EffectTable, EveryEffectPaintsEveryPixelOfAnySize) {
+    constexpr std::uint32_t kStale = 0x0012'3456;
+    std::mt19937 random(5);
+    for (const auto& [width, height] : {std::pair{1, 1}, {1, 7}, {7, 1}, {2, 2}, {17, 33}, {40, 16}}) {
+        const qt::PixelImage a = MakeNoise(width, height, false, 1);
+        const qt::PixelImage b = MakeNoise(40, 20, false, 2);
+        for (const qt::Effect* effect : qt::Effects()) {
+            for (int round = 0; round < 3 + 2 * static_cast<int>(effect->parameters.size()); ++round) {
+                qt::EffectSettings settings = RandomSettings(*effect, random);
+                if (const auto i = static_cast<std::size_t>(round / 2); i < effect->parameters.size())
+                    settings.values.Set(i, round % 2 == 0 ? -1e9 : 1e9);
+                qt::PixelImage out = MakeImage(width, height, kStale);
+                ASSERT_EQ(qt::RenderEffect(settings, a, &b, out), noErr);
+                for (std::int32_t y = 0; y < height; ++y) {
+                    const auto* row = out.Row(y);
+                    EXPECT_EQ(std::count(row, row + width, kStale), 0) << effect->name << " row " << y;
+                }
+            }
+        }
+    }
+}
+
+TEST(EffectTable, OpaqueImagesStayOpaqueAndOneSourceKeepsItsAlpha) {
+    const qt::PixelImage opaque = MakeNoise(40, 30, false);
+    const qt::PixelImage clear = MakeNoise(40, 30, true);
+    for (const qt::Effect* effect : qt::Effects()) {
+        const qt::EffectSettings settings = {effect, qt::EffectValues(effect->parameters)};
+        const qt::PixelImage out = Render(settings, opaque, &opaque);
+        for (std::int32_t y = 0; y < out.height(); ++y) {
+            for (std::int32_t x = 0; x < out.width(); ++x) EXPECT_EQ(qt::Alpha(out.Row(y)[x]), 255U);
+        }
+        // A blur spreads alpha as well, and a tile has one for all its pixels.
+        if (effect->sources == 2 || effect == &qt::kBlurEffect || effect == &qt::kMosaicEffect) continue;
+        const qt::PixelImage kept = Render(settings, clear);
+        EXPECT_TRUE(kept.has_alpha);
+        for (std::int32_t y = 0; y < out.height(); ++y) {
+            for (std::int32_t x = 0; x < out.width(); ++x)
+                EXPECT_EQ(qt::Alpha(kept.Row(y)[x]), qt::Alpha(clear.Row(y)[x])) << effect->name;
+        }
+    }
+}
+
+// The bands of a large image fit together: each part of it looks like the same part drawn on one thread.
+TEST(EffectTable, LargeImagesHaveNoSeams) {
+    const qt::PixelImage large = MakeNoise(1000, 700, false);
+    const qt::PixelImage part =
+        MakeImage(1000, 90, [&](std::int32_t x, std::int32_t y) { return large.Row(305 + y)[x]; });
+    for (const char* type : {"blur", "shrp", "edge", "embs", "genk", "brco", "hslb", "tint"}) {
+        const qt::PixelImage whole = Render(type, {}, large);
+        const qt::PixelImage alone = Render(type, {}, part);
+        const auto middle = [](const qt::PixelImage& image, std::int32_t top) {
+            return MakeImage(1000, 50, [&](std::int32_t x, std::int32_t y) { return image.Row(top + y)[x]; });
+        };
+        EXPECT_EQ(Difference(middle(whole, 325), middle(alone, 20)), 0U) << type;
+    }
+}
+
+TEST(EffectTable, WithoutWhatItNeedsAnImageStaysAsItIs) {
+    const qt::PixelImage a = MakeNoise(9, 5, true);
+    EXPECT_EQ(Difference(Render(Settings("dslv"), a), a), 0U) << "no second source";
+    qt::PixelImage out;
+    ASSERT_EQ(qt::RenderEffect(std::nullopt, a, nullptr, out), noErr);
+    EXPECT_EQ(Difference(out, a), 0U);
+    EXPECT_TRUE(out.has_alpha);
+}
+
+} // namespace
