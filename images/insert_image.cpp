@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::uint32_t kJpegType = FourCC("JPEG");
 constexpr std::uint32_t kPictureType = FourCC("PICT");
+constexpr std::uint32_t kWrappingType = FourCC("qtif");
 constexpr std::uint64_t kPictureHeaderSize = 512; ///< of picture files; streams are without it
 
 /// The stream type of a compressor type: its letters in upper case, but for two that have names of their own.
@@ -44,10 +45,35 @@ bool InsertReference(GraphicsImportComponent importer, const ImageDescription& d
     return reference_code == 0;
 }
 
+/// What becomes the image stream: a part of the source's data.
+struct Stored {
+    std::uint32_t type = 0;
+    std::uint64_t offset = 0;
+    std::uint64_t size = UINT64_MAX; ///< or what there is
+};
+
+bool HasImporter(std::uint32_t type) {
+    ComponentInstance opened = nullptr;
+    const OSErr code = OpenADefaultComponent(qt::kGraphicsImporter, type, &opened);
+    const qt::OpenComponent importer(opened);
+    return code == noErr;
+}
+
+/// The whole data, without the header of a picture file. Of a file that wraps data of another format: what is
+/// wrapped, when that can be read for itself under its type, and else the wrapping file under its own type,
+/// as the type of what is wrapped would not tell how to read it.
+Stored FindStored(GraphicsImportComponent importer, const ImageDescription& description) {
+    const std::uint32_t type = StreamTypeOf(description.cType);
+    if (qt::FileTypeOf(importer) != kWrappingType)
+        return {type, type == kPictureType ? kPictureHeaderSize : 0};
+    Stored wrapped{type};
+    const ComponentResult code = GraphicsImportGetDataOffsetAndSize(importer, &wrapped.offset, &wrapped.size);
+    return code == noErr && HasImporter(type) ? wrapped : Stored{kWrappingType};
+}
+
 /// True when the result is set; else a failure is reported.
 bool InsertContainer(GraphicsImportComponent importer, const ImageDescription& description, FM_Data& result) {
     constexpr std::string_view kNoData = "Error retrieving web image";
-    const std::uint32_t type = StreamTypeOf(description.cType);
     qt::DataReference reference;
     ComponentResult code = GraphicsImportGetDataReference(importer, &reference);
     qt::OpenedSource data;
@@ -59,10 +85,11 @@ bool InsertContainer(GraphicsImportComponent importer, const ImageDescription& d
         ReportError(code, kNoData);
         return false;
     }
-    const bool shown_by_hosts = type == kJpegType || type == kPictureType;
+    const Stored stored = FindStored(importer, description);
+    const bool shown_by_hosts = stored.type == kJpegType || stored.type == kPictureType;
     const Preview preview = shown_by_hosts ? Preview() : MakePreview(importer);
     const BinaryData container(Host(FM_BinaryData_Constructor1));
-    code = AddStreamFrom(container.get(), type, *data.source, type == kPictureType ? kPictureHeaderSize : 0);
+    code = AddStreamFrom(container.get(), stored.type, *data.source, stored.offset, stored.size);
     if (code != noErr) {
         ReportError(code, kNoData);
         return false;

@@ -177,8 +177,8 @@ void AddStream(FM_BinaryData* container, std::uint32_t type, std::span<const std
 }
 
 std::int32_t AddStreamFrom(FM_BinaryData* container, std::uint32_t type, qt::DataSource& source,
-                           std::uint64_t offset) {
-    const std::uint64_t size = source.GetSize() - std::min(offset, source.GetSize());
+                           std::uint64_t offset, std::uint64_t most) {
+    const std::uint64_t size = std::min(most, source.GetSize() - std::min(offset, source.GetSize()));
     if (size > std::numeric_limits<std::uint32_t>::max()) return kErrorOutOfMemory;
     Rest rest{source, offset};
     return Host(FM_BinaryData_AddFromReader, container, NewQuadChar(type).get(),

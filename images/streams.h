@@ -39,10 +39,11 @@ MainImage GetMainImageData(const FM_Data* parameter);
 /// Appends a stream with a copy of the bytes.
 void AddStream(FM_BinaryData* container, std::uint32_t type, std::span<const std::byte> bytes);
 
-/// Appends a stream with what a source holds from `offset` on, read piece by piece. Without memory, with too
-/// many bytes for a stream (32 bits), or when reading fails: a code, and nothing is appended.
+/// Appends a stream with what a source holds from `offset` on, but at most so many bytes, read piece by
+/// piece. Without memory, with too many bytes for a stream (32 bits), or when reading fails: a code, and
+/// nothing is appended.
 std::int32_t AddStreamFrom(FM_BinaryData* container, std::uint32_t type, qt::DataSource& source,
-                           std::uint64_t offset);
+                           std::uint64_t offset = 0, std::uint64_t most = UINT64_MAX);
 
 /// Appends a "SIZE" stream: width and height in pixels, 16 bits each, high byte first.
 void AddSizeStream(FM_BinaryData* container, std::int32_t width, std::int32_t height);

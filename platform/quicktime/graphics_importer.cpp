@@ -35,6 +35,11 @@ std::unique_ptr<Component> OpenGraphicsImporter(OSType file_type) {
     return codec != nullptr ? std::make_unique<GraphicsImporter>(*codec) : nullptr;
 }
 
+OSType FileTypeOf(GraphicsImportComponent instance) {
+    const auto* importer = dynamic_cast<GraphicsImporter*>(instance);
+    return importer != nullptr ? importer->codec().types.front() : 0;
+}
+
 } // namespace qt
 
 OSErr GetGraphicsImporterForDataRef(Handle data_reference, OSType type, GraphicsImportComponent* importer) {

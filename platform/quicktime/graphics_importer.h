@@ -85,6 +85,9 @@ namespace qt {
 /// An importer without data for a file type; null when no codec reads it.
 std::unique_ptr<Component> OpenGraphicsImporter(OSType file_type);
 
+/// The file type of the format that an importer reads, whatever the file wraps; 0 for no importer.
+OSType FileTypeOf(GraphicsImportComponent importer);
+
 /// Draws, wherever the matrix leads. What stays unpainted is white, or transparent if the image has alpha:
 /// files of opaque images are read by many that know no transparency. Decodes again at each call, so that no
 /// image stays in memory. paramErr for a matrix that takes a point of the source rectangle to infinity or
