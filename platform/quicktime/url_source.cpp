@@ -1,6 +1,8 @@
 #include "platform/quicktime/url_source.h"
 
+#include "platform/quicktime/graphics_exporter.h"
 #include "platform/quicktime/modules/http_module.h"
+#include "platform/win32/keyboard.h"
 #include "platform/win32/modules.h"
 
 #include <new>
@@ -29,8 +31,13 @@ OSErr CodeOf(HttpOutcome outcome) {
     case kHttpRefused: return cantOpenHandler;
     case kHttpBroken: return ioErr;
     case kHttpStopped: return memFullErr;
+    case kHttpCancelled: return userCanceledErr;
     }
     return cantOpenHandler;
+}
+
+bool IsCancelled() {
+    return GetAsyncKeyState(VK_ESCAPE) < 0;
 }
 
 /// People write blanks in addresses; servers want them escaped.
@@ -55,7 +62,8 @@ OpenedSource OpenUrlSource(const std::string& url, const UrlLimits& limits) {
     if (module == nullptr) return {cantFindHandler, nullptr};
     const HttpLimits http_limits = {limits.bytes, limits.time.count(), limits.stall.count()};
     std::vector<std::byte> body;
-    const OSErr code = CodeOf(module->fetch(EscapeBlanks(url).c_str(), &http_limits, Append, &body));
+    const OSErr code =
+        CodeOf(module->fetch(EscapeBlanks(url).c_str(), &http_limits, Append, &body, IsCancelled));
     if (code != noErr) return {code, nullptr};
     return {noErr, MemorySource(std::move(body))};
 }

@@ -1,5 +1,7 @@
 #include "platform/quicktime/url_source.h"
 
+#include "platform/fmwrapper/session.h"
+#include "platform/quicktime/graphics_exporter.h"
 #include "tests/support/http_server.h"
 
 #include <gtest/gtest.h>
@@ -69,6 +71,18 @@ TEST_F(UrlSources, LimitsHold) {
     EXPECT_LT(took_, 5s);
     EXPECT_EQ(Code("slow", {.time = 20s, .stall = 1s}), cantOpenHandler);
     EXPECT_LT(took_, 10s);
+}
+
+TEST_F(UrlSources, EscapeCancels) {
+    for (const char* page : {"silent", "slow"}) {
+        fm::CurrentSession().input = {{Clock::now() + 300ms, "escape"}};
+        EXPECT_EQ(Code(page), userCanceledErr) << page;
+        EXPECT_GE(took_, 250ms);
+        EXPECT_LT(took_, 3s);
+    }
+    fm::CurrentSession().input = {{Clock::now(), "control"}};
+    EXPECT_EQ(Code("bytes"), noErr) << "other keys don't matter";
+    fm::CurrentSession().input.clear();
 }
 
 TEST_F(UrlSources, BrokenTransfers) {

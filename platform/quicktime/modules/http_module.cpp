@@ -32,6 +32,7 @@ HttpOutcome OutcomeOf(CURLcode code, long status) {
     case CURLE_URL_MALFORMAT: return kHttpBadAddress;
     case CURLE_HTTP_RETURNED_ERROR: return status == 404 || status == 410 ? kHttpNotFound : kHttpRefused;
     case CURLE_FILESIZE_EXCEEDED: return kHttpStopped;
+    case CURLE_ABORTED_BY_CALLBACK: return kHttpCancelled;
     case CURLE_PARTIAL_FILE:
     case CURLE_GOT_NOTHING:
     case CURLE_RECV_ERROR:
@@ -40,7 +41,29 @@ HttpOutcome OutcomeOf(CURLcode code, long status) {
     }
 }
 
-HttpOutcome Fetch(const char* url, const HttpLimits* limits, HttpReceiver receiver, void* context) {
+struct RemoveFromMulti {
+    CURLM* multi;
+    void operator()(CURL* curl) const { curl_multi_remove_handle(multi, curl); }
+};
+
+/// Transfers, looking up several times a second. CURLE_ABORTED_BY_CALLBACK when that is cancelled.
+CURLcode Perform(CURL* curl, HttpCancelled cancelled) {
+    constexpr int kMillisecondsBetweenLooks = 50;
+    const std::unique_ptr<CURLM, decltype(&curl_multi_cleanup)> multi(curl_multi_init(), curl_multi_cleanup);
+    if (multi == nullptr || curl_multi_add_handle(multi.get(), curl) != CURLM_OK) return CURLE_OUT_OF_MEMORY;
+    const std::unique_ptr<CURL, RemoveFromMulti> added(curl, {multi.get()});
+    int running = 1;
+    while (curl_multi_perform(multi.get(), &running) == CURLM_OK && running > 0) {
+        if (cancelled()) return CURLE_ABORTED_BY_CALLBACK;
+        curl_multi_poll(multi.get(), nullptr, 0, kMillisecondsBetweenLooks, nullptr);
+    }
+    int left = 0;
+    const CURLMsg* message = curl_multi_info_read(multi.get(), &left);
+    return message != nullptr ? message->data.result : CURLE_OUT_OF_MEMORY;
+}
+
+HttpOutcome Fetch(const char* url, const HttpLimits* limits, HttpReceiver receiver, void* context,
+                  HttpCancelled cancelled) {
     static const bool ready = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
     const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> handle(ready ? curl_easy_init() : nullptr,
                                                                      curl_easy_cleanup);
@@ -61,7 +84,7 @@ HttpOutcome Fetch(const char* url, const HttpLimits* limits, HttpReceiver receiv
     curl_easy_setopt(curl, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits->bytes));
     curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, Receive);
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, &transfer);
-    const CURLcode code = curl_easy_perform(curl);
+    const CURLcode code = Perform(curl, cancelled);
     if (transfer.stopped) return kHttpStopped;
     long status = 0;
     curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &status);

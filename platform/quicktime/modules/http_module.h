@@ -13,7 +13,8 @@ enum HttpOutcome : std::int32_t {
     kHttpNotFound,   ///< the server says 404 or 410
     kHttpRefused,    ///< no connection, another error status, too many redirects, out of time
     kHttpBroken,     ///< the transfer broke off
-    kHttpStopped     ///< more bytes than the limit, or the receiver refused them
+    kHttpStopped,    ///< more bytes than the limit, or the receiver refused them
+    kHttpCancelled   ///< somebody does not want to wait any longer
 };
 
 struct HttpLimits {
@@ -25,7 +26,11 @@ struct HttpLimits {
 /// Takes the next bytes of the body; false stops the transfer. Must not throw.
 using HttpReceiver = bool (*)(void* context, const char* bytes, std::size_t size);
 
+/// Asked several times a second; true cancels the transfer. Must not throw.
+using HttpCancelled = bool (*)();
+
 struct HttpModule {
-    HttpOutcome (*fetch)(const char* url, const HttpLimits* limits, HttpReceiver receiver, void* context);
+    HttpOutcome (*fetch)(const char* url, const HttpLimits* limits, HttpReceiver receiver, void* context,
+                         HttpCancelled cancelled);
 };
 }
