@@ -241,8 +241,11 @@ std::optional<std::string> Id3Tag::Render(std::size_t area) const {
     tag += rest_;
     if (version_ < 4 && (flags_ & kTagUnsynchronised) != 0)
         tag.replace(kHeaderSize, tag.npos, Unsynchronise(std::string_view(tag).substr(kHeaderSize)));
-    const bool fits = tag.size() <= area && area - tag.size() <= kLargestPadding;
-    tag.resize(fits ? area : tag.size() + kPadding);
+    // Behind a broken rest padding would complete what only looks like a frame.
+    if (rest_.empty()) {
+        const bool fits = tag.size() <= area && area - tag.size() <= kLargestPadding;
+        tag.resize(fits ? area : tag.size() + kPadding);
+    }
     if (tag.size() - kHeaderSize > kLargestTag) return std::nullopt;
     std::string written_size;
     PutNumber(written_size, tag.size() - kHeaderSize, 4, 7);

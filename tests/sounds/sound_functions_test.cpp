@@ -62,27 +62,37 @@ test::Outcome CallWith(test::StartedHost& host, const Example& example) {
     case 4:
         return host.CallFunction(
             example.id, {example.values[0], example.values[1], example.values[2], example.values[3]});
-    default:
+    case 5:
         return host.CallFunction(example.id, {example.values[0], example.values[1], example.values[2],
                                               example.values[3], example.values[4]});
+    default:
+        return host.CallFunction(example.id, {example.values[0], example.values[1], example.values[2],
+                                              example.values[3], example.values[4], example.values[5]});
     }
 }
 
 TEST_F(SoundFunctions, SurviveEveryFailureOfTheHostWithoutLeavingFiles) {
+    Run("lame --quiet --ta Band s.wav s.mp3");
     const FM_Data converted = Sound("s24.wav"); // goes through an intermediate file first
+    const FM_Data tagged = Sound("s.mp3");
     fm::CurrentSession().answers = {"set:channels=1"};
     const FM_Data settings = Text(host.CallFunction(8, {Text("AIFF")}).text);
     const FM_Data target = Text("/C:" + temporary + "/out.aiff");
-    const Example examples[] = {{3, {Text("sine"), Text("0.1"), Text("A5")}, true},
-                                {4, {converted, Sound("s.wav")}, true},
-                                {5, {converted, Text("0:0:0.2"), Text("0:0:0.4")}, false},
-                                {6, {converted}, true},
-                                {7, {converted, Sound("s.wav")}, false},
-                                {8, {Text("WAVE")}, true},
-                                {9, {converted, target, Text("AIFF"), settings}, false},
-                                {11, {converted, Text("2"), Text("0.5")}, false},
-                                {12, {converted, Text("0:0:0"), Text("0:0:1"), Text("1"), Text("1")}, true},
-                                {26, {converted}, false}};
+    const Example examples[] = {
+        {3, {Text("sine"), Text("0.1"), Text("A5")}, true},
+        {4, {converted, Sound("s.wav")}, true},
+        {5, {converted, Text("0:0:0.2"), Text("0:0:0.4")}, false},
+        {6, {converted}, true},
+        {7, {converted, Sound("s.wav")}, false},
+        {8, {Text("WAVE")}, true},
+        {9, {converted, target, Text("AIFF"), settings}, false},
+        {11, {converted, Text("2"), Text("0.5")}, false},
+        {12, {converted, Text("0:0:0"), Text("0:0:1"), Text("1"), Text("1")}, true},
+        {16, {tagged}, true},
+        {22, {tagged, Text("Name"), Text("x"), Text("Track"), Text("2")}, false},
+        {24, {tagged, Text("Artist")}, true},
+        {26, {converted}, false},
+        {27, {converted, Text("1"), Text("90"), Text("120"), Text("0:0:0"), Text("0:0:1")}, false}};
     for (const Example& example : examples) {
         SCOPED_TRACE(example.id);
         const std::int64_t before = fm::OperationCount();
@@ -135,6 +145,24 @@ TEST_F(SoundFunctions, TellOfAFullDiskAndLeaveNothingThere) {
               "$-34:Media_ExtractSound: The disk is full. Failed to export sound as WAVE.");
     EXPECT_EQ(full("64k", {12, {Sound("s.wav"), Text("0:0:0"), Text("0:0:1"), Text("1"), Text("1")}, true}),
               "$-34:Media_FadeSound: The disk is full. Failed to export sound as WAVE.");
+}
+
+TEST_F(SoundFunctions, LeaveAFileWithItsTagsWhereNoOtherCanBeWritten) {
+    Run("lame --quiet --ta Band s.wav s.mp3");
+    const std::string disk_folder = scratch.MakeFolder("work/disk");
+    const test::SmallDisk disk(disk_folder, "32k");
+    if (!disk.IsMounted()) GTEST_SKIP() << "mounting is not permitted";
+    Run("cp s.mp3 disk/");
+    const std::string before = test::ReadBytes(disk_folder + "/s.mp3");
+    const auto set_name = [&] {
+        host.CallFunction(22, {Sound("disk/s.mp3"), Text("Name"), Text("x")});
+        return LastError();
+    };
+    EXPECT_EQ(set_name(), "$-34:Media_SetMetadata: The disk is full.");
+    EXPECT_TRUE(disk.MakeReadOnly());
+    EXPECT_EQ(set_name(), "$-61:Media_SetMetadata: Write permissions error.");
+    EXPECT_EQ(test::ReadBytes(disk_folder + "/s.mp3"), before);
+    EXPECT_EQ(test::CountEntries(disk_folder), 1);
 }
 
 TEST_F(SoundFunctions, NeedATemporaryFolderThatCanBeWrittenTo) {

@@ -52,7 +52,9 @@ TEST_F(RewriteFileTest, KeepsWhatBelongsToTheFile) {
     const std::string path = MakeFile("old");
     ASSERT_EQ(chmod(path.c_str(), 0640), 0);
     const bool is_root = geteuid() == 0;
-    if (is_root) ASSERT_EQ(chown(path.c_str(), 1234, 2345), 0);
+    if (is_root) {
+        ASSERT_EQ(chown(path.c_str(), 1234, 2345), 0);
+    }
     const bool has_attributes = setxattr(path.c_str(), "user.note", "kept", 4, 0) == 0;
     const timespec times[] = {{1'000'000'000, 0}, {1'100'000'000, 0}};
     ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
@@ -65,9 +67,14 @@ TEST_F(RewriteFileTest, KeepsWhatBelongsToTheFile) {
     EXPECT_EQ(status.st_atim.tv_sec, 1'000'000'000);
     EXPECT_GT(status.st_mtim.tv_sec, 1'100'000'000) << "it has been changed now";
     EXPECT_NE(status.st_ino, before);
-    if (is_root) EXPECT_EQ(status.st_uid * 10000UL + status.st_gid, 12342345UL);
+    if (is_root) {
+        EXPECT_EQ(status.st_uid, 1234U);
+        EXPECT_EQ(status.st_gid, 2345U);
+    }
     char value[8] = {};
-    if (has_attributes) EXPECT_EQ(getxattr(path.c_str(), "user.note", value, sizeof value), 4);
+    if (has_attributes) {
+        EXPECT_EQ(getxattr(path.c_str(), "user.note", value, sizeof value), 4);
+    }
     char old[8] = {};
     EXPECT_EQ(read(reader, old, sizeof old), 3) << "who has it open keeps the old contents";
     EXPECT_STREQ(old, "old");
