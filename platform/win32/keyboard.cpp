@@ -5,8 +5,11 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <poll.h>
 #include <ranges>
 #include <string_view>
+#include <termios.h>
+#include <unistd.h>
 
 namespace {
 
@@ -41,6 +44,12 @@ bool Holds(const fm::InputEvent& press, int key) {
     }
 }
 
+/// Who has a terminal and no window clicks with the Return key.
+bool IsReturnTyped() {
+    pollfd terminal = {STDIN_FILENO, POLLIN, 0};
+    return isatty(STDIN_FILENO) == 1 && poll(&terminal, 1, 0) > 0 && (terminal.revents & POLLIN) != 0;
+}
+
 } // namespace
 
 std::int16_t GetAsyncKeyState(int key) {
@@ -50,10 +59,13 @@ std::int16_t GetAsyncKeyState(int key) {
     const auto is_down = [&](const fm::InputEvent& press) {
         return press.when <= now && now - press.when < kPressLength && Holds(press, key);
     };
-    return std::ranges::any_of(fm::CurrentSession().input, is_down) ? kDown : std::int16_t{0};
+    const bool down =
+        std::ranges::any_of(fm::CurrentSession().input, is_down) || (key == VK_LBUTTON && IsReturnTyped());
+    return down ? kDown : std::int16_t{0};
 }
 
 void win32::FlushInput() {
     std::erase_if(fm::CurrentSession().input,
                   [now = Clock::now()](const fm::InputEvent& press) { return press.when <= now; });
+    if (IsReturnTyped()) tcflush(STDIN_FILENO, TCIFLUSH);
 }

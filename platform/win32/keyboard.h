@@ -11,8 +11,8 @@ inline constexpr int VK_OEM_PERIOD = 0xBE;
 
 /// Its sign is set while the key or button is down; other keys than those above never are. The display
 /// tells. Without windows the presses are those of the session's input: a press without a key name is the
-/// left button, and a name may be several keys, as "control+." is. Each stays down for a second: as long as
-/// people who wait for it go on looking.
+/// left button, and a name may be several keys, as "control+." is; on a terminal the Return key is the left
+/// button, too. Each stays down for a second: as long as people who wait for it go on looking.
 std::int16_t GetAsyncKeyState(int key);
 
 namespace win32 {

@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdlib>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -25,6 +28,23 @@ TEST(Keyboard, KeysAreDownForASecond) {
     EXPECT_GE(GetAsyncKeyState(VK_CONTROL), 0);
     EXPECT_EQ(input.size(), 1U) << "what is to come stays";
     input.clear();
+}
+
+TEST(Keyboard, ReturnOnATerminalIsTheLeftButton) {
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_TRUE(terminal >= 0 && grantpt(terminal) == 0 && unlockpt(terminal) == 0);
+    const int person = open(ptsname(terminal), O_RDWR | O_NOCTTY);
+    ASSERT_GE(person, 0);
+    const int input = dup(STDIN_FILENO);
+    dup2(person, STDIN_FILENO);
+    EXPECT_GE(GetAsyncKeyState(VK_LBUTTON), 0);
+    EXPECT_EQ(write(terminal, "\n", 1), 1);
+    EXPECT_LT(GetAsyncKeyState(VK_LBUTTON), 0);
+    EXPECT_GE(GetAsyncKeyState(VK_RBUTTON), 0);
+    win32::FlushInput();
+    EXPECT_GE(GetAsyncKeyState(VK_LBUTTON), 0);
+    dup2(input, STDIN_FILENO);
+    for (const int file : {input, person, terminal}) close(file);
 }
 
 } // namespace

@@ -20,13 +20,10 @@ struct SoundDeviceFormat {
 
 /// Which driver and device is the environment's choice; see docs/sound.md. Not for use on several threads.
 struct SdlModule {
-    /// Starts playing; null without hardware, which `why` (may be null) then tells. The device may choose
-    /// another rate, which `format` gets.
-    void* (*open_output)(SoundDeviceFormat* format, SoundOutputCallback callback, void* context,
-                         const char** why);
+    /// Starts playing; null without hardware. The device may choose another rate, which `format` gets.
+    void* (*open_output)(SoundDeviceFormat* format, SoundOutputCallback callback, void* context);
     /// Starts recording, in exactly this format.
-    void* (*open_input)(const SoundDeviceFormat* format, SoundInputCallback callback, void* context,
-                        const char** why);
+    void* (*open_input)(const SoundDeviceFormat* format, SoundInputCallback callback, void* context);
     /// False once the device has been taken away: its time goes on, but nothing is heard or comes in.
     bool (*is_there)(const void* device);
     /// Ends it, after what has been handed over for playing has been heard. The callback won't run again.

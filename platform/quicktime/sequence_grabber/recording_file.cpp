@@ -36,6 +36,7 @@ OSErr RecordingFile::Append(std::span<const std::byte> samples) {
         const OSErr code =
             AddMediaSample(media, samples, 1, description_.get(), static_cast<std::int64_t>(frames));
         if (code != noErr) return code;
+        if (track_->segments.empty()) finished_ = {}; // the first samples make it a file that can be opened
         const TimeValue duration = media->samples->duration;
         track_->segments = {{0, duration, 0, duration}};
     }

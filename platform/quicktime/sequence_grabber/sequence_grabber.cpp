@@ -40,6 +40,7 @@ public:
     ComponentResult Prepare() {
         if (IsRecording() || !target_.handle) return cantDoThatInCurrentMode;
         if (channel_ == nullptr || channel_->usage != seqGrabRecord) return seqGrabInfoNotAvailable;
+        file_.reset();
         auto file = std::make_unique<RecordingFile>();
         const PcmLayout layout = channel_->settings.Layout();
         const OSErr code = file->Open(target_.handle.get(), target_.type, layout);
@@ -58,7 +59,7 @@ public:
         const auto take = [](void* captured, const void* samples, std::size_t bytes) {
             static_cast<CapturedSound*>(captured)->Take({static_cast<const std::byte*>(samples), bytes});
         };
-        device_ = module_->open_input(&format, take, captured_.get(), nullptr);
+        device_ = module_->open_input(&format, take, captured_.get());
         return IsRecording() ? noErr : noHardwareErr;
     }
 

@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::uint32_t kWantedRate = 44'100;
 constexpr std::uint32_t kChannels = 2;
-/// 20 ms: the drivers that only keep time wait for whole milliseconds, and would run fast with other lengths.
+/// 20 ms: drivers that write files wait for whole milliseconds, and would run fast with other lengths.
 constexpr std::uint32_t kBlock = 882;
 constexpr double kLargestStep = 16;
 
@@ -40,7 +40,7 @@ OSErr SoundOutput::Open() {
     module_ = SoundDevices();
     if (module_ == nullptr) return noHardwareErr;
     SoundDeviceFormat format = {kWantedRate, kChannels, kBlock};
-    device_ = module_->open_output(&format, Mix, this, nullptr);
+    device_ = module_->open_output(&format, Mix, this);
     rate_ = format.rate;
     return device_ != nullptr ? noErr : noHardwareErr;
 }
