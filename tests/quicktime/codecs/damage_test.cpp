@@ -150,6 +150,44 @@ TEST_P(Damage, DataOfOtherFormatsIsRefused) {
     for (const std::size_t size : {1U, 100U, 5000U}) ExpectResultOrCode(codec, Bytes(size));
 }
 
+/// Where a seed tells its dimensions, and how.
+struct Dimensions {
+    const char* seed;
+    std::size_t width_at;
+    std::size_t height_at;
+    bool is_big_endian;
+};
+
+TEST(DimensionsThatLie, TakeNoMemory) {
+    constexpr std::uint32_t kFar = 16'000; // a GB of pixels: within the limits
+    constexpr std::uint32_t kTooFar = 30'001;
+    constexpr Dimensions kSeeds[] = {
+        {"rgb.bmp", 18, 22, false},  {"image.gif", 6, 8, false},   {"runs.tga", 12, 14, false},
+        {"plain.sgi", 6, 8, true},   {"packed.psd", 20, 16, true}, {"plain.psd", 20, 16, true},
+        {"plain.qti", 40, 42, true},
+    };
+    for (const Dimensions& seed : kSeeds) {
+        SCOPED_TRACE(seed.seed);
+        const Bytes good = corvane::test::FileBytes(std::string(IMAGE_SEEDS) + "/" + seed.seed);
+        const qt::ImageCodec* codec =
+            qt::FindImageCodec(std::span(good).first(std::min(good.size(), qt::kSniffedBytes)));
+        ASSERT_NE(codec, nullptr);
+        for (const std::uint32_t size : {kFar, kTooFar}) {
+            Bytes lying = good;
+            for (const std::size_t at : {seed.width_at, seed.height_at}) {
+                for (std::size_t i = 0; i < 2; ++i)
+                    lying[at + i] = static_cast<std::byte>(size >> 8 * (seed.is_big_endian ? 1 - i : i));
+            }
+            const auto source = qt::MemorySource(std::span(lying));
+            qt::PixelImage image;
+            EXPECT_NE(codec->decode(*source, 1, image), noErr);
+            EXPECT_EQ(image.width(), 0);
+            qt::ImageFacts facts;
+            EXPECT_EQ(codec->read_facts(*source, facts), size == kFar ? noErr : codecSizeErr);
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Codecs, Damage,
                          ::testing::ValuesIn(qt::ImageCodecs().begin(), qt::ImageCodecs().end()), NameOf);
 

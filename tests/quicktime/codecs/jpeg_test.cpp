@@ -5,6 +5,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio> // before jpeglib.h
+#include <cstdlib>
+
+#include <jpeglib.h>
 
 namespace {
 
@@ -22,6 +26,49 @@ constexpr Sample kSamples[] = {
 
 TEST(JpegCodec, ReadsWhatImageMagickWrites) {
     ExpectSamplesAreRead(qt::kJpegCodec, kSamples, "-colorspace sRGB");
+}
+
+/// As printing programs write it: four inks, three of them as brightness and differences, 255 for none.
+Bytes InksAsDifferences(const std::vector<JSAMPLE>& inks, int width, int height) {
+    jpeg_compress_struct jpeg;
+    jpeg_error_mgr errors;
+    jpeg.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&jpeg);
+    unsigned char* written = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&jpeg, &written, &size);
+    jpeg.image_width = static_cast<JDIMENSION>(width);
+    jpeg.image_height = static_cast<JDIMENSION>(height);
+    jpeg.input_components = 4;
+    jpeg.in_color_space = JCS_CMYK;
+    jpeg_set_defaults(&jpeg);
+    jpeg_set_colorspace(&jpeg, JCS_YCCK);
+    jpeg_set_quality(&jpeg, 100, TRUE);
+    jpeg_start_compress(&jpeg, TRUE);
+    while (jpeg.next_scanline < jpeg.image_height) {
+        auto* row = const_cast<JSAMPLE*>(&inks[std::size_t{jpeg.next_scanline} * jpeg.image_width * 4]);
+        jpeg_write_scanlines(&jpeg, &row, 1);
+    }
+    jpeg_finish_compress(&jpeg);
+    jpeg_destroy_compress(&jpeg);
+    const auto* first = reinterpret_cast<const std::byte*>(written);
+    const Bytes bytes(first, first + size);
+    std::free(written);
+    return bytes;
+}
+
+TEST(JpegCodec, ReadsInksThatAreStoredAsDifferences) {
+    const MadeImages images;
+    std::vector<JSAMPLE> inks;
+    for (int i = 0; i < 32 * 16; ++i) {
+        for (const int ink : {i % 32 * 8, i / 32 * 15, 200, 255 - i % 32 * 3})
+            inks.push_back(static_cast<JSAMPLE>(ink));
+    }
+    const Bytes bytes = InksAsDifferences(inks, 32, 16);
+    EXPECT_EQ(FactsOf(qt::kJpegCodec, bytes).description.depth, 32);
+    const Bytes read = RgbaOf(DecodeWhole(qt::kJpegCodec, bytes));
+    images.folder.MakeFile("inks.jpg", {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    EXPECT_LE(Difference(read, MagickRgba(images, images.folder.Path("inks.jpg"), "-colorspace sRGB")), 2);
 }
 
 TEST(JpegCodec, SurvivesDamage) {

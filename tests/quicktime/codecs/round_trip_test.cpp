@@ -189,6 +189,22 @@ TEST(RoundTrip, Jpeg2000FollowsQualityAndSize) {
     }
 }
 
+TEST(RoundTrip, Jpeg2000OfSeveralTiles) {
+    const MadeImages images;
+    for (const std::int32_t depth : {32, 40}) {
+        SCOPED_TRACE(depth);
+        const qt::PixelImage image = MadeImage(1'100, 1'030, depth == 32);
+        const Bytes bytes = Encoded(qt::kJpeg2000Exporter, image, {depth, {}, {}, 1024, {}, {}});
+        const Bytes back = RgbaOf(ReadBack(bytes));
+        EXPECT_TRUE(depth == 40 || back == RgbaOf(image));
+        EXPECT_EQ(Difference(MagickReads(images, qt::kJpeg2000Exporter, bytes), back), 0);
+    }
+    const qt::PixelImage image = MadeImage(1'100, 1'030, false);
+    const Bytes small = Encoded(qt::kJpeg2000Exporter, image, {{}, {}, {}, {}, 100'000, {}});
+    EXPECT_LE(small.size(), 100'000U);
+    EXPECT_GT(small.size(), 90'000U);
+}
+
 TEST(RoundTrip, Jpeg2000PassesOnWhatIsAsAsked) {
     const Bytes bytes = Encoded(qt::kJpeg2000Exporter, MadeImage(67, 41, false), {24, {}, {}, 300, {}, {}});
     const auto source = qt::MemorySource(std::span(bytes));
