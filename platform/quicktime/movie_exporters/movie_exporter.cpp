@@ -3,6 +3,7 @@
 #include "platform/quicktime/movie_exporters/sound_exporter.h"
 #include "platform/quicktime/movies/atoms.h"
 #include "platform/quicktime/movies/movie_files.h"
+#include "platform/quicktime/movies/movie_playback.h"
 #include "platform/quicktime/movies/movie_storage.h"
 #include "platform/quicktime/movies/sound_description.h"
 #include "platform/quicktime/movies/sound_renderer.h"
@@ -109,6 +110,15 @@ struct ContainerDisposer {
     void operator()(QTAtomContainer container) const { QTDisposeAtomContainer(container); }
 };
 
+/// Plays a sound for a few seconds, and comes back then.
+void PlayBeginning(Movie sound) {
+    constexpr std::int32_t kMilliseconds = 3000;
+    GoToBeginningOfMovie(sound);
+    StartMovie(sound);
+    if (GetMoviesError() == noErr) MoviesTask(sound, kMilliseconds);
+    StopMovie(sound);
+}
+
 std::string FormatText(OSType subtype) {
     std::string text;
     for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>(subtype >> shift & 0xFF);
@@ -158,12 +168,16 @@ ComponentResult MovieExportSetProgressProc(MovieExportComponent exporter, MovieP
     return noErr;
 }
 
-ComponentResult MovieExportDoUserDialog(MovieExportComponent exporter, Movie, bool* cancelled) {
+ComponentResult MovieExportDoUserDialog(MovieExportComponent exporter, Movie sound, bool* cancelled) {
     qt::SoundExporter* const opened = qt::ExporterOf(exporter);
     if (opened == nullptr) return badComponentInstance;
     win32::SettingsDialog dialog;
     dialog.title = std::string(opened->row.name) + " Settings";
     dialog.pages.push_back(qt::DescribeSettings(opened->row.choices, opened->settings));
+    if (sound != nullptr) {
+        dialog.action_label = "Play";
+        dialog.action = [sound](const win32::SettingValues&) { qt::PlayBeginning(sound); };
+    }
     const auto answer = win32::AskForSettings(dialog);
     *cancelled = !answer.has_value();
     if (answer) qt::ChangeSettings(opened->row.choices, *answer, opened->settings);

@@ -33,7 +33,8 @@ ComponentResult MovieExportGetFileType(MovieExportComponent exporter, OSType* ty
 ComponentResult MovieExportSetProgressProc(MovieExportComponent exporter, MovieProgressProc proc,
                                            void* context);
 
-/// Lets the user change the settings, and hear `sound`. A Cancel changes nothing, and is no error.
+/// Lets the user change the settings, and hear how `sound` (null: none) begins.
+/// A Cancel changes nothing, and is no error.
 ComponentResult MovieExportDoUserDialog(MovieExportComponent exporter, Movie sound, bool* cancelled);
 /// The settings as an atom container, which becomes the caller's; and settings that the same format's
 /// exporter gave. Those of another format, and bytes that are none, are paramErr and change nothing.
