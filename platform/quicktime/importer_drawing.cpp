@@ -50,6 +50,12 @@ void Place(PixelImage image, std::int32_t left, std::int32_t top, PixelImage& in
     into.is_grey &= image.is_grey;
 }
 
+/// Whether decoding gave what the header promised. A file may change in between.
+bool Covers(const DecodedPart& part, const Rect& visible) {
+    return part.left + part.image.width() * part.reduction >= visible.right &&
+           part.top + part.image.height() * part.reduction >= visible.bottom;
+}
+
 /// How much a decoder may reduce the image. Its squares of two are as good as filtered pixels; larger ones
 /// are plain means, of which a filter has to see two to a pixel.
 std::int32_t ReductionFor(const TransformPlan& plan) {
@@ -154,6 +160,7 @@ ComponentResult GraphicsImporter::Draw(Unpainted unpainted, PixelImage& image, T
     if (const auto code = PlanTransform(matrix_, frame, visible, plan); code != noErr) return code;
     DecodedPart part;
     if (const auto code = DecodeFor(plan, visible, part); code != noErr) return code;
+    if (!Covers(part, visible)) return codecBadDataErr;
     if (const auto code = DrawTransformed(std::move(part), visible, plan, unpainted, image); code != noErr)
         return code;
     return clip_ != nullptr ? WhitenOutside(image, clip_.get()) : ComponentResult{noErr};

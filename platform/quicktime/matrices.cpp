@@ -70,8 +70,10 @@ std::optional<qt::Projection> FromSquare(const FixedPoint (&quad)[4]) {
     }
     const double sum_x = x(0) - x(1) + x(2) - x(3);
     const double sum_y = y(0) - y(1) + y(2) - y(3);
-    const double dx1 = x(1) - x(2), dx2 = x(3) - x(2);
-    const double dy1 = y(1) - y(2), dy2 = y(3) - y(2);
+    const double dx1 = x(1) - x(2);
+    const double dx2 = x(3) - x(2);
+    const double dy1 = y(1) - y(2);
+    const double dy2 = y(3) - y(2);
     const double area = dx1 * dy2 - dx2 * dy1;
     const double u = (sum_x * dy2 - dx2 * sum_y) / area;
     const double v = (dx1 * sum_y - sum_x * dy1) / area;

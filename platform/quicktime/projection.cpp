@@ -21,8 +21,10 @@ Projection Inverse(const Projection& map) {
     Projection result;
     for (std::size_t i = 0; i < 3; ++i) {
         for (std::size_t j = 0; j < 3; ++j) {
-            const std::size_t row = (j + 1) % 3, next_row = (j + 2) % 3;
-            const std::size_t column = (i + 1) % 3, next_column = (i + 2) % 3;
+            const std::size_t row = (j + 1) % 3;
+            const std::size_t next_row = (j + 2) % 3;
+            const std::size_t column = (i + 1) % 3;
+            const std::size_t next_column = (i + 2) % 3;
             result.rows[i][j] = m[row][column] * m[next_row][next_column] - //
                                 m[row][next_column] * m[next_row][column];
         }

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -63,8 +62,8 @@ void DrawInBands(std::int32_t rows, std::int64_t pixels,
         while (static_cast<std::int32_t>(others.size()) + 1 < threads) {
             others.emplace_back([&bands] { bands.Draw(); });
         }
-    } catch (const std::system_error&) {
-        // What has no thread of its own is done here.
+    } catch (...) {
+        // No thread is to be had: those that there are do the work.
     }
     bands.Draw();
     for (std::thread& other : others) other.join();

@@ -134,7 +134,8 @@ void Resample(const PixelImage& source, const Stretch& across, const Stretch& do
                         std::uint32_t* row = out.Row(down.first + y) + across.first;
                         for (std::int32_t x = 0; x < across.pixels; ++x) {
                             const Taps taps = columns.At(x);
-                            const Float4 sum = Sum(sums.data() + 4 * (taps.first - left), taps.shares);
+                            const Float4 sum =
+                                Sum(&sums[4 * static_cast<std::size_t>(taps.first - left)], taps.shares);
                             row[x] = source.has_alpha ? TransparentPixel(sum) : OpaquePixel(sum);
                         }
                     }

@@ -125,7 +125,8 @@ bool IsWithin(double at, double reach, double first, double end) {
 std::int32_t ProbesFor(const Point& step) {
     constexpr double kFew = 0.25; ///< of a pixel, which one place more would not be worth
     constexpr double kMost = 32.0;
-    return static_cast<std::int32_t>(std::clamp(std::ceil(std::hypot(step.x, step.y) - kFew), 1.0, kMost));
+    const double length = std::hypot(step.x, step.y) - kFew;
+    return length > 1.0 ? static_cast<std::int32_t>(std::min(std::ceil(length), kMost)) : 1;
 }
 
 template <bool kAlpha>
@@ -238,7 +239,7 @@ private:
             if (!within) {
                 coverage = Overlap(at.x, reach.x, area_.left, area_.right) *
                            Overlap(at.y, reach.y, area_.top, area_.bottom);
-                if (coverage == 0.0) {
+                if (!(coverage > 0.0)) { // nor where steps are beyond numbers
                     pixels[i] = outside_;
                     continue;
                 }

@@ -99,8 +99,10 @@ TEST(Matrices, QuadsGoToQuads) {
         ExpectNear(place, corners[i][0], corners[i][1], 0.1, "a corner");
     }
     // Lines stay lines, so the diagonals cross where diagonals cross.
-    const double ax = corners[2][0] - corners[0][0], ay = corners[2][1] - corners[0][1];
-    const double bx = corners[3][0] - corners[1][0], by = corners[3][1] - corners[1][1];
+    const double ax = corners[2][0] - corners[0][0];
+    const double ay = corners[2][1] - corners[0][1];
+    const double bx = corners[3][0] - corners[1][0];
+    const double by = corners[3][1] - corners[1][1];
     const double t =
         ((corners[1][0] - corners[0][0]) * by - (corners[1][1] - corners[0][1]) * bx) / (ax * by - ay * bx);
     ExpectNear(Map(map, 2000, 1500), corners[0][0] + t * ax, corners[0][1] + t * ay, 0.1, "the middle");
