@@ -18,6 +18,7 @@ int Import(Session& session, const CommandLine& line);
 int Show(Session& session, const CommandLine& line);
 int Export(Session& session, const CommandLine& line);
 int Update(Session& session, const CommandLine& line);
+int Sheet(Session& session, const CommandLine& line);
 int Worker(Session& session, const CommandLine& line);
 
 } // namespace host

@@ -42,7 +42,8 @@ std::string ProgressLine::Text(std::int64_t before, std::int64_t done, std::int6
     if (fresh <= 0 || seconds <= 0) return text;
     std::array<char, 32> rate = {};
     std::snprintf(rate.data(), rate.size(), "  %.1f/s  ", fresh / seconds);
-    return text + rate.data() + Duration(static_cast<double>(total - done) * seconds / fresh) + " left";
+    return text + rate.data() +
+           Duration(static_cast<double>(std::max<std::int64_t>(total - done, 0)) * seconds / fresh) + " left";
 }
 
 void ProgressLine::Step() {

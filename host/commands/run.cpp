@@ -26,6 +26,7 @@ constexpr auto kCommands = std::to_array<Command>({
     {"import", Import, SIZE_MAX, " as by-reference name-field ", 0},
     {"show", Show, 2, " where ", 0},
     {"update", Update, SIZE_MAX, " where jobs resume ", 0},
+    {"sheet", Sheet, 3, " where to name ", 0},
     {"worker", Worker, SIZE_MAX, " where ", 0},
     {"export", Export, 3, " where to name replace ", 0},
 });
