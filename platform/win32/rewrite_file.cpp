@@ -58,9 +58,10 @@ DWORD ReplaceBy(const std::string& unfinished, Descriptor to, EntryAt target, in
     if (const int error = WriteContents(from, to.get(), status, parts)) return FromErrno(error);
     if (const int error = to.Close()) return FromErrno(error);
     if (!IsUnchanged(target, from, status)) return ERROR_SHARING_VIOLATION;
-    if (renameat(target.folder, unfinished.c_str(), target.folder, target.name) != 0) return FromErrno(errno);
-    fsync(target.folder);
-    return ERROR_SUCCESS;
+    // The folder isn't synchronised: whether the old file or the new one is there after a crash is all the
+    // same.
+    const int moved = renameat(target.folder, unfinished.c_str(), target.folder, target.name);
+    return moved == 0 ? ERROR_SUCCESS : FromErrno(errno);
 }
 
 } // namespace

@@ -165,6 +165,30 @@ TEST_F(SoundFunctions, LeaveAFileWithItsTagsWhereNoOtherCanBeWritten) {
     EXPECT_EQ(test::CountEntries(disk_folder), 1);
 }
 
+TEST_F(SoundFunctions, WarnOnceBeforeAFileFromTheNetworkIsCopied) {
+    fm::CurrentSession().drives.push_back({R"(\\srv\share)", folder, true});
+    const auto insert = [&] { return host.CallFunction(16, {Text("//srv/share/s.wav")}).text; };
+    const std::string message =
+        "alert: Workaround being used!: Corvane's Media_InsertQuickTime is about to use a workaround for a "
+        "bug in "
+        "QuickTime while accessing remote media. This workaround may cause the FileMaker script to fail. "
+        "Please "
+        "see the documentation for Meda_InsertQuickTime for complete information. [OK]\n";
+    testing::internal::CaptureStderr();
+    const std::string first = insert();
+    const std::string second = insert();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), message);
+    EXPECT_NE(first, second) << "each has a copy of its own";
+    EXPECT_EQ(TakeFiles(), 2);
+
+    // Without room for a copy, and for a reference movie beside it, nothing stays.
+    const test::SmallDisk disk(temporary, "64k");
+    if (!disk.IsMounted()) GTEST_SKIP() << "mounting is not permitted";
+    EXPECT_EQ(insert(), "");
+    EXPECT_EQ(LastError(), "$112:Media_InsertQuickTime:  Copying file to a temporary folder has failed.");
+    EXPECT_EQ(test::CountEntries(temporary), 0);
+}
+
 TEST_F(SoundFunctions, NeedATemporaryFolderThatCanBeWrittenTo) {
     const test::SmallDisk disk(temporary, "1m");
     if (!disk.IsMounted() || !disk.MakeReadOnly()) GTEST_SKIP() << "mounting is not permitted";
