@@ -80,4 +80,24 @@ TEST(Handles, ResizingKeepsTheBytesThatFit) {
     EXPECT_EQ(MemError(), memFullErr);
 }
 
+TEST(Handles, TakeBytesOverAndResizeThem) {
+    const qt::MemoryHandle handle(NewHandle(5));
+    std::vector<std::byte> bytes = {std::byte{1}, std::byte{2}, std::byte{3}};
+    const std::byte* const address = bytes.data();
+    ASSERT_EQ(qt::MoveToHandle(std::move(bytes), handle.get()), noErr);
+    EXPECT_EQ(qt::HandleBytes(handle.get()).data(), address) << "without a copy";
+    EXPECT_EQ(GetHandleSize(handle.get()), 3);
+    for (const Size size : {100'000, 2}) {
+        SetHandleSize(handle.get(), size);
+        ASSERT_EQ(MemError(), noErr);
+        EXPECT_EQ(qt::HandleBytes(handle.get())[1], std::byte{2});
+        EXPECT_EQ(GetHandleSize(handle.get()), size);
+    }
+    ASSERT_EQ(qt::MoveToHandle({std::byte{4}}, handle.get()), noErr);
+    EXPECT_EQ(qt::HandleBytes(handle.get())[0], std::byte{4});
+    ASSERT_EQ(qt::MoveToHandle({}, handle.get()), noErr);
+    EXPECT_EQ(GetHandleSize(handle.get()), 0);
+    EXPECT_EQ(qt::MoveToHandle({}, nullptr), paramErr);
+}
+
 } // namespace

@@ -50,7 +50,7 @@ std::uint32_t PixelFromLab(std::uint32_t l, std::uint32_t a, std::uint32_t b) {
     const auto companded = [](double linear) {
         const double held = std::clamp(linear, 0.0, 1.0);
         const double value = held <= 0.0031308 ? 12.92 * held : 1.055 * std::pow(held, 1.0 / 2.4) - 0.055;
-        return static_cast<std::uint32_t>(value * 255.0 + 0.5);
+        return static_cast<std::uint32_t>(std::lround(value * 255.0));
     };
     const double fy = (l * 100.0 / 255.0 + 16.0) / 116.0;
     const double x = kWhiteX * unfold(fy + (static_cast<double>(a) - 128.0) / 500.0);

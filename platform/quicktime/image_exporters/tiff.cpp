@@ -19,7 +19,7 @@ constexpr std::array<std::int32_t, 10> kDepths = {24, 32, 8, 4, 2, 1, 40, 36, 34
 constexpr std::array<std::int32_t, 4> kMethods = {COMPRESSION_NONE, COMPRESSION_PACKBITS, COMPRESSION_LZW,
                                                   COMPRESSION_ADOBE_DEFLATE};
 constexpr std::int32_t kGreyDepths = 32; ///< depths above are greys
-constexpr std::size_t kStripBytes = 64 * 1024;
+constexpr std::size_t kStripBytes = 65'536;
 
 /// How a depth is stored.
 struct Form {
@@ -219,7 +219,7 @@ ComponentResult Write(const PixelImage& image, const ExportSettings& settings, E
     const auto rows_of_strip = static_cast<std::int32_t>(
         std::clamp<std::size_t>(kStripBytes / row_bytes, 1, static_cast<std::size_t>(image.height())));
     Output output{out, out.size(), out.size()};
-    out.reserve(out.size() + PackedBound(row_bytes) * static_cast<std::size_t>(image.height()) + 64 * 1024);
+    out.reserve(out.size() + PackedBound(row_bytes) * static_cast<std::size_t>(image.height()) + kStripBytes);
     const auto options = QuietTiffOptions();
     if (options == nullptr) return memFullErr;
     const TiffPointer tiff(TIFFClientOpenExt("", "w", &output, ReadOutput, WriteOutput, SeekOutput,
