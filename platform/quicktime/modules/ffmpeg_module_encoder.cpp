@@ -166,8 +166,8 @@ private:
             encoder.global_quality = static_cast<int>(settings.quality) * FF_QP2LAMBDA;
         }
         if ((format_->oformat->flags & AVFMT_GLOBALHEADER) != 0) encoder.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-        frame_bytes_ = settings.input.channels *
-                       static_cast<std::size_t>(av_get_bytes_per_sample(encoder.sample_fmt));
+        frame_bytes_ =
+            settings.input.channels * static_cast<std::size_t>(av_get_bytes_per_sample(encoder.sample_fmt));
         return encoder.sample_fmt != AV_SAMPLE_FMT_NONE && avcodec_open2(&encoder, codec, nullptr) >= 0;
     }
 
