@@ -68,6 +68,10 @@ TEST_F(Windows, AlertClosesByReturnEscapeAndMnemonic) {
                   IDOK);
     }
     EXPECT_GT(pumped_, 10) << "timers stand still while an alert is open";
+    {
+        const Person person("Long", "xdotool key Return");
+        win32::ShowAlert("Long", std::string(100'000, 'm') + "\xFF", "OK");
+    }
     const Person person("QuickTime too old!", "xdotool key alt+c");
     corvane::NewStandardAlert(
         "QuickTime too old!",
@@ -119,6 +123,12 @@ TEST_F(Windows, ChoosesFolders) {
     {
         const Person person("Where to.", "xdotool key ctrl+l type " + folder_ + "/Data; xdotool key Return");
         EXPECT_EQ(win32::BrowseForFolder(dialog), u"C:\\Data");
+    }
+    const std::u16string long_title(1'000'000, u'x');
+    dialog.lpszTitle = long_title.c_str();
+    {
+        const Person person("xxx.*", "xdotool key Escape");
+        EXPECT_FALSE(win32::BrowseForFolder(dialog));
     }
     const Person person("Choose Folder", "xdotool key alt+c");
     EXPECT_FALSE(win32::BrowseForFolder({}));

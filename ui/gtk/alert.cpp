@@ -7,7 +7,8 @@
 namespace corvane::gtk {
 namespace {
 
-constexpr int kLineLength = 60; // characters
+constexpr int kLineLength = 60;       // characters
+constexpr long kLongestMessage = 800; // characters; one long word takes time that grows with its square
 constexpr int kSpacing = 12;
 
 GtkWidget* NewIcon(win32::AlertWindow::Icon icon) {
@@ -19,7 +20,7 @@ GtkWidget* NewIcon(win32::AlertWindow::Icon icon) {
 }
 
 GtkWidget* NewMessage(const std::string& text) {
-    GtkWidget* label = gtk_label_new(text.c_str());
+    GtkWidget* label = gtk_label_new(Shortened(text, kLongestMessage).c_str());
     gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
     gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
     gtk_label_set_max_width_chars(GTK_LABEL(label), kLineLength);

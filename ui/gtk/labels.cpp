@@ -1,5 +1,8 @@
 #include "ui/gtk/labels.h"
 
+#include <glib.h>
+#include <memory>
+
 namespace corvane::gtk {
 namespace {
 
@@ -11,7 +14,17 @@ char Lower(char character) {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A')) : character;
 }
 
+struct Free {
+    void operator()(char* text) const { g_free(text); }
+};
+
 } // namespace
+
+std::string Shortened(const std::string& text, long most) {
+    const std::unique_ptr<char, Free> valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
+    if (g_utf8_strlen(valid.get(), -1) <= most) return valid.get();
+    return std::string(valid.get(), g_utf8_offset_to_pointer(valid.get(), most - 1)) + "…";
+}
 
 std::string Mnemonics::Add(std::string_view label) {
     std::string marked;

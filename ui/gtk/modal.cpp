@@ -1,6 +1,7 @@
 #include "ui/gtk/modal.h"
 
 #include "ui/gtk/display.h"
+#include "ui/gtk/labels.h"
 
 #include <exception>
 
@@ -48,7 +49,7 @@ void Settle() {
 
 Window NewDialog(const std::string& title) {
     Window dialog(gtk_dialog_new());
-    gtk_window_set_title(GTK_WINDOW(dialog.get()), title.c_str());
+    gtk_window_set_title(GTK_WINDOW(dialog.get()), Shortened(title, kLongestTitle).c_str());
     gtk_window_set_resizable(GTK_WINDOW(dialog.get()), FALSE);
     gtk_container_set_border_width(GTK_CONTAINER(dialog.get()), kMargin);
     gtk_box_set_spacing(GTK_BOX(gtk_dialog_get_content_area(GTK_DIALOG(dialog.get()))), kMargin);

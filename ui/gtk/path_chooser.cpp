@@ -51,8 +51,9 @@ Window NewChooser(const win32::PathWindow& request) {
     const std::string accept = mnemonics.Add(button);
     const std::string cancel = mnemonics.Add("Cancel");
     Window window(gtk_file_chooser_dialog_new(
-        title.c_str(), nullptr, folder ? GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER : GTK_FILE_CHOOSER_ACTION_OPEN,
-        cancel.c_str(), GTK_RESPONSE_CANCEL, accept.c_str(), GTK_RESPONSE_ACCEPT, nullptr));
+        Shortened(title, kLongestTitle).c_str(), nullptr,
+        folder ? GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER : GTK_FILE_CHOOSER_ACTION_OPEN, cancel.c_str(),
+        GTK_RESPONSE_CANCEL, accept.c_str(), GTK_RESPONSE_ACCEPT, nullptr));
     gtk_dialog_set_default_response(GTK_DIALOG(window.get()), GTK_RESPONSE_ACCEPT);
     GtkFileChooser* chooser = GTK_FILE_CHOOSER(window.get());
     gtk_file_chooser_set_local_only(chooser, TRUE);

@@ -22,7 +22,7 @@ using win32::SettingValues;
 
 constexpr int kSpacing = 12;
 constexpr int kRowSpacing = 8;
-constexpr int kTallestPage = 420; // pixels; a page with more scrolls
+constexpr int kTallestPage = 300; // pixels; a page with more scrolls
 constexpr int kSettingsWidth = 340;
 
 // The Return key confirms, also where a widget of its own would take it: in a box of choices, on a toggle.
@@ -35,6 +35,13 @@ gboolean ConfirmByReturn(GtkWidget* window, GdkEventKey* event, gpointer) {
     if (!in_choices && !GTK_IS_CHECK_BUTTON(focus)) return FALSE;
     gtk_dialog_response(GTK_DIALOG(window), GTK_RESPONSE_ACCEPT);
     return TRUE;
+}
+
+GtkWidget* NewLabel(const std::string& text, GtkWidget* target) {
+    GtkWidget* label = gtk_label_new_with_mnemonic(text.c_str());
+    gtk_label_set_mnemonic_widget(GTK_LABEL(label), target);
+    gtk_label_set_xalign(GTK_LABEL(label), 1);
+    return label;
 }
 
 class SettingsWindow {
@@ -56,7 +63,7 @@ private:
     GtkWidget* NewPage(const SettingsPage& page, std::vector<Setting>& settings);
     void AddControl(GtkWidget* grid, int row, const SettingControl& control, std::vector<Setting>& settings,
                     Mnemonics& mnemonics);
-    GtkWidget* NewLabel(const std::string& text, GtkWidget* target);
+    void KeepHeight();
     void ShowPage();
     void Changed();
     bool Closes(int response);
@@ -66,9 +73,9 @@ private:
     std::size_t page_;
     Mnemonics mnemonics_;                        // of what is shown whatever the page
     std::vector<std::vector<Setting>> settings_; // by page
-    GtkSizeGroup* labels_;                       // keeps the labels of all rows in one column
     GtkWidget* page_chooser_ = nullptr;
     GtkWidget* stack_ = nullptr;
+    GtkWidget* scroller_ = nullptr;
     std::unique_ptr<SettingsPreview> preview_;
     Window window_; // the last member: goes first, and its signals with it
 };
@@ -76,13 +83,11 @@ private:
 SettingsWindow::SettingsWindow(const SettingsDialog& dialog)
     : dialog_(dialog),
       page_(dialog.page < dialog.pages.size() ? dialog.page : 0),
-      labels_(gtk_size_group_new(GTK_SIZE_GROUP_HORIZONTAL)),
       window_(NewDialog(dialog.title)) {
     if (dialog_.preview)
         preview_ = std::make_unique<SettingsPreview>([this] { return dialog_.preview(Values()); });
     AddButtons();
     gtk_container_add(GTK_CONTAINER(gtk_dialog_get_content_area(GTK_DIALOG(window_.get()))), NewContent());
-    g_object_unref(labels_);
     g_signal_connect(window_.get(), "key-press-event", G_CALLBACK(ConfirmByReturn), nullptr);
 }
 
@@ -125,18 +130,33 @@ GtkWidget* SettingsWindow::NewPageChooser() {
 
 GtkWidget* SettingsWindow::NewPages() {
     stack_ = gtk_stack_new();
-    gtk_stack_set_interpolate_size(GTK_STACK(stack_), FALSE);
     settings_.resize(dialog_.pages.size());
     for (std::size_t i = 0; i < dialog_.pages.size(); ++i)
         gtk_stack_add_named(GTK_STACK(stack_), NewPage(dialog_.pages[i], settings_[i]),
                             std::to_string(i).c_str());
-    GtkWidget* scroller = gtk_scrolled_window_new(nullptr, nullptr);
-    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroller), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
-    gtk_scrolled_window_set_propagate_natural_height(GTK_SCROLLED_WINDOW(scroller), TRUE);
-    gtk_scrolled_window_set_max_content_height(GTK_SCROLLED_WINDOW(scroller), kTallestPage);
-    gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(scroller), FALSE);
-    gtk_container_add(GTK_CONTAINER(scroller), stack_);
-    return scroller;
+    gtk_stack_set_vhomogeneous(GTK_STACK(stack_), FALSE);
+    scroller_ = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroller_), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_set_propagate_natural_height(GTK_SCROLLED_WINDOW(scroller_), TRUE);
+    gtk_scrolled_window_set_max_content_height(GTK_SCROLLED_WINDOW(scroller_), kTallestPage);
+    gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(scroller_), FALSE);
+    gtk_container_add(GTK_CONTAINER(scroller_), stack_);
+    return scroller_;
+}
+
+// The window does not change its size with the page.
+void SettingsWindow::KeepHeight() {
+    int tallest = 0;
+    gtk_container_forall(
+        GTK_CONTAINER(stack_),
+        [](GtkWidget* page, gpointer most) {
+            int height = 0;
+            gtk_widget_get_preferred_height(page, nullptr, &height);
+            *static_cast<int*>(most) = std::max(*static_cast<int*>(most), height);
+        },
+        &tallest);
+    gtk_scrolled_window_set_min_content_height(GTK_SCROLLED_WINDOW(scroller_),
+                                               std::min(tallest, kTallestPage));
 }
 
 GtkWidget* SettingsWindow::NewPage(const SettingsPage& page, std::vector<Setting>& settings) {
@@ -144,6 +164,7 @@ GtkWidget* SettingsWindow::NewPage(const SettingsPage& page, std::vector<Setting
     GtkWidget* grid = gtk_grid_new();
     gtk_grid_set_row_spacing(GTK_GRID(grid), kRowSpacing);
     gtk_grid_set_column_spacing(GTK_GRID(grid), kSpacing);
+    if (dialog_.pages.size() > 1) gtk_widget_set_margin_end(grid, kSpacing); // beside a bar for scrolling
     Mnemonics mnemonics = mnemonics_; // pages are not shown together: each may use the letters that are left
     for (std::size_t i = 0; i < page.controls.size(); ++i)
         AddControl(grid, static_cast<int>(i), page.controls[i], settings, mnemonics);
@@ -159,14 +180,6 @@ void SettingsWindow::AddControl(GtkWidget* grid, int row, const SettingControl& 
         gtk_grid_attach(GTK_GRID(grid), NewLabel(label, widgets.target), 0, row, 1, 1);
     gtk_grid_attach(GTK_GRID(grid), widgets.row, 1, row, 1, 1);
     settings.push_back({control.key, std::move(widgets)});
-}
-
-GtkWidget* SettingsWindow::NewLabel(const std::string& text, GtkWidget* target) {
-    GtkWidget* label = gtk_label_new_with_mnemonic(text.c_str());
-    gtk_label_set_mnemonic_widget(GTK_LABEL(label), target);
-    gtk_label_set_xalign(GTK_LABEL(label), 1);
-    gtk_size_group_add_widget(labels_, label);
-    return label;
 }
 
 void SettingsWindow::ShowPage() {
@@ -197,8 +210,9 @@ bool SettingsWindow::Closes(int response) {
 }
 
 std::optional<SettingValues> SettingsWindow::Run() {
-    gtk_widget_show_all(
-        gtk_dialog_get_content_area(GTK_DIALOG(window_.get()))); // only a visible page is chosen
+    // Only pages that are shown have a height, and can be chosen.
+    gtk_widget_show_all(gtk_dialog_get_content_area(GTK_DIALOG(window_.get())));
+    KeepHeight();
     gtk_stack_set_visible_child_name(GTK_STACK(stack_), std::to_string(page_).c_str());
     Changed();
     const int response = RunModal(window_.get(), [this](int pressed) { return Closes(pressed); });
