@@ -2,6 +2,7 @@
 #include "platform/quicktime/graphics_importer.h"
 #include "platform/quicktime/image_codecs/codec.h"
 #include "platform/quicktime/transform_bands.h"
+#include "platform/quicktime/transform_plan.h"
 #include "tests/support/made_images.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 #include <atomic>
 #include <cmath>
 #include <cstdlib>
+#include <random>
 #include <stdexcept>
 
 namespace {
@@ -315,6 +317,30 @@ TEST_F(Transforms, RefusesWhatHasNoDrawing) {
     ScaleMatrix(&matrix_, 1, 1, 0, 0);
     EXPECT_EQ(Draw(image), noErr) << "less than a pixel is one";
     EXPECT_EQ(image.width(), 1);
+}
+
+// For the sanitizers: mappings of all kinds, most of them of no use to anybody.
+TEST_F(Transforms, AnyMatrixEndsInADrawingOrACode) {
+    Open("-seed 5 -size 40x30 xc:gray +noise Random", "png32:a.png");
+    std::mt19937 random(1); // NOLINT: the same numbers each time
+    int drawn = 0;
+    for (int i = 0; i < 1500; ++i) {
+        for (auto& row : matrix_.matrix) {
+            for (Fixed& element : row) element = static_cast<Fixed>(random()) >> random() % 32;
+        }
+        if (random() % 2 == 0) matrix_.matrix[2][2] = 1 << 30;
+        qt::TransformPlan plan;
+        const Rect all = {0, 0, 30, 40};
+        const bool planned = qt::PlanTransform(matrix_, all, all, plan) == noErr;
+        if (planned && std::int64_t{plan.width} * plan.height > 50'000) continue; // takes long
+        qt::PixelImage image;
+        ASSERT_EQ(Draw(image) == noErr, planned) << i;
+        if (!planned) continue;
+        EXPECT_EQ(image.width(), plan.width);
+        EXPECT_EQ(image.height(), plan.height);
+        ++drawn;
+    }
+    EXPECT_GT(drawn, 50);
 }
 
 TEST(TransformBands, CoverEachRowOnceAndPassFailuresOn) {
