@@ -118,7 +118,7 @@ std::size_t ReadPalette(DataSource& source, const Header& header, Palette& palet
     const std::uint64_t at = kFileHeader + header.size;
     std::size_t count = header.colours > 0 && header.colours < most ? header.colours : most;
     count = static_cast<std::size_t>(std::min<std::uint64_t>(count, (header.pixels_at - at) / entry));
-    std::array<std::byte, 4 * 256> bytes;
+    std::array<std::byte, 1024> bytes;
     count = source.Read(at, std::span(bytes).first(count * entry)) / entry;
     palette.fill(kBlack);
     for (std::size_t i = 0; i < count; ++i) {

@@ -66,11 +66,12 @@ void PlainRow(const std::byte* row, unsigned bits, const Palette& palette, std::
               std::uint32_t* pixels) {
     switch (bits) {
     case 16:
-        for (std::int32_t x = 0; x < count; ++x) pixels[x] = PixelFrom555(BigEndian16(row + 2 * x));
+        for (std::int32_t x = 0; x < count; ++x)
+            pixels[x] = PixelFrom555(BigEndian16(row + std::ptrdiff_t{2} * x));
         break;
     case 24: PixelsFromRgb(row, count, pixels); break;
     case 32:
-        for (std::int32_t x = 0; x < count; ++x) pixels[x] = BigEndian32(row + 4 * x);
+        for (std::int32_t x = 0; x < count; ++x) pixels[x] = BigEndian32(row + std::ptrdiff_t{4} * x);
         break;
     default: PixelsFromIndices(row, bits, palette, count, pixels);
     }

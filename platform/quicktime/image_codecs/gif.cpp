@@ -61,7 +61,7 @@ void WalkBlocks(DataSource& source, unsigned header_flags, OnFrame on_frame, OnC
         if (separator == kImageFollows) {
             std::array<std::byte, 9> fields;
             if (reader.Read(fields) != fields.size()) return;
-            Frame frame{LittleEndian16(&fields[0]), LittleEndian16(&fields[2]), LittleEndian16(&fields[4]),
+            Frame frame{LittleEndian16(fields.data()), LittleEndian16(&fields[2]), LittleEndian16(&fields[4]),
                         LittleEndian16(&fields[6]), std::to_integer<unsigned>(fields[8])};
             SkipTable(reader, frame.flags);
             if (reader.Next() < 0) return; // the width of the first code

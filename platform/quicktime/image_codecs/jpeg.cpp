@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace qt {
 namespace {
@@ -41,7 +42,7 @@ std::int32_t QualityOf(const jpeg_decompress_struct& decompress) {
     if (standard_sum == 0.0) return 0;
     const double percent = std::max(sum / standard_sum * 100.0, 1.0);
     const double quality = percent <= 100.0 ? 100.0 - percent / 2.0 : 5000.0 / percent;
-    return std::clamp(static_cast<std::int32_t>(quality * 10.24 + 0.5), 0, 1023);
+    return std::clamp(static_cast<std::int32_t>(std::lround(quality * 10.24)), 0, 1023);
 }
 
 void SetResolution(const JpegReader& reader, ImageDescription& description) {
@@ -68,7 +69,9 @@ ComponentResult TakeFacts(JpegReader& reader, ImageFacts& facts) {
     description.cType = Code("jpeg");
     description.name = Name("Photo - JPEG");
     description.spatialQuality = QualityOf(jpeg);
-    description.depth = jpeg.num_components == 1 ? 40 : jpeg.num_components == 4 ? 32 : 24;
+    description.depth = static_cast<std::int16_t>(jpeg.num_components == 1   ? 40
+                                                  : jpeg.num_components == 4 ? 32
+                                                                             : 24);
     SetResolution(reader, description);
     facts.data_size = reader.source->GetSize();
     return SetDimensions(description, jpeg.image_width, jpeg.image_height);

@@ -94,14 +94,14 @@ public:
         const bool has_all = component_.dx == 1 && component_.w >= static_cast<std::uint32_t>(count);
         if (has_all && component_.prec == 8 && zero_ == 0) {
             for (std::int32_t x = 0; x < count; ++x)
-                bytes[x * 4] = static_cast<std::byte>(std::clamp(row[x], 0, 255));
+                bytes[std::ptrdiff_t{x} * 4] = static_cast<std::byte>(std::clamp(row[x], 0, 255));
             return;
         }
         for (std::int32_t x = 0; x < count; ++x) {
             const std::uint32_t column =
                 At(image_.x0 + static_cast<std::uint32_t>(x), component_.dx, component_.x0, component_.w);
             const std::int64_t value = std::clamp<std::int64_t>(std::int64_t{row[column]} + zero_, 0, most_);
-            bytes[x * 4] = static_cast<std::byte>((value * 255 + most_ / 2) / most_);
+            bytes[std::ptrdiff_t{x} * 4] = static_cast<std::byte>((value * 255 + most_ / 2) / most_);
         }
     }
 

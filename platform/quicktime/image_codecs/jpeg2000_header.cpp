@@ -30,9 +30,14 @@ bool ReadSize(DataSource& source, std::uint64_t at, Jpeg2000Header& header) {
     std::array<std::byte, 36> bytes;
     if (!ReadAt(source, at, bytes)) return false;
     const auto field = [&](std::size_t offset) { return BigEndian32(&bytes[offset]); };
-    const std::uint32_t right = field(2), bottom = field(6), left = field(10), top = field(14);
-    const std::uint32_t tile_width = field(18), tile_height = field(22);
-    const std::uint32_t tile_left = field(26), tile_top = field(30);
+    const std::uint32_t right = field(2);
+    const std::uint32_t bottom = field(6);
+    const std::uint32_t left = field(10);
+    const std::uint32_t top = field(14);
+    const std::uint32_t tile_width = field(18);
+    const std::uint32_t tile_height = field(22);
+    const std::uint32_t tile_left = field(26);
+    const std::uint32_t tile_top = field(30);
     header.components = BigEndian16(&bytes[34]);
     if (right <= left || bottom <= top || tile_width == 0 || tile_height == 0 || tile_left > left ||
         tile_top > top || header.components == 0 || header.components > kMostComponents)
@@ -42,7 +47,7 @@ bool ReadSize(DataSource& source, std::uint64_t at, Jpeg2000Header& header) {
     header.tiles = DividedUp(right - tile_left, tile_width) * DividedUp(bottom - tile_top, tile_height);
     for (std::uint32_t component = 0; component < header.components; ++component) {
         std::array<std::byte, 3> sampling;
-        if (!ReadAt(source, at + bytes.size() + 3 * component, sampling)) return false;
+        if (!ReadAt(source, at + bytes.size() + std::uint64_t{3} * component, sampling)) return false;
         const auto across = std::to_integer<std::uint32_t>(sampling[1]);
         const auto down = std::to_integer<std::uint32_t>(sampling[2]);
         if (across == 0 || down == 0) return false;
@@ -59,7 +64,7 @@ bool ReadCodestream(DataSource& source, std::uint64_t at, Jpeg2000Header& header
     bool has_size = false;
     std::array<std::byte, 14> segment;
     while (ReadAt(source, at, segment)) {
-        const std::uint32_t marker = BigEndian16(&segment[0]);
+        const std::uint32_t marker = BigEndian16(segment.data());
         const std::uint32_t length = BigEndian16(&segment[2]);
         if (marker == kStartOfTile) return has_size;
         if (marker < 0xFF00 || length < 2) return false;
@@ -84,7 +89,7 @@ bool ReadBox(DataSource& source, std::uint64_t at, std::uint64_t end, Box& box) 
     std::array<std::byte, 16> bytes{};
     const std::size_t count = source.Read(at, bytes);
     if (count < 8 || at + 8 > end) return false;
-    std::uint64_t length = BigEndian32(&bytes[0]);
+    std::uint64_t length = BigEndian32(bytes.data());
     std::uint64_t header = 8;
     box.type = BigEndian32(&bytes[4]);
     if (length == 1) {
@@ -131,7 +136,7 @@ bool DefinesAlpha(DataSource& source, const Box& box) {
     const std::uint32_t channels = std::min(BigEndian16(count.data()), kMostComponents);
     for (std::uint32_t i = 0; i < channels; ++i) {
         std::array<std::byte, 2> kind;
-        if (!ReadAt(source, box.at + 2 + 6 * i + 2, kind)) return false;
+        if (!ReadAt(source, box.at + 2 + std::uint64_t{6} * i + 2, kind)) return false;
         if (BigEndian16(kind.data()) == 1 || BigEndian16(kind.data()) == 2) return true;
     }
     return false;

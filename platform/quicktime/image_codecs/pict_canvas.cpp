@@ -125,7 +125,8 @@ void Canvas::Paint(Region shape, const Pattern& pattern, const Colours& colours,
             const std::int32_t count = box.x2 - box.x1;
             if (pattern.width > 0) {
                 const std::uint32_t* row =
-                    &pattern.pixels[static_cast<std::size_t>(Remainder(y, pattern.height) * pattern.width)];
+                    &pattern.pixels[static_cast<std::size_t>(Remainder(y, pattern.height)) *
+                                    static_cast<std::size_t>(pattern.width)];
                 for (std::int32_t x = 0; x < count; ++x) {
                     pixels[x] = Combine(row[Remainder(box.x1 + x, pattern.width)], pixels[x], mode);
                 }

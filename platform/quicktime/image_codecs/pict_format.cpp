@@ -176,7 +176,7 @@ void SkipOperation(PictCursor& cursor, std::uint32_t operation) {
     if (operation < 0x100) {
         SkipByte(cursor, operation);
     } else if (operation < 0x8000) {
-        cursor.Skip((operation >> 8) * 2);
+        cursor.Skip(std::size_t{operation >> 8} * 2);
     } else if (operation >= 0x8100) {
         cursor.Skip(cursor.Long());
     }

@@ -169,7 +169,8 @@ void PixelRows::Convert(const std::byte* row, std::size_t size, std::uint32_t* p
     if (map_.pixel_size <= 8) {
         PixelsFromIndices(row, map_.pixel_size, map_.palette, count, pixels);
     } else if (map_.pixel_size == 16) {
-        for (std::int32_t x = 0; x < count; ++x) pixels[x] = PixelFrom555(BigEndian16(row + 2 * x));
+        for (std::int32_t x = 0; x < count; ++x)
+            pixels[x] = PixelFrom555(BigEndian16(row + std::ptrdiff_t{2} * x));
     } else if (packing_ == Packing::kPlanes) {
         // Planes are as long as rows are, or only as wide as the picture.
         const auto width = static_cast<std::size_t>(count);
@@ -180,7 +181,8 @@ void PixelRows::Convert(const std::byte* row, std::size_t size, std::uint32_t* p
         PixelsFromRgb(row, count, pixels);
     } else {
         const std::uint32_t opaque = map_.HasAlpha() ? 0 : 0xFF00'0000;
-        for (std::int32_t x = 0; x < count; ++x) pixels[x] = BigEndian32(row + 4 * x) | opaque;
+        for (std::int32_t x = 0; x < count; ++x)
+            pixels[x] = BigEndian32(row + std::ptrdiff_t{4} * x) | opaque;
     }
 }
 

@@ -142,11 +142,12 @@ ComponentResult DescribePsd(const PsdHeader& header, ImageDescription& descripti
     description.hRes = FixedResolution(header.horizontal_dpi >= 1.0 ? header.horizontal_dpi : 0.0);
     description.vRes = FixedResolution(header.vertical_dpi >= 1.0 ? header.vertical_dpi : 0.0);
     const bool is_wide = header.has_alpha || header.ColourChannels() == 4;
-    description.depth = header.mode == PsdHeader::kBitmap    ? 1
-                        : is_wide                            ? 32
-                        : header.mode == PsdHeader::kIndexed ? 8
-                        : header.IsGrey()                    ? 40
-                                                             : 24;
+    const int depth = header.mode == PsdHeader::kBitmap    ? 1
+                      : is_wide                            ? 32
+                      : header.mode == PsdHeader::kIndexed ? 8
+                      : header.IsGrey()                    ? 40
+                                                           : 24;
+    description.depth = static_cast<std::int16_t>(depth);
     return SetDimensions(description, header.width, header.height);
 }
 

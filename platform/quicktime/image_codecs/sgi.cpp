@@ -121,7 +121,8 @@ std::size_t ByteOfChannel(std::uint32_t channels, std::uint32_t channel) {
 /// Answers whether any sample was there. What is missing stays as it is.
 bool DecodeChannel(DataSource& source, const Header& header, std::uint32_t channel, PixelImage& image) {
     const std::size_t row_size = std::size_t{header.width} * header.sample_size;
-    std::vector<std::byte> stored(header.has_runs ? row_size * 2 + 2 * header.sample_size : row_size);
+    std::vector<std::byte> stored(header.has_runs ? row_size * 2 + std::size_t{2} * header.sample_size
+                                                  : row_size);
     RowTable table;
     if (header.has_runs && !table.Read(source, header, channel)) return false;
     const auto expand = header.sample_size == 1 ? ExpandRow<1> : ExpandRow<2>;
