@@ -50,6 +50,7 @@ public:
         if (!Parses(session_.GetEngine(), work.condition)) return kUsageError;
         if (!line_.json) Heading();
         std::string problem;
+        const Snapshot snapshot(table_.GetConnection());
         std::string reading = ForEachRecord(
             table_.GetRecords(), std::numeric_limits<std::int64_t>::max(), [&](std::int64_t record) {
                 const RecordResult result = worker.Do(record);

@@ -182,6 +182,15 @@ std::string Connection::Problem() const {
     return path_ + ": " + ::sqlite3_errmsg(connection_.get());
 }
 
+// One that could not be taken is missed in speed only.
+Snapshot::Snapshot(Connection& connection) : connection_(connection) {
+    (void)connection_.Execute("BEGIN");
+}
+
+Snapshot::~Snapshot() {
+    (void)connection_.Execute("COMMIT");
+}
+
 Transaction::Transaction(Connection& connection)
     : connection_(connection), open_(connection.Execute("BEGIN IMMEDIATE")) {}
 

@@ -85,6 +85,19 @@ private:
     std::string path_;
 };
 
+/// While it lives, reading sees the file as it was at the first reading, and need not lock it anew each time.
+/// Meanwhile the log beside the file can only grow.
+class Snapshot {
+public:
+    explicit Snapshot(Connection& connection);
+    ~Snapshot();
+    Snapshot(const Snapshot&) = delete;
+    Snapshot& operator=(const Snapshot&) = delete;
+
+private:
+    Connection& connection_;
+};
+
 /// Takes the file's one right to write, and gives all changes up unless they are committed.
 class Transaction {
 public:
