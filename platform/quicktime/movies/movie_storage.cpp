@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::uint64_t kFileType = 20;            ///< bytes of the file type
 constexpr std::uint64_t kSampleDataHeader = 16;    ///< bytes of the header, with room for a 64-bit size
-constexpr std::uint64_t kRecordingRoom = 1U << 17; ///< enough for 8 GiB of samples in the writer's chunks
+constexpr std::uint64_t kRecordingRoom = 1U << 17; ///< for the chunks of 4 GiB of samples
 
 } // namespace
 
