@@ -33,14 +33,10 @@ std::int32_t SetTag(TagFile& file, std::string_view name, std::string_view value
         return 0;
     }
     const TagName* row = FindTagName(name);
-    if (row == nullptr) return kErrorUnknownTag;
-    if (value.empty()) {
-        file.Set(*row, value);
-        return 0;
-    }
-    if (row->content == TagContent::kBinary) return kErrorUnknownTag;
-    const std::string text =
+    if (row == nullptr || (row->content == TagContent::kBinary && !value.empty())) return kErrorUnknownTag;
+    std::string text =
         row->content == TagContent::kComment ? UnescapeCharacterReferences(value) : std::string(value);
+    text.resize(std::min(text.find('\0'), text.size())); // a zero ends a text in the tag
     if (!utf::IsValid(text)) return kErrorOutOfMemory;
     file.Set(*row, text);
     return 0;

@@ -127,7 +127,7 @@ std::size_t Id3Tag::SizeAtStart(std::string_view header) {
 bool Id3Tag::Parse(std::string bytes) {
     const std::size_t size = SizeAtStart(bytes);
     if (size == 0 || size != bytes.size()) return false;
-    const int version = bytes[3];
+    const int version = static_cast<unsigned char>(bytes[3]);
     const auto flags = static_cast<std::uint8_t>(bytes[5]);
     if (version < 2 || version > 4) return false;
     if (version == 2 && (flags & kTagExtendedHeader) != 0) return false;
@@ -240,7 +240,7 @@ std::optional<std::string> Id3Tag::Render(std::size_t area) const {
     for (const TagFrame& frame : frames_) AppendFrame(tag, frame);
     tag += rest_;
     if (version_ < 4 && (flags_ & kTagUnsynchronised) != 0)
-        tag.replace(kHeaderSize, tag.npos, Unsynchronise(std::string_view(tag).substr(kHeaderSize)));
+        tag.replace(kHeaderSize, std::string::npos, Unsynchronise(std::string_view(tag).substr(kHeaderSize)));
     // Behind a broken rest padding would complete what only looks like a frame.
     if (rest_.empty()) {
         const bool fits = tag.size() <= area && area - tag.size() <= kLargestPadding;

@@ -7,7 +7,10 @@
 namespace corvane {
 namespace {
 
-enum Encoding : char { kLatin1, kUtf16, kUtf16BigEndian, kUtf8 };
+constexpr char kLatin1 = 0;
+constexpr char kUtf16 = 1; // with a byte-order mark
+constexpr char kUtf16BigEndian = 2;
+constexpr char kUtf8 = 3;
 
 constexpr std::string_view kNoLanguage = "XXX";
 

@@ -40,6 +40,7 @@ TEST(SetTags, UnescapesCommentsAlone) {
     EXPECT_EQ(Tags("Name: a&#13;b"), "0|Name=a&#13;b");
     EXPECT_EQ(Tags("Comment: &#300;"), "0|Comment=?");
     EXPECT_EQ(Tags("Comment: &#228;"), "-108") << "a byte that is no UTF-8";
+    EXPECT_EQ(Tags("Comment: a&#0;b"), "0|Comment=a") << "a zero ends a text";
     EXPECT_EQ(Tags("Comment: &#195;&#164;"), "0|Comment=ä");
 }
 
