@@ -10,6 +10,11 @@
 #include <string>
 #include <sys/wait.h>
 
+// For the leak sanitizer, where it is built in.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_options() {
+    return LEAK_OPTIONS;
+}
+
 namespace {
 
 using corvane::test::Person;
@@ -23,7 +28,8 @@ protected:
                          const std::string& environment = {}) {
         const std::string output = drives_.Path("output");
         const std::string errors = drives_.Path("errors");
-        const std::string command = "cd '" + drives_.Path("") + "' && timeout 120 env " + environment +
+        const std::string command = "cd '" + drives_.Path("") +
+                                    "' && timeout 120 env LSAN_OPTIONS=" LEAK_OPTIONS " " + environment +
                                     " '" CORVANE_PROGRAM "' eval " + options + " '" + calculation + "' >'" +
                                     output + "' 2>'" + errors + "'";
         const int status = std::system(command.c_str());

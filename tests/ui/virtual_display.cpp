@@ -50,8 +50,7 @@ Person::Person(const std::string& title, const std::string& commands) : title_(t
     const std::string picture = "if [ -n \"$CORVANE_SCREENSHOTS\" ]; then sleep 1; "
                                 "import -window $WINDOW \"$CORVANE_SCREENSHOTS/" +
                                 title + ".png\"; fi; ";
-    process_ = Start("export LC_ALL=C.UTF-8; tries=0; until WINDOW=$(xdotool search --onlyvisible --name '^" +
-                     title +
+    process_ = Start("tries=0; until WINDOW=$(xdotool search --onlyvisible --name '^" + title +
                      "$' 2>/dev/null | grep .); do tries=$((tries + 1)); [ $tries -lt 600 ] || exit 9; "
                      "sleep 0.1; done; xdotool windowfocus --sync $WINDOW; " +
                      picture + commands);

@@ -23,7 +23,7 @@ struct Free {
 std::string Shortened(const std::string& text, long most) {
     const std::unique_ptr<char, Free> valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
     if (g_utf8_strlen(valid.get(), -1) <= most) return valid.get();
-    return std::string(valid.get(), g_utf8_offset_to_pointer(valid.get(), most - 1)) + "…";
+    return std::string(valid.get(), g_utf8_offset_to_pointer(valid.get(), most - 3)) + "...";
 }
 
 std::string Mnemonics::Add(std::string_view label) {
