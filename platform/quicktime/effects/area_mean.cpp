@@ -17,7 +17,8 @@ std::uint32_t AreaMean(const PixelImage& image, const Rect& part) {
             sums[3] += Alpha(pixel);
         }
     }
-    const auto count = static_cast<std::uint64_t>((part.right - part.left) * (part.bottom - part.top));
+    const auto count = static_cast<std::uint64_t>(part.right - part.left) *
+                       static_cast<std::uint64_t>(part.bottom - part.top);
     const auto mean = [&](std::uint64_t sum) {
         return static_cast<std::uint32_t>((sum + count / 2) / count);
     };

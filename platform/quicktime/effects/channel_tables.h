@@ -1,8 +1,8 @@
 // Effects that treat each colour channel by itself: a table of 256 values for each.
 #pragma once
 
-#include "platform/quicktime/effects/bands.h"
 #include "platform/quicktime/effects/pixel_math.h"
+#include "platform/quicktime/effects/rows.h"
 
 #include <array>
 

@@ -1,8 +1,8 @@
 // Effects that combine the pixels of both sources place by place: cross fade, chroma key, alpha and channel
 // compositor.
-#include "platform/quicktime/effects/bands.h"
 #include "platform/quicktime/effects/effect.h"
 #include "platform/quicktime/effects/pixel_math.h"
+#include "platform/quicktime/effects/rows.h"
 #include "platform/quicktime/effects/second_source.h"
 
 #include <array>
@@ -14,7 +14,7 @@ namespace {
 /// out = combine(a, b) for all pixels.
 template <class Combine>
 void EachPair(const EffectInput& input, PixelImage& out, Combine combine) {
-    InBands(out, out.height(), [&](std::int32_t first, std::int32_t last) {
+    DrawInBands(out.height(), PixelCount(out), [&](std::int32_t first, std::int32_t last) {
         SecondSource second(*input.b, out.width());
         for (std::int32_t y = first; y < last; ++y) {
             const std::uint32_t* a = input.a.Row(y);

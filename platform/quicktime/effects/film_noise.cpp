@@ -1,8 +1,8 @@
 // The look of an old film: grain, specks of dust, hairs, scratches along the film, faded colours.
-#include "platform/quicktime/effects/bands.h"
 #include "platform/quicktime/effects/effect.h"
 #include "platform/quicktime/effects/pixel_math.h"
 #include "platform/quicktime/effects/random.h"
+#include "platform/quicktime/effects/rows.h"
 
 #include <array>
 #include <cmath>

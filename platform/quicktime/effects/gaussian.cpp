@@ -3,8 +3,8 @@
 // with 64 channel values side by side for vector instructions, and no second image is needed.
 #include "platform/quicktime/effects/gaussian.h"
 
-#include "platform/quicktime/effects/bands.h"
 #include "platform/quicktime/effects/pixel_math.h"
+#include "platform/quicktime/effects/rows.h"
 
 #include <array>
 #include <cmath>
@@ -123,7 +123,7 @@ public:
             Line& blurred = out[static_cast<std::size_t>(y - reach)];
             for (std::size_t i = 0; i < kLanes; ++i) {
                 const auto sum = static_cast<float>(static_cast<std::int32_t>(thrice[i]));
-                blurred.values[i] = static_cast<std::uint8_t>(static_cast<std::int32_t>(sum * mean + 0.5F));
+                blurred.values[i] = static_cast<std::uint8_t>(Rounded(sum * mean));
             }
         }
     }
@@ -205,7 +205,7 @@ constexpr std::int32_t Strips(std::int32_t pixels) {
 template <class Kernel>
 void BlurRows(const PixelImage& in, const Kernel& kernel, PixelImage& out) {
     const auto width = static_cast<std::size_t>(in.width());
-    InBands(in, Strips(in.height()), [&](std::int32_t first, std::int32_t last) {
+    DrawInBands(Strips(in.height()), PixelCount(in), [&](std::int32_t first, std::int32_t last) {
         Lines lines(width);
         Lines blurred(width);
         for (std::int32_t y = first * kStrip; y < std::min(last * kStrip, in.height()); y += kStrip) {
@@ -223,7 +223,7 @@ void BlurRows(const PixelImage& in, const Kernel& kernel, PixelImage& out) {
 
 template <class Kernel>
 void BlurColumns(PixelImage& image, const Kernel& kernel) {
-    InBands(image, Strips(image.width()), [&](std::int32_t first, std::int32_t last) {
+    DrawInBands(Strips(image.width()), PixelCount(image), [&](std::int32_t first, std::int32_t last) {
         Lines lines(static_cast<std::size_t>(image.height()));
         Lines blurred(lines.size());
         for (std::int32_t x = first * kStrip; x < std::min(last * kStrip, image.width()); x += kStrip) {

@@ -1,8 +1,8 @@
 // Walking over an image with the eight neighbours of each pixel at hand.
 #pragma once
 
-#include "platform/quicktime/effects/bands.h"
 #include "platform/quicktime/effects/pixel_math.h"
+#include "platform/quicktime/effects/rows.h"
 
 #include <array>
 #include <cstring>
@@ -24,7 +24,7 @@ struct Neighbourhood {
 template <class Draw>
 void EachNeighbourhood(const PixelImage& in, bool grey, PixelImage& out, Draw draw) {
     const auto width = static_cast<std::size_t>(in.width());
-    InBands(in, in.height(), [&](std::int32_t first, std::int32_t last) {
+    DrawInBands(in.height(), PixelCount(in), [&](std::int32_t first, std::int32_t last) {
         std::array<std::vector<std::uint32_t>, 3> rows;
         const auto load = [&](std::int32_t y, std::vector<std::uint32_t>& padded) {
             const std::uint32_t* row = in.Row(std::clamp(y, 0, in.height() - 1));

@@ -13,9 +13,15 @@ constexpr std::uint32_t Divide255(std::uint32_t n) {
     return (n + 128 + ((n + 128) >> 8)) >> 8;
 }
 
+/// Rounded; never negative, and below 2^31. By a signed number, for which there are vector instructions.
+constexpr std::uint32_t Rounded(float value) {
+    constexpr float kHalf = 0.5F;
+    return static_cast<std::uint32_t>(static_cast<std::int32_t>(value + kHalf));
+}
+
 /// Rounded, and held between 0 and 255.
-inline std::uint32_t ToByte(float value) {
-    return static_cast<std::uint32_t>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
+constexpr std::uint32_t ToByte(float value) {
+    return Rounded(std::clamp(value, 0.0F, 255.0F));
 }
 constexpr std::uint32_t ToByte(std::int32_t value) {
     return static_cast<std::uint32_t>(std::clamp(value, 0, 255));
@@ -59,8 +65,7 @@ inline std::uint32_t Blend(std::uint32_t a, std::uint32_t weight_a, std::uint32_
     if (share_a + share_b == 0) return 0x00FF'FFFF;
     const float inverse = 1 / static_cast<float>(share_a + share_b);
     const auto channel = [=](std::uint32_t from_a, std::uint32_t from_b) {
-        return static_cast<std::uint32_t>(static_cast<float>(from_a * share_a + from_b * share_b) * inverse +
-                                          0.5F);
+        return Rounded(static_cast<float>(from_a * share_a + from_b * share_b) * inverse);
     };
     return Pixel(channel(Red(a), Red(b)), channel(Green(a), Green(b)), channel(Blue(a), Blue(b)),
                  std::min<std::uint32_t>(Divide255(share_a + share_b), 255));

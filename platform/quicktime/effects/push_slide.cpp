@@ -1,7 +1,7 @@
 // Source B comes in from a side, over source A or pushing it out.
-#include "platform/quicktime/effects/bands.h"
 #include "platform/quicktime/effects/effect.h"
 #include "platform/quicktime/effects/pixel_math.h"
+#include "platform/quicktime/effects/rows.h"
 #include "platform/quicktime/effects/second_source.h"
 
 #include <array>
@@ -50,7 +50,7 @@ void Render(const EffectInput& input, bool pushes, PixelImage& out) {
     const Offset a = pushes ? OffsetOfA(side, b, out) : Offset{};
     const std::int32_t b_left = std::clamp(b.right, 0, out.width());
     const std::int32_t b_right = std::clamp(b.right + out.width(), 0, out.width());
-    InBands(out, out.height(), [&](std::int32_t first, std::int32_t last) {
+    DrawInBands(out.height(), PixelCount(out), [&](std::int32_t first, std::int32_t last) {
         SecondSource first_source(input.a, out.width());
         SecondSource second_source(*input.b, out.width());
         for (std::int32_t y = first; y < last; ++y) {

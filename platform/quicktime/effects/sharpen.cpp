@@ -1,8 +1,8 @@
 // Sharpening by what a blurred copy lacks.
-#include "platform/quicktime/effects/bands.h"
 #include "platform/quicktime/effects/effect.h"
 #include "platform/quicktime/effects/gaussian.h"
 #include "platform/quicktime/effects/pixel_math.h"
+#include "platform/quicktime/effects/rows.h"
 
 #include <array>
 

@@ -1,9 +1,9 @@
 // Effects that replace source A by source B place by place, from 0 to 100 percent: wipe, iris, gradient wipe,
 // pixel dissolve. Each says for every pixel at what share of the way it changes.
-#include "platform/quicktime/effects/bands.h"
 #include "platform/quicktime/effects/effect.h"
 #include "platform/quicktime/effects/pixel_math.h"
 #include "platform/quicktime/effects/random.h"
+#include "platform/quicktime/effects/rows.h"
 #include "platform/quicktime/effects/second_source.h"
 
 #include <array>
@@ -22,7 +22,7 @@ void RenderByMoment(const EffectInput& input, double softness, PixelImage& out, 
     constexpr double kHardest = 1e-4; // less than the change from one pixel to the next
     const auto border = static_cast<float>(std::max(softness, kHardest));
     const auto way = static_cast<float>(input.values.Fraction("percent")) * (1 + border);
-    InBands(out, out.height(), [&](std::int32_t first, std::int32_t last) {
+    DrawInBands(out.height(), PixelCount(out), [&](std::int32_t first, std::int32_t last) {
         SecondSource second(*input.b, out.width());
         for (std::int32_t y = first; y < last; ++y) {
             const std::uint32_t* a = input.a.Row(y);

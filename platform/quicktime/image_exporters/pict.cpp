@@ -7,6 +7,7 @@
 #include "platform/quicktime/image_exporters/opaque_rows.h"
 #include "platform/quicktime/image_exporters/quantise.h"
 #include "platform/quicktime/image_exporters/resolution.h"
+#include "platform/quicktime/transform_bands.h"
 
 #include <algorithm>
 #include <array>
@@ -94,12 +95,17 @@ public:
         }
         packed_.resize(PackedBound(row.size()));
         const std::size_t size = pack(row, packed_.data());
+        AppendPackedRow(std::span(packed_).first(size), row_bytes);
+    }
+
+    /// A row that is packed already.
+    void AppendPackedRow(std::span<const std::byte> packed, std::size_t row_bytes) {
         if (row_bytes > kByteCounted) {
-            Append16(out_, static_cast<std::uint32_t>(size));
+            Append16(out_, static_cast<std::uint32_t>(packed.size()));
         } else {
-            out_.push_back(static_cast<std::byte>(size));
+            out_.push_back(static_cast<std::byte>(packed.size()));
         }
-        out_.insert(out_.end(), packed_.begin(), packed_.begin() + static_cast<std::ptrdiff_t>(size));
+        out_.insert(out_.end(), packed.begin(), packed.end());
     }
 
     /// Operations begin at even places.
@@ -172,6 +178,30 @@ void ToPlanes(const std::uint32_t* pixels, std::size_t count, bool alpha, std::b
     plane(0);
 }
 
+/// Packs the rows of a strip, on several threads, a group of rows at a time so that what waits to be written
+/// stays small.
+void AppendPackedRows(PictWriter& writer, const PixelImage& image, const Strip& strip, const Format& format) {
+    constexpr std::int32_t kGroup = 256;
+    const auto count = static_cast<std::size_t>(strip.width);
+    const std::size_t longest = PackedBound(format.components * count);
+    const auto group = static_cast<std::size_t>(std::min(kGroup, strip.height));
+    std::vector<std::byte> packed(longest * group);
+    std::vector<std::size_t> sizes(group);
+    for (std::int32_t top = 0; top < strip.height; top += kGroup) {
+        const std::int32_t rows = std::min(kGroup, strip.height - top);
+        DrawInBands(rows, std::int64_t{rows} * strip.width, [&](std::int32_t first, std::int32_t end) {
+            std::vector<std::byte> planes(format.components * count);
+            for (std::int32_t y = first; y < end; ++y) {
+                const auto place = static_cast<std::size_t>(y);
+                ToPlanes(image.Row(top + y) + strip.left, count, format.components == 4, planes.data());
+                sizes[place] = PackBits(planes, &packed[place * longest]);
+            }
+        });
+        for (std::size_t y = 0; y < static_cast<std::size_t>(rows); ++y)
+            writer.AppendPackedRow(std::span(packed).subspan(y * longest, sizes[y]), strip.row_bytes);
+    }
+}
+
 void AppendDirect(PictWriter& writer, const PixelImage& image) {
     constexpr std::int32_t kNarrow = 2; // pixels that some readers only find whole
     const bool has_four = image.has_alpha || image.width() <= kNarrow;
@@ -180,17 +210,15 @@ void AppendDirect(PictWriter& writer, const PixelImage& image) {
                    static_cast<std::size_t>(image.height()));
     ForEachStrip(image.width(), image.height(), format.pixel_size, [&](const Strip& strip) {
         writer.AppendMap(strip, format, {});
-        const auto count = static_cast<std::size_t>(strip.width);
-        std::vector<std::byte> row(4 * count);
-        for (std::int32_t y = 0; y < strip.height; ++y) {
-            const std::uint32_t* pixels = image.Row(y) + strip.left;
-            if (strip.row_bytes < kShortRow) { // one pixel, as a word
-                for (std::size_t i = 0; i < 4; ++i) row[i] = static_cast<std::byte>(*pixels >> (24 - 8 * i));
-                writer.AppendRow(row, strip.row_bytes, nullptr);
-                continue;
+        if (strip.row_bytes < kShortRow) { // one pixel, as a word
+            for (std::int32_t y = 0; y < strip.height; ++y) {
+                std::array<std::byte, 4> word{};
+                for (std::size_t i = 0; i < word.size(); ++i)
+                    word[i] = static_cast<std::byte>(image.Row(y)[strip.left] >> (24 - 8 * i));
+                writer.AppendRow(word, strip.row_bytes, nullptr);
             }
-            ToPlanes(pixels, count, has_four, row.data());
-            writer.AppendRow(std::span(row).first(format.components * count), strip.row_bytes, PackBits);
+        } else {
+            AppendPackedRows(writer, image, strip, format);
         }
         writer.Align();
     });
