@@ -28,49 +28,45 @@ bool Matches(std::string_view pattern, std::string_view text) {
     return true;
 }
 
-// The files that the examples name, made anew for each of them.
-class ManualExamples : public testing::Test {
-protected:
-    static void SetUpTestSuite() {
-        ASSERT_EQ(
-            std::system(
-                R"(set -e; rm -rf manual-files; mkdir -p manual-files/home/ann/Archive manual-files/sounds
-            cd manual-files; printf hello >home/ann/a.txt
-            export PATH=/usr/bin:/bin:$PATH
-            convert -size 64x48 gradient:red-blue home/ann/photo.jpg
-            convert -size 64x48 gradient:green-blue -set Title Sunset home/ann/photo.png
-            convert home/ann/photo.jpg home/ann/a.gif
-            convert home/ann/photo.jpg home/ann/a.tif
-            convert home/ann/photo.jpg home/ann/photo.png home/ann/pages.tif
-            sox -n -r 44100 -c 2 -b 16 sounds/talk.wav synth 120 sine 440 vol 0.4
-            sox -n -r 44100 -c 2 -b 16 sounds/short.wav synth 2 sine 440:880 vol 0.4
-            lame --quiet --tt Overture --ta Ann sounds/short.wav sounds/intro.mp3)"),
-            0);
-    }
+// The files that the examples name.
+constexpr const char* kMakeFiles = R"(set -e
+    mkdir -p home/ann/Archive sounds
+    printf hello >home/ann/a.txt
+    export PATH=/usr/bin:/bin:$PATH
+    convert -size 64x48 gradient:red-blue home/ann/photo.jpg
+    convert -size 64x48 gradient:green-blue -set Title Sunset home/ann/photo.png
+    convert home/ann/photo.jpg home/ann/a.gif
+    convert home/ann/photo.jpg home/ann/a.tif
+    convert home/ann/photo.jpg home/ann/photo.png home/ann/pages.tif
+    sox -n -r 44100 -c 2 -b 16 sounds/talk.wav synth 120 sine 440 vol 0.4
+    sox -n -r 44100 -c 2 -b 16 sounds/short.wav synth 2 sine 440:880 vol 0.4
+    lame --quiet --tt Overture --ta Ann sounds/short.wav sounds/intro.mp3)";
 
-    static std::string Printed(std::string_view example) {
-        const fs::path files = fs::current_path() / "manual-files";
-        const calc::ScratchFolder scratch;
-        fs::copy(files, scratch.Path(), fs::copy_options::recursive);
-        host::SessionOptions options;
-        options.drives.push_back({"C:", scratch.Path().string(), false});
-        host::Session session(options);
-        if (std::string refusal = session.Start(); !refusal.empty()) return refusal;
-        const host::Outcome outcome = session.Evaluate(example);
-        if (outcome.parse_error) return outcome.parse_error->message;
-        std::string printed;
-        host::AppendPlain(printed, outcome, false);
-        return printed.substr(0, printed.find_last_not_of('\n') + 1);
-    }
-};
+// What the example prints, run on copies of the files.
+std::string Printed(std::string_view example, const fs::path& files) {
+    const calc::ScratchFolder scratch;
+    for (const char* folder : {"home", "sounds"})
+        fs::copy(files / folder, scratch.Path() / folder, fs::copy_options::recursive);
+    host::SessionOptions options;
+    options.drives.push_back({"C:", scratch.Path().string(), false});
+    host::Session session(options);
+    if (std::string refusal = session.Start(); !refusal.empty()) return refusal;
+    const host::Outcome outcome = session.Evaluate(example);
+    if (outcome.parse_error) return outcome.parse_error->message;
+    std::string printed;
+    host::AppendPlain(printed, outcome, false);
+    return printed.substr(0, printed.find_last_not_of('\n') + 1);
+}
 
-TEST_F(ManualExamples, PrintWhatTheManualSays) {
+TEST(ManualExamples, PrintWhatTheManualSays) {
+    const calc::ScratchFolder files;
+    ASSERT_EQ(std::system(kMakeFiles), 0);
     for (const host::ManualGroup* group : host::PluginManual()) {
         for (const host::ManualPage& page : group->pages) {
             if (page.output.empty()) continue;
-            const std::string printed = Printed(page.example);
+            const std::string printed = Printed(page.example, files.Path());
             EXPECT_TRUE(Matches(page.output, printed)) << page.name << " prints\n"
-                                                       << printed << "not\n"
+                                                       << printed << "\nnot\n"
                                                        << page.output;
         }
     }
