@@ -97,7 +97,7 @@ private:
                     static_cast<std::uint32_t>((i * 255 + (count - 1) / 2) / (count - 1)) ^ inverted;
                 colours_[i] = Pixel(grey, grey, grey);
             }
-        } else if (TIFFGetField(tiff, TIFFTAG_COLORMAP, &maps[0], &maps[1], &maps[2]) != 0) {
+        } else if (TIFFGetField(tiff, TIFFTAG_COLORMAP, maps.data(), &maps[1], &maps[2]) != 0) {
             const bool has_words = std::ranges::any_of(maps, [&](const std::uint16_t* map) {
                 return std::any_of(map, map + count, [](std::uint16_t value) { return value > 255; });
             });
@@ -147,12 +147,13 @@ private:
         }
         auto* bytes = reinterpret_cast<std::byte*>(pixels) + ByteOf(sample);
         if (layout_.bits == 8) {
-            for (std::int32_t x = 0; x < count; ++x, at += step) bytes[x * 4] = row[at];
+            for (std::int32_t x = 0; x < count; ++x, at += step) bytes[std::ptrdiff_t{x} * 4] = row[at];
         } else if (layout_.bits == 32) {
-            for (std::int32_t x = 0; x < count; ++x, at += step) bytes[x * 4] = WideSample(row, at);
+            for (std::int32_t x = 0; x < count; ++x, at += step)
+                bytes[std::ptrdiff_t{x} * 4] = WideSample(row, at);
         } else {
             for (std::int32_t x = 0; x < count; ++x, at += step) {
-                bytes[x * 4] = Scaled(SampleAt(row, at, layout_.bits));
+                bytes[std::ptrdiff_t{x} * 4] = Scaled(SampleAt(row, at, layout_.bits));
             }
         }
     }

@@ -51,7 +51,8 @@ void AppendHeaders(const PixelImage& image, const ExportSettings& settings, unsi
     const auto colours = static_cast<std::uint32_t>(palette.size());
     const std::uint32_t pixels_at = kFileHeader + header + colours * 4;
     const auto size = static_cast<std::uint32_t>(pixel_bytes);
-    constexpr std::uint32_t kPlain = 0, kBitFields = 3;
+    constexpr std::uint32_t kPlain = 0;
+    constexpr std::uint32_t kBitFields = 3;
     out.push_back(std::byte{'B'});
     out.push_back(std::byte{'M'});
     AppendLittle32(out, pixels_at + size);

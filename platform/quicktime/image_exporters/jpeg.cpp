@@ -3,6 +3,7 @@
 #include "platform/quicktime/image_exporters/opaque_rows.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 
 namespace qt {
@@ -24,7 +25,7 @@ struct Look {
 
 /// The library's quality for one of 0 to 1024.
 int LibraryQuality(std::int32_t quality) {
-    return std::clamp(static_cast<int>(quality / 10.24 + 0.5), kLowest, kHighest);
+    return std::clamp(static_cast<int>(std::lround(quality / 10.24)), kLowest, kHighest);
 }
 
 void SetUp(jpeg_compress_struct& jpeg, const PixelImage& image, const Look& look,
@@ -55,7 +56,7 @@ bool Write(JpegWriter& writer, const PixelImage& image, const Look& look, const 
     jpeg_start_compress(&jpeg, TRUE);
     while (jpeg.next_scanline < jpeg.image_height) {
         const std::uint32_t* row = OpaqueRow(image, static_cast<std::int32_t>(jpeg.next_scanline), scratch);
-        JSAMPROW samples = reinterpret_cast<JSAMPROW>(const_cast<std::uint32_t*>(row));
+        auto* samples = reinterpret_cast<JSAMPROW>(const_cast<std::uint32_t*>(row));
         jpeg_write_scanlines(&jpeg, &samples, 1);
     }
     jpeg_finish_compress(&jpeg);
