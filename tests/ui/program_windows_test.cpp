@@ -3,14 +3,15 @@
 #include "tests/support/files.h"
 #include "tests/ui/virtual_display.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <memory>
-#include <signal.h>
 #include <string>
 #include <sys/wait.h>
 
 // For the leak sanitizer, where it is built in.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer looks for this name
 extern "C" __attribute__((visibility("default"))) const char* __lsan_default_options() {
     return LEAK_OPTIONS;
 }

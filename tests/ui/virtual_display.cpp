@@ -1,9 +1,9 @@
 #include "tests/ui/virtual_display.h"
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <spawn.h>
 #include <stdexcept>
 #include <sys/wait.h>

@@ -273,7 +273,11 @@ TEST_F(Windows, PointerAndWindowInFront) {
     EXPECT_EQ(desk->pointer.x, 321);
     EXPECT_EQ(desk->pointer.y, 234);
     std::FILE* file = std::fopen(geometry.c_str(), "r");
-    int window = 0, left = 0, top = 0, width = 0, height = 0;
+    int window = 0;
+    int left = 0;
+    int top = 0;
+    int width = 0;
+    int height = 0;
     ASSERT_EQ(
         std::fscanf(file, "WINDOW=%d X=%d Y=%d WIDTH=%d HEIGHT=%d", &window, &left, &top, &width, &height),
         5);

@@ -5,6 +5,6 @@
 
 namespace corvane::gtk {
 
-bool ShowAlert(const win32::AlertWindow& window);
+bool ShowAlert(const win32::AlertWindow& alert);
 
 } // namespace corvane::gtk

@@ -8,6 +8,6 @@
 
 namespace corvane::gtk {
 
-std::optional<std::string> ChoosePath(const win32::PathWindow& window);
+std::optional<std::string> ChoosePath(const win32::PathWindow& request);
 
 } // namespace corvane::gtk
