@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 
 namespace host {
@@ -11,7 +12,7 @@ namespace {
 
 std::string Duration(double seconds) {
     constexpr double kMost = 100.0 * 3600;
-    const auto whole = static_cast<int>(std::min(seconds, kMost) + 0.5);
+    const auto whole = static_cast<int>(std::lround(std::min(seconds, kMost)));
     std::array<char, 32> text = {};
     if (whole >= 3600) {
         std::snprintf(text.data(), text.size(), "%d:%02d:%02d", whole / 3600, whole / 60 % 60, whole % 60);

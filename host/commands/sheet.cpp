@@ -216,7 +216,7 @@ private:
         if (!rate.empty()) card.summary += " · " + rate + " Hz";
         card.facts = std::move(facts);
         return Save("Media_DrawWaveform($media; \"1\"; " + std::to_string(kPictureWidth) + "; " +
-                        std::to_string(kPictureHeight) + "; \"0:0:0\"; \"0:0:0\"; \"#2f7de1\"; \"#10141a\")",
+                        std::to_string(kPictureHeight) + R"x(; "0:0:0"; "0:0:0"; "#2f7de1"; "#10141a"))x",
                     file);
     }
 

@@ -53,13 +53,13 @@ std::string Escaped(const std::string& text) {
 std::string CardHtml(const SheetCard& card) {
     std::string html = "<li>";
     if (card.picture.empty()) {
-        html += "<div class=\"mat\">no picture</div>";
+        html += R"(<div class="mat">no picture</div>)";
     } else {
         const std::string picture = Escaped(card.picture);
-        html += "<a class=\"mat\" href=\"" + picture + "\"><img src=\"" + picture + "\" alt=\"" +
-                Escaped(card.title) + "\" loading=\"lazy\"></a>";
+        html += R"(<a class="mat" href=")" + picture + R"("><img src=")" + picture + R"(" alt=")" +
+                Escaped(card.title) + R"(" loading="lazy"></a>)";
     }
-    html += "<div class=\"text\"><h2>" + Escaped(card.title) + "</h2><p>" + Escaped(card.summary) + "</p>";
+    html += R"(<div class="text"><h2>)" + Escaped(card.title) + "</h2><p>" + Escaped(card.summary) + "</p>";
     if (!card.facts.empty()) {
         html += "<details><summary>Details</summary><dl>";
         for (const auto& [name, value] : card.facts)
@@ -72,9 +72,9 @@ std::string CardHtml(const SheetCard& card) {
 std::string NavigationHtml(std::size_t page, std::size_t count) {
     if (count < 2) return {};
     std::string html = "<nav>";
-    if (page > 1) html += "<a rel=\"prev\" href=\"" + SheetPageName(page - 1) + "\">Previous page</a>";
+    if (page > 1) html += R"(<a rel="prev" href=")" + SheetPageName(page - 1) + R"(">Previous page</a>)";
     html += "<span>Page " + std::to_string(page) + " of " + std::to_string(count) + "</span>";
-    if (page < count) html += "<a rel=\"next\" href=\"" + SheetPageName(page + 1) + "\">Next page</a>";
+    if (page < count) html += R"(<a rel="next" href=")" + SheetPageName(page + 1) + R"(">Next page</a>)";
     return html + "</nav>\n";
 }
 

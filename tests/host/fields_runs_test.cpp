@@ -53,6 +53,7 @@ protected:
         std::vector<std::string> words = {CORVANE_PROGRAM, "--ui=none", "--plugin=" + plugin};
         words.insert(words.end(), arguments.begin(), arguments.end());
         std::vector<char*> pointers;
+        pointers.reserve(words.size() + 1);
         for (std::string& word : words) pointers.push_back(word.data());
         pointers.push_back(nullptr);
         if (::chdir(folder_.c_str()) == 0 && std::freopen("errors", "w", stderr) != nullptr)
@@ -211,6 +212,9 @@ TEST_F(FieldRuns, AFullDiskLosesNothingThatWasCommitted) {
 }
 
 TEST_F(FieldRuns, MemoryStaysFlatOverManyRecords) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer keeps what is freed";
+#endif
     MakeTable(10'000, 10'000);
     long few = 0;
     long many = 0;
@@ -222,7 +226,7 @@ TEST_F(FieldRuns, MemoryStaysFlatOverManyRecords) {
         Wait(Start({"update", "m.corvane", "t", "n=Length(HostStream(data; \"FILE\"))", "data=data"}), &many),
         0);
     EXPECT_EQ(Sql("SELECT count(*) FROM t WHERE n = 20000"), "10000");
-    EXPECT_LT(many, few + 8 * 1024) << "KiB";
+    EXPECT_LT(many, few + 8192) << "KiB";
 }
 
 } // namespace
