@@ -12,7 +12,7 @@ struct Command {
     int (*run)(Session& session, const CommandLine& line);
     std::size_t most_arguments;
     /// Those of TableOptions that the command takes, each with blanks around it.
-    std::string_view table_options = "";
+    std::string_view table_options = {};
     /// Which argument is the current database; none when it is no command on a database file.
     std::size_t database_argument = SIZE_MAX;
 };

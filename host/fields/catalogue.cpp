@@ -119,7 +119,7 @@ std::optional<Field> ParseField(std::string_view text, std::string& problem) {
 std::string NameProblem(const Table& table) {
     if (std::string problem = NameProblem(table.name, table.key); !problem.empty()) return problem;
     if (table.key.starts_with("corvane_") || table.key.starts_with("sqlite_"))
-        return "a table's name does not begin with \"corvane_\" or \"sqlite_\"";
+        return R"(a table's name does not begin with "corvane_" or "sqlite_")";
     for (auto field = table.fields.begin(); field != table.fields.end(); ++field) {
         if (std::string problem = NameProblem(field->name, field->key); !problem.empty()) return problem;
         if (std::ranges::find(table.fields.begin(), field, field->key, &Field::key) != field)

@@ -15,6 +15,7 @@ namespace {
 // One socket is the standard input and output of the process.
 int Spawn(const std::vector<std::string>& command, int socket, pid_t& process) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
     posix_spawn_file_actions_t actions;
@@ -54,7 +55,7 @@ std::string WorkerProcess::Start(const std::vector<std::string>& command) {
     return std::string("cannot start a worker: ") + std::strerror(error);
 }
 
-bool WorkerProcess::Send(std::string_view bytes) {
+bool WorkerProcess::Send(std::string_view bytes) const {
     while (!bytes.empty()) {
         const ssize_t count = ::send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
         if (count < 0 && errno != EINTR) return false;

@@ -25,7 +25,7 @@ public:
     [[nodiscard]] bool IsRunning() const { return process_ > 0; }
 
     /// False when the process is gone.
-    bool Send(std::string_view bytes);
+    bool Send(std::string_view bytes) const;
     /// Waits for a line, without its end; nullopt when the process is gone. Good until the next reading.
     std::optional<std::string_view> ReadLine();
     /// Waits for the bytes behind the line; false when the process is gone.
