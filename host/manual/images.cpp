@@ -48,30 +48,44 @@ Media_ListFolder ( "/C:/home/ann/Archive" ; False ))",
      "xScale, yScale   factors, of widths and of heights; negative ones mirror",
      R"(Empty text. Steps take effect in the order of their calls, at Media_TApply, about the image's top left
 corner. They stay pending, for all images, until Media_TClear or Media_TQuad.)",
-     "$20100:MESSAGE as the result: not exactly two parameters", R"(Media_TScale ( 0.5 ; 0.5 ))"},
+     "$20100:MESSAGE as the result: not exactly two parameters",
+     R"(Media_TScale ( 0.5 ; 0.5 ) & HostStream ( Media_TApply ( "/C:/home/ann/photo.jpg" ) ; "SIZE" ))",
+     "00200018"},
     {"Media_TResize", "Asks for the size that Media_TApply makes of the image.",
      R"(xDim   pixels that the image, or the part of Media_TCrop, gets across; 0: as yDim asks
 yDim   pixels down; 0: as xDim asks)",
      R"(Empty text. The scaling that brings the image to that size (before it is turned) is added at each
 Media_TApply, behind the steps that are pending; so call Media_TClear between images.)",
-     "$20100:MESSAGE as the result: not exactly two parameters", R"(Media_TResize ( 1000 ; 0 ))"},
+     "$20100:MESSAGE as the result: not exactly two parameters",
+     R"(Media_TResize ( 128 ; 0 ) & HostStream ( Media_TApply ( "/C:/home/ann/photo.jpg" ) ; "SIZE" ))",
+     "00800060"},
     {"Media_TSkew", "Adds a skew to the pending transformation.",
      "xSkew   pixels to the right for each pixel down\nySkew   pixels down for each pixel to the right",
-     "Empty text.", "$20100:MESSAGE as the result: not exactly two parameters", R"(Media_TSkew ( 0.3 ; 0 ))"},
+     "Empty text.", "$20100:MESSAGE as the result: not exactly two parameters",
+     R"(Media_TSkew ( 0.5 ; 0 ) & HostStream ( Media_TApply ( "/C:/home/ann/photo.jpg" ) ; "SIZE" ))",
+     "00580030"},
     {"Media_TRotate", "Adds a turn to the pending transformation.", "degrees   clockwise", "Empty text.",
-     "$20100:MESSAGE as the result: not exactly one parameter", R"(Media_TRotate ( 30 ))"},
+     "$20100:MESSAGE as the result: not exactly one parameter",
+     R"(Media_TRotate ( 90 ) & HostStream ( Media_TApply ( "/C:/home/ann/photo.jpg" ) ; "SIZE" ))",
+     "00300040"},
     {"Media_TQuad", "Makes a quadrilateral the pending transformation, in place of all other steps.",
      R"(sourceScale   what stands for the image's width and height: 100 for percentages, 1 for fractions
 topLeftX ; topLeftY ; topRightX ; topRigthY ; bottomRightX ; bottomRightY ; bottomLeftX ; bottomLeftY
               where the image's corners go, in that unit; the corners have to bulge outward)",
      R"(Empty text. The mapping is found at the next Media_TApply, for the size of its image, and stays pending.)",
      "$20100:MESSAGE as the result: not exactly nine parameters",
-     R"(Media_TQuad ( 100 ; 0 ; 0 ; 100 ; 20 ; 80 ; 100 ; 10 ; 70 ))"},
+     R"(Media_TQuad ( 100 ; 0 ; 0 ; 100 ; 20 ; 80 ; 100 ; 10 ; 70 ) &
+HostStream ( Media_TApply ( "/C:/home/ann/photo.jpg" ) ; "SIZE" ))",
+     "00400030"},
     {"Media_TCrop", "Chooses the part of the image that Media_TApply uses.",
      "left ; top ; right ; bottom   edges in pixels of the image, -32768 to 32767; left -1: all of it",
      "Empty text. Of a part that reaches beyond the image, the rest stays unpainted.",
-     "$20100:MESSAGE as the result: not exactly four parameters", R"(Media_TCrop ( 10 ; 10 ; 110 ; 60 ))"},
-    {"Media_TClear", "Forgets the pending transformation.", "", "Empty text.", "", R"(Media_TClear)"},
+     "$20100:MESSAGE as the result: not exactly four parameters",
+     R"(Media_TCrop ( 10 ; 10 ; 42 ; 26 ) & HostStream ( Media_TApply ( "/C:/home/ann/photo.jpg" ) ; "SIZE" ))",
+     "00200010"},
+    {"Media_TClear", "Forgets the pending transformation.", "", "Empty text.", "",
+     R"(Media_TRotate ( 90 ) & Media_TClear & HostStream ( Media_TApply ( "/C:/home/ann/photo.jpg" ) ; "SIZE" ))",
+     "00400030"},
     {"Media_TApply", "An image through the pending transformation.",
      "container   a container with an image, the path of an image file, or an http:// address",
      R"(A container: "CVIM" (a picture that fills the transformed image's bounding box, white or, for images with
@@ -82,7 +96,8 @@ image; Media_ExportField takes what Media_ConvertImage makes of it.)",
 -50    the part of Media_TCrop has no pixel of the image, or the quadrilateral is none
 -8963  the result is empty, or above 30,000 pixels either way
 other codes of files and of the image decoder)",
-     R"(Let ( [ a = Media_TClear ; b = Media_TRotate ( 30 ) ] ; Media_TApply ( "/C:/home/ann/a.jpg" ) ))"},
+     R"(Let ( [ a = Media_TClear ; b = Media_TRotate ( 30 ) ] ; Media_TApply ( "/C:/home/ann/photo.jpg" ) ))",
+     "container\n  CVIM … bytes\n  SIZE 4 bytes\n  JPEG … bytes"},
     {"Media_SetImageDefaults", "How previews of images are made from now on.",
      "previewQuality   0 lowest to 1024 best, 512 at start; -1: no previews\n"
      "previewMark      true (at start): thin lines in the picture say that it is a preview",
@@ -124,7 +139,9 @@ previewImage2   the second one, for effects of two images)",
 ranges and defaults. Without windows the answer "set:effect=blur,radius=5" chooses, "ok" takes what is first.)",
      "$CODE:MESSAGE as the result:\n0      Cancel; or there is no such effect\n20101  no type code\n"
      "20102  the type is no text\nother codes of files and of the image decoder",
-     R"(Media_EffectDialog ( "blur" ; "/C:/home/ann/photo.jpg" ))"},
+     R"(Media_EffectDialog ( "blur" ; "/C:/home/ann/photo.jpg" ))",
+     "<?xml version=\"1.0\"?>\n<!-- Blur: one image -->\n<effect type=\"blur\">\n  <!-- Radius: …\n  "
+     "<radius>4</radius>\n</effect>"},
     {"Media_EffectApply", "An image, or two, drawn through an effect.",
      R"(container           the image, source A: a container, the path of an image file, or an http:// address
 effectDescription   text of Media_EffectDialog, as it is or edited: parameters that are missing have their

@@ -37,7 +37,7 @@ frequency  a note from C1 to B8 ("A4", "c#5", "Bb3"; B is B flat, H is B natural
      "A container with a sound resource: 8-bit, mono, 44,100 Hz.",
      "-50   no such type, no duration or frequency that can be read, a duration of 0 or less or too long\n"
      "-108  a sound of more than 2 GiB\nWith a code the result is empty; Media_GetLastError has the message.",
-     R"(Media_CreateSound ( "sine" ; 0.5 ; "c5" ))"},
+     R"(Media_CreateSound ( "sine" ; 0.5 ; "c5" ))", "container\n  snd  22092 bytes"},
     {"Media_AppendSound", "One sound behind another.",
      R"(container1, container2   sounds: paths of sound or movie files as text, reference texts, or containers
                          with a sound resource or a reference)",
@@ -46,7 +46,8 @@ frequency  a note from C1 to B8 ("A4", "c#5", "Bb3"; B is B flat, H is B natural
      "-43    a file is missing\n-50    not two parameters, or one is no sound\n-2014  the first sound is "
      "empty\n"
      "-2048  a file is no sound\n-2114  a container holds no sound\nother codes of files and sounds",
-     R"(Media_AppendSound ( "/C:/sounds/intro.mp3" ; "/C:/sounds/talk.wav" ))"},
+     R"(Media_AppendSound ( "/C:/sounds/intro.mp3" ; "/C:/sounds/talk.wav" ))",
+     "size:0,0\nmovie:…\nmoviewin:…"},
     {"Media_ExtractSound", "A part of a sound.",
      R"(container   a sound (see Media_AppendSound)
 beginTime   H:M:S or H:M:S.F, from the sound's beginning
@@ -56,7 +57,8 @@ endTime     the same; an end beyond the sound's is that)",
      "only in Media_GetLastError.",
      "-50    not three parameters, or one that can't be read\n-2014  nothing lies between the times\n"
      "codes of Media_AppendSound",
-     R"(Media_ExtractSound ( "/C:/sounds/talk.wav" ; "0:1:0" ; "0:1:30.5" ))"},
+     R"(Media_ExtractSound ( "/C:/sounds/talk.wav" ; "0:1:0" ; "0:1:30.5" ))",
+     "size:0,0\nmovie:…\nmoviewin:…"},
     {"Media_MixSounds",
      "Two sounds at the same time, each at half its volume; what is longer goes on as it is.",
      R"(container1, container2   sounds (see Media_AppendSound). 16-bit little-endian ones, as in WAVE files,
@@ -67,7 +69,8 @@ endTime     the same; an end beyond the sound's is that)",
      "only in Media_GetLastError.",
      "-50    not two parameters, one is no sound, or the sounds differ in channels\ncodes of "
      "Media_AppendSound",
-     R"(Media_MixSounds ( "/C:/sounds/talk.wav" ; "/C:/sounds/music.mp3" ))"},
+     R"(Media_MixSounds ( "/C:/sounds/talk.wav" ; "/C:/sounds/intro.mp3" ))",
+     "size:0,0\nmovie:…\nmoviewin:…"},
     {"Media_Amplify", "A sound, louder or softer.",
      R"(container   a sound (see Media_AppendSound)
 factor      what each sample is multiplied by; a negative one turns the wave over
@@ -78,7 +81,7 @@ limit       0 to 1: the part of full scale at which samples are clipped; without
      "only in Media_GetLastError.",
      "-4     an uncompressed sound of 8 bits\n-50    too few parameters, or one that can't be read\n"
      "codes of Media_AppendSound",
-     R"(Media_Amplify ( "/C:/sounds/talk.wav" ; 1.5 ))"},
+     R"(Media_Amplify ( "/C:/sounds/talk.wav" ; 1.5 ))", "size:0,0\nmovie:…\nmoviewin:…"},
     {"Media_FadeSound", "A sound that fades in, or out.",
      R"(container   a sound (see Media_AppendSound)
 startTime   H:M:S or H:M:S.F; with a "-" in front counted back from the end
@@ -89,13 +92,15 @@ inOrOut     true: out, and the result ends where the fade does; false: in, and i
      "Text: the reference to a WAVE file (see Media_AppendSound).",
      "-50    not five parameters, one that can't be read, or a fade that takes no time\n"
      "codes of Media_AppendSound",
-     R"(Media_FadeSound ( "/C:/sounds/talk.wav" ; "-0:0:3" ; "-0:0:0" ; 1 ; 1 ))"},
+     R"(Media_FadeSound ( "/C:/sounds/talk.wav" ; "-0:0:3" ; "-0:0:0" ; 1 ; 1 ))",
+     "size:0,0\nmovie:…\nmoviewin:…"},
     {"Media_Normalize", "A sound as loud as it can be without being clipped.",
      "container   a sound (see Media_AppendSound)",
      "Text: the reference to a WAVE file (see Media_AppendSound), or empty. Answers the host 0: a failure "
      "is\n"
      "only in Media_GetLastError.",
-     "codes of Media_Amplify", R"(Media_Normalize ( "/C:/sounds/talk.wav" ))"},
+     "codes of Media_Amplify", R"(Media_Normalize ( "/C:/sounds/talk.wav" ))",
+     "size:0,0\nmovie:…\nmoviewin:…"},
     {"Media_DrawWaveform", "A picture of a sound's waveform, a band for each channel.",
      R"(container   a sound or movie (see Media_AppendSound)
 track       the sound track, from 1, and after a "/" the channel: left, right, all or its number from 0
@@ -111,7 +116,8 @@ fgcolor, bgcolor
      "-4     an uncompressed sound of 8 bits\n-50    a parameter that can't be read, or a height that leaves "
      "a band less than 20 rows\n-205   no such channel\n-2014  the times lie behind the sound's end\n"
      "-2030  no such sound track\n-5246  the start lies behind the track's end\ncodes of Media_AppendSound",
-     R"(Media_DrawWaveform ( "/C:/sounds/talk.wav" ; "1/left" ; 800 ; 120 ; "0:0:0" ; "0:1:0" ; "#ffffff" ; "#203040" ))"},
+     R"(Media_DrawWaveform ( "/C:/sounds/talk.wav" ; "1/left" ; 800 ; 120 ; "0:0:0" ; "0:1:0" ; "#ffffff" ; "#203040" ))",
+     "container\n  JPEG … bytes\n  SIZE 4 bytes"},
     {"Media_GetMetadata", "The tags of an MP3 file, or the text metadata of an image.",
      R"(container        a sound (see Media_AppendSound) in a file whose name ends in mp3, or an image
 specificTagOnly  the name of one tag, in any case; of MP3 files only: Name, Album, Artist, Year, Composer, Genre,
@@ -123,7 +129,7 @@ its text items under IPTC, and its EXIF entries; empty when it has none.)",
      "-50    not one or two parameters\n-208   an MP3 file without tags\n-5240  no such tag, or not in this "
      "file\nWith a code the result is empty; Media_GetLastError has the message. What is no MP3 file and no "
      "image\ngives an error text.",
-     R"(Media_GetMetadata ( "/C:/sounds/song.mp3" ; "Artist" ))"},
+     R"(Media_GetMetadata ( "/C:/sounds/intro.mp3" ; "Artist" ))", "Ann"},
     {"Media_SetMetadata", "Sets or removes tags of an MP3 file.",
      R"(containerOrFile                a sound (see Media_AppendSound) in a file whose name ends in mp3
 informationListOrTag1, value1  a list, "Name: value" in each line; or a tag's name and its value, as often as
@@ -139,7 +145,9 @@ informationListOrTag1, value1  a list, "Name: value" in each line; or a tag's na
      "file or its folder can't be written to\n-208   no MP3 file\n-2740  a line without a colon, or with a "
      "name "
      "that isn't plain ASCII\n-5240  no such tag, or one without a text\ncodes of Media_AppendSound",
-     R"(Media_SetMetadata ( "/C:/sounds/song.mp3" ; "Artist" ; "Björk" ; "Year" ; "1993" ))"},
+     R"(Media_SetMetadata ( "/C:/sounds/intro.mp3" ; "Artist" ; "Björk" ; "Year" ; "1993" ) &
+Media_GetMetadata ( "/C:/sounds/intro.mp3" ))",
+     "Name: Overture\nArtist: Björk\nYear: 1993"},
     {"Media_InsertQuickTime", "A movie, sound or image file as a container that refers to it.",
      "path   the file, as a path or a reference text; without it, and for a number, the user chooses one",
      R"(Text: the reference to the file, with the size of an image. Of a sound it is that of a reference movie
@@ -152,7 +160,8 @@ temporary folder first while rfworkaround is on; an alert says so before the fir
      "read-only\nother codes of files and sounds; with a code the result is empty, and Media_GetLastError "
      "has "
      "the message",
-     R"(Media_InsertQuickTime ( "/C:/sounds/talk.mp3" ))"},
+     R"(Media_InsertQuickTime ( "/C:/sounds/intro.mp3" ))",
+     "size:0,0\nmovie:sounds/intro_ref.mov\nmoviewin:/C:/sounds/intro_ref.mov"},
     {"Media_GetSoundInfo",
      "The facts of a sound or of a movie's sounds, from the header alone where it has them.",
      "container   a sound (see Media_AppendSound)",
@@ -161,11 +170,12 @@ track, Volume (256 is full), Duration, dates, the same of its media, and for eac
 Format (hexadecimal), Number of Channels, Sample Size, Sample Rate and Bit Rate (kbps).)",
      "-50    not one parameter, an empty container, or no sound\n-2055  a movie without sound\n"
      "codes of Media_AppendSound\nWith a code the result is empty; Media_GetLastError has the message.",
-     R"(Media_ExtractInfo ( Media_GetSoundInfo ( "/C:/sounds/talk.wav" ) ; "Track 1/Duration" ))"},
+     R"(Media_ExtractInfo ( Media_GetSoundInfo ( "/C:/sounds/talk.wav" ) ; "Track 1/Duration" ))",
+     "000:02:00.000"},
     {"Media_ListSoundOutputFormats", "The formats that sounds can be converted into.", "none",
      "Text: a line for each format: its code as eight hexadecimal digits, the code as four characters, its\n"
      "name and a description, with \"|\" between them.",
-     "none", "Media_ListSoundOutputFormats"},
+     "none", "Media_ListSoundOutputFormats", "57415645|WAVE|Wave|…"},
     {"Media_SoundFormatDialog", "Asks for the settings of a format, to keep them for later.",
      "sound-output-format   four characters, or eight hexadecimal digits (see Media_ListSoundOutputFormats)",
      R"(Text: the settings as a block for Media_ConvertSound. With --ui none, --answer ok takes the usual settings
@@ -178,7 +188,7 @@ bitrate    kbit/s
 quality    0 to 10)",
      "-50    not one parameter, or no format's code\n-128   cancelled\n-2005  no such format\n"
      "With a code the result is empty; Media_GetLastError has the message.",
-     R"(Media_SoundFormatDialog ( "MP3 " ))"},
+     R"(Media_SoundFormatDialog ( "MP3 " ))", "<hex>…</hex>"},
     {"Media_ConvertSound", "A sound as a file in another format.",
      R"(container    a sound (see Media_AppendSound)
 filename     the file to write; one that is there is replaced. A name without folder lies in the database's
@@ -190,7 +200,9 @@ parameters   a block of Media_SoundFormatDialog for this format; without it the 
      "format\n"
      "-61    the file may not be written\n-128   cancelled\n-1309  more than the format can hold\n"
      "-2005  no such format\ncodes of Media_AppendSound",
-     R"(Media_ConvertSound ( "/C:/sounds/talk.wav" ; "/C:/sounds/talk.mp3" ; "MP3 " ; $settings ))"},
+     R"(Let ( $settings = Media_SoundFormatDialog ( "FLAC" ) ;
+Media_ConvertSound ( "/C:/sounds/short.wav" ; "/C:/sounds/short.flac" ; "FLAC" ; $settings ) ))",
+     "size:0,0\nmovie:…\nmoviewin:…"},
     {"Media_PlaySound", "Plays a sound, or the sound of a movie.",
      R"(container       a sound (see Media_AppendSound)
 in background   true: the call returns at once, and the sound plays while the host handles messages;
@@ -201,10 +213,11 @@ It plays at the volume, tempo and balance that Media_Set has set. docs/sound.md 
      "-50    wrong number of parameters, an empty container, or one that can't be read\n"
      "-128   stopped by the keys\n-200   there is no sound output\n-2014  nothing lies between the times\n"
      "codes of Media_AppendSound",
-     R"(Media_PlaySound ( "/C:/sounds/talk.wav" ; True ; "0:0:10" ))"},
+     R"(Media_PlaySound ( "/C:/sounds/talk.wav" ; True ; "0:0:10" ))", "$0:Media_PlaySound: No error."},
     {"Media_PlayPause", "Pauses the sounds in the background, or lets them go on where they stopped.",
      "number   0, or nothing: all of them; they are numbered from 1 in the order of starting",
-     "Text: $CODE:MESSAGE as of Media_GetLastError.", "-50   more than one parameter", "Media_PlayPause"},
+     "Text: $CODE:MESSAGE as of Media_GetLastError.", "-50   more than one parameter", "Media_PlayPause",
+     "$0:Media_PlayPause: No error."},
     {"Media_StopSound", "Ends all sounds in the background.", "none", "Text: $0:Media_StopSound: No error.",
      "none", "Media_StopSound", "$0:Media_StopSound: No error."},
     {"Media_RecordSoundStart", "Records sound from the machine's input.",
@@ -222,22 +235,24 @@ QuickTime movie whatever the file's name. docs/sound.md tells of devices.)",
      "-61    the file can't be written to\n-120   the folder is a file\n-200   there is no sound input\n"
      "-227   another recording runs\n-1302  the path is a folder\n"
      "With a code the result is empty; Media_GetLastError has the message.",
-     R"(Media_RecordSoundStart ( "/C:/sounds/memo.mov" ; True ))"},
+     R"(Media_RecordSoundStart ( "/C:/sounds/memo.mov" ; True ) & Media_Get ( "recording" ))", "1"},
     {"Media_RecordSoundPause", "Pauses the recording in the background, or lets it go on.", "none",
      "Nothing; answers the host 0, whatever happened.",
-     "-3155  nothing is recorded; only in Media_GetLastError", "Media_RecordSoundPause"},
+     "-3155  nothing is recorded; only in Media_GetLastError", "Media_RecordSoundPause & Media_GetLastError",
+     "$-3155:Media_RecordSoundPause: …"},
     {"Media_RecordSoundStop", "Ends the recording in the background.", "none",
      "Text: the reference to the file; through a reference movie beside it while the setting lmworkaround\n"
      "is on.",
      "-3155  nothing is recorded, or the recording broke off: what was recorded until then is in the file\n"
      "codes of files",
-     "Media_RecordSoundStop"},
+     R"(Media_RecordSoundStart ( "/C:/sounds/memo.mov" ; True ) & Media_RecordSoundStop)",
+     "size:0,0\nmovie:…"},
     {"Media_RecordSoundFormatDialog", "Asks for rate and channels of the recordings to come.",
      "none; keys for a scripted answer: rate 8000, 11025, 16000, 22050, 32000, 44100 or 48000; channels 1 or "
      "2",
      "Text: the settings as <hex>…</hex>; empty on Cancel. Answers the host 0.",
      "-1     a recording runs; only in Media_GetLastError\n-128   cancelled; only there",
-     "Media_RecordSoundFormatDialog"},
+     "Media_RecordSoundFormatDialog", "<hex>…</hex>"},
 });
 
 } // namespace

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <string_view>
 
@@ -49,6 +50,7 @@ std::string Printed(std::string_view example, const fs::path& files) {
         fs::copy(files / folder, scratch.Path() / folder, fs::copy_options::recursive);
     host::SessionOptions options;
     options.drives.push_back({"C:", scratch.Path().string(), false});
+    options.answers.emplace_back("ok");
     host::Session session(options);
     if (std::string refusal = session.Start(); !refusal.empty()) return refusal;
     const host::Outcome outcome = session.Evaluate(example);
@@ -68,6 +70,19 @@ TEST(ManualExamples, PrintWhatTheManualSays) {
             EXPECT_TRUE(Matches(page.output, printed)) << page.name << " prints\n"
                                                        << printed << "\nnot\n"
                                                        << page.output;
+        }
+    }
+}
+
+TEST(ManualExamples, AreThereForEveryPageAndPagesForEveryFunction) {
+    for (const host::ManualGroup* group : host::PluginManual()) {
+        for (const std::string_view name : group->names) {
+            const auto page = std::ranges::find(group->pages, name, &host::ManualPage::name);
+            if (page == group->pages.end()) {
+                ADD_FAILURE() << name << " has no page";
+            } else {
+                EXPECT_FALSE(page->example.empty() || page->output.empty()) << name << " has no example";
+            }
         }
     }
 }
