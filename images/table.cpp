@@ -2,7 +2,6 @@
 
 #include "images/functions.h"
 #include "plugin/functions.h"
-#include "plugin/not_built.h"
 
 #include <array>
 

@@ -23,6 +23,17 @@ commands
   about          show what the plug-in says about itself
   help [NAME]    show the manual of a function, or all functions by group
 
+commands on database files, which hold media in container fields
+  db create FILE                     make a database file
+  db table FILE TABLE FIELD:TYPE…    add a table; types: text, number, container
+  import FILE TABLE FIELD PATH…      a record for each file, also of folders
+  show FILE [TABLE]                  the records, or the tables
+  update FILE TABLE FIELD=CALC…      evaluate the calculations for each record
+  export FILE TABLE FIELD            write the field of each record to a file
+  sheet FILE TABLE FIELD             make a web page of pictures and waveforms
+  worker [FILE TABLE FIELD=CALC…]    evaluate what standard input asks for, for
+                                     programs that spread work over machines
+
 options
   --plugin PATH            plug-in library (default: the one beside the program)
   --database PATH          current database, host path text or Unix path
@@ -41,6 +52,17 @@ options
   --save-streams DIR       write the streams of container results to files
   --strict                 exit status 1 when a calculation fails
   --progress auto|always|never   progress of long work on standard error
+
+options of commands on database files
+  --where CALC             only records for which it is true
+  --to FOLDER              export, sheet: where the files go
+  --name CALC              export: the file's name; sheet: the title
+  --name-field FIELD       import: the text field that takes the file's name
+  --as auto|image|file     import: as an image or as any file; auto tells by name
+  --by-reference           import: keep where the files are, not their bytes
+  --replace                export: overwrite files
+  --jobs N                 update: so many processes
+  --resume                 update: go on where the same update stopped
 
 A calculation that begins with "-" stands after "--".
 )";

@@ -7,6 +7,7 @@ _corvane_function() {
 _corvane_rest() {
     case $words[2] in
     help) _corvane_function ;;
+    db) (( CURRENT == 3 )) && compadd create table || _files ;;
     *) _files ;;
     esac
 }
@@ -24,6 +25,15 @@ _arguments \
     '--save-streams[write the streams of container results]:folder:_files -/' \
     '--strict[exit status 1 when a calculation fails]' \
     '--progress[progress of long work]:when:(auto always never)' \
+    '--where[only records for which this is true]:calculation:' \
+    '--to[where the files go]:folder:_files -/' \
+    '--name[file name or title]:calculation:' \
+    '--name-field[text field that takes the name of the file]:field:' \
+    '--as[what import makes of a file]:kind:(auto image file)' \
+    '--by-reference[keep where the files are]' \
+    '--replace[overwrite files]' \
+    '--jobs[so many processes]:number:' \
+    '--resume[go on where the same update stopped]' \
     '--help[show the usage]' \
-    '1:command:((eval\:"evaluate calculations" functions\:"list the functions" about\:"show what the plug-in says" help\:"show the manual of a function"))' \
+    '1:command:((eval\:"evaluate calculations" functions\:"list the functions" about\:"show what the plug-in says" help\:"show the manual of a function" db\:"make a database file, or a table" import\:"files into records" show\:"show records or tables" update\:"evaluate calculations for each record" export\:"fields into files" sheet\:"a page of pictures and waveforms" worker\:"evaluate what standard input asks for"))' \
     '*:argument:_corvane_rest'

@@ -96,7 +96,8 @@ TEST(TagFrames, AreWrittenAsTheyWereRead) {
         ASSERT_TRUE(longer && again.Parse(*longer));
         EXPECT_EQ(Contents(again), Contents(tag));
         EXPECT_NE(longer->find(rest), std::string::npos);
-        EXPECT_EQ(longer->size(), bytes.size() + tag.Frames().back().content.size() + (version == 2 ? 6 : 10));
+        EXPECT_EQ(longer->size(),
+                  bytes.size() + tag.Frames().back().content.size() + (version == 2 ? 6 : 10));
         tag.RemoveIf([](const TagFrame&) { return true; });
         EXPECT_NE(tag.Render(0)->find(rest), std::string::npos) << "nobody asked for that";
         tag.RemoveAll();

@@ -14,7 +14,7 @@ Media NewTrackMedia(Track track, OSType type, TimeScale scale, Handle data_refer
 OSType GetMediaType(Media media);
 Track GetMediaTrack(Media media);
 TimeScale GetMediaTimeScale(Media media);
-TimeValue GetMediaDuration(Media media);         ///< of a sound: its frames
+TimeValue GetMediaDuration(Media media); ///< of a sound: its frames
 /// The media time that a track plays at a movie time; -1 when it plays none then.
 TimeValue TrackTimeToMediaTime(TimeValue movie_time, Track track);
 std::uint32_t GetMediaCreationTime(Media media); ///< seconds since 1 January 1904, GMT

@@ -147,8 +147,8 @@ struct MovieRecord {
     float balance = 0;
     std::uint32_t play_hints = 0;
     bool active = true;
-    DataReference file;                   ///< the movie's default data reference; no handle: none
-    std::shared_ptr<GrowingData> storage; ///< the file that new media without a reference write to
+    DataReference file;                      ///< the movie's default data reference; no handle: none
+    std::shared_ptr<GrowingData> storage;    ///< the file that new media without a reference write to
     std::shared_ptr<MoviePlayback> playback; ///< ends first, for it reads the tracks; null: never started
 };
 
