@@ -194,27 +194,32 @@ TEST_F(Playback, FollowsVolumeAndBalance) {
 
 TEST_F(Playback, FollowsTempoWithItsPitch) {
     const Frames sound = Sine(kRate / 2, 440);
-    for (const auto& [tempo, hertz] : {std::pair{"2", 880.0}, std::pair{"0.5", 220.0}}) {
-        Set("tempo", tempo);
+    struct Example {
+        const char* tempo;
+        double hertz;
+    };
+    for (const Example& example : {Example{"2", 880}, Example{"0.5", 220}}) {
+        Set("tempo", example.tempo);
         Run(kPlaySound, {Wave("s.wav", sound)});
         const Frames captured = Captured();
         const auto loud = [](const auto& frame) { return !Same(frame, {}); };
         const auto first = std::find_if(captured.begin(), captured.end(), loud);
         const auto last = std::find_if(captured.rbegin(), captured.rend(), loud).base();
         const auto length = static_cast<double>(last - first);
-        EXPECT_NEAR(length, kRate / 2 * 440 / hertz, 3) << tempo;
+        EXPECT_NEAR(length, kRate / 2 * 440 / example.hertz, 3) << example.tempo;
         // Whether the sine's first frame, which is next to 0, was among the loud ones is not known.
         const auto deviation = [&](std::size_t skipped) {
             double worst = 0;
             for (std::size_t i = kRamp; i + kRamp < static_cast<std::size_t>(length); ++i) {
-                const double phase = 2 * std::numbers::pi * hertz * static_cast<double>(i + skipped) / kRate;
+                const double phase =
+                    2 * std::numbers::pi * example.hertz * static_cast<double>(i + skipped) / kRate;
                 worst = std::max(
                     worst, std::abs(first[static_cast<std::ptrdiff_t>(i)].left - 0.5 * std::sin(phase)));
             }
             return worst;
         };
         const double worst = std::min(deviation(0), deviation(1));
-        EXPECT_LT(worst, 0.002) << tempo;
+        EXPECT_LT(worst, 0.002) << example.tempo;
         host.Send(kFM_CallShutdown);
         host.StartUp();
     }
