@@ -14,7 +14,8 @@ constexpr std::array<OSType, 5> kTypes = {Code("jp2 "), Code("mjp2"), Code("JP2 
 
 struct Input {
     DataSource& source;
-    std::uint64_t offset;
+    std::uint64_t cut_length_at; ///< 0: nowhere
+    std::uint64_t offset = 0;
 };
 
 OPJ_SIZE_T ReadInput(void* bytes, OPJ_SIZE_T count, void* data) {
@@ -22,6 +23,10 @@ OPJ_SIZE_T ReadInput(void* bytes, OPJ_SIZE_T count, void* data) {
     Input& input = *static_cast<Input*>(data);
     const std::size_t read =
         input.source.Read(input.offset, std::span(static_cast<std::byte*>(bytes), count));
+    // The library takes memory for the length that a tile part claims. 0 stands for what is left.
+    for (std::uint64_t at = input.cut_length_at; at != 0 && at < input.cut_length_at + 4; ++at)
+        if (at >= input.offset && at - input.offset < read)
+            static_cast<std::byte*>(bytes)[at - input.offset] = std::byte{0};
     input.offset += read;
     return read > 0 ? read : kEnd;
 }
@@ -53,7 +58,7 @@ using OpjImage = std::unique_ptr<opj_image_t, DestroyImage>;
 
 OpjImage DecodeComponents(DataSource& source, const Jpeg2000Header& header) {
     constexpr std::uint64_t kSamplesWorthThreads = 1 << 18;
-    Input input{source, 0};
+    Input input{source, header.cut_length_at};
     const Stream stream(opj_stream_create(OPJ_J2K_STREAM_CHUNK_SIZE, OPJ_TRUE), opj_stream_destroy);
     const Codec codec(opj_create_decompress(header.has_boxes ? OPJ_CODEC_JP2 : OPJ_CODEC_J2K),
                       opj_destroy_codec);
@@ -66,7 +71,8 @@ OpjImage DecodeComponents(DataSource& source, const Jpeg2000Header& header) {
     opj_dparameters_t parameters;
     opj_set_default_decoder_parameters(&parameters);
     if (opj_setup_decoder(codec.get(), &parameters) == OPJ_FALSE) return nullptr;
-    opj_decoder_set_strict_mode(codec.get(), OPJ_FALSE); // data that breaks off gives what is there
+    // Data that breaks off gives what is there.
+    opj_decoder_set_strict_mode(codec.get(), header.cut_length_at == 0 ? OPJ_TRUE : OPJ_FALSE);
     if (header.samples >= kSamplesWorthThreads) {
         const unsigned threads = std::clamp(std::thread::hardware_concurrency(), 1U, 8U);
         opj_codec_set_threads(codec.get(), static_cast<int>(threads));

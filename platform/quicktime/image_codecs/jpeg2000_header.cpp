@@ -56,6 +56,20 @@ bool ReadSize(DataSource& source, std::uint64_t at, Jpeg2000Header& header) {
     return header.tiles * header.components <= kMostTileComponents && header.tiles <= source.GetSize();
 }
 
+/// Walks the tile parts from the first on, as far as each begins where the one before it ends.
+void FindCutTilePart(DataSource& source, std::uint64_t at, Jpeg2000Header& header) {
+    std::array<std::byte, 10> part;
+    while (ReadAt(source, at, part) && BigEndian16(part.data()) == kStartOfTile) {
+        const std::uint32_t length = BigEndian32(&part[6]);
+        if (length == 0) return; // up to the end of the data
+        if (length > source.GetSize() - at) {
+            header.cut_length_at = at + 6;
+            return;
+        }
+        at += std::max<std::uint32_t>(length, part.size());
+    }
+}
+
 /// The main header from its first marker on.
 bool ReadCodestream(DataSource& source, std::uint64_t at, Jpeg2000Header& header) {
     std::array<std::byte, 4> start;
@@ -66,7 +80,10 @@ bool ReadCodestream(DataSource& source, std::uint64_t at, Jpeg2000Header& header
     while (ReadAt(source, at, segment)) {
         const std::uint32_t marker = BigEndian16(segment.data());
         const std::uint32_t length = BigEndian16(&segment[2]);
-        if (marker == kStartOfTile) return has_size;
+        if (marker == kStartOfTile) {
+            FindCutTilePart(source, at, header);
+            return has_size;
+        }
         if (marker < 0xFF00 || length < 2) return false;
         if (!has_size) {
             has_size = ReadSize(source, at + 4, header);

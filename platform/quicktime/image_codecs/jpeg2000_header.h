@@ -12,6 +12,8 @@ struct Jpeg2000Header {
     std::uint64_t tiles = 0;
     std::uint32_t components = 0;
     std::uint64_t samples = 0; ///< of all components together
+    /// Where the length stands of a tile part that ends beyond the data, which breaks off there; 0: nowhere.
+    std::uint64_t cut_length_at = 0;
     bool is_reversible = false;
     bool has_palette = false;
     bool has_alpha = false;
