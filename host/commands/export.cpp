@@ -1,7 +1,5 @@
 #include "host/commands/commands.h"
-#include "host/commands/interruption.h"
-#include "host/commands/open_table.h"
-#include "host/commands/progress_line.h"
+#include "host/commands/each_record.h"
 #include "platform/text/utf.h"
 
 #include <filesystem>
@@ -23,29 +21,7 @@ public:
 
     int Run() {
         if (std::string problem = Prepare(); !problem.empty()) return CommandFailed(problem);
-        const RecordWork work{line_.table.where, {}};
-        RecordWorker worker(engine_, table_.Values(), table_.GetTable(), work);
-        if (!Parses(engine_, work.condition) || !Parses(engine_, line_.table.name)) return kUsageError;
-        std::int64_t count = 0;
-        std::int64_t last = 0;
-        std::string problem = table_.GetRecords().CountAfter(0, count);
-        if (problem.empty()) problem = table_.GetRecords().LastNumber(last);
-        if (!problem.empty()) return CommandFailed(problem);
-
-        const Interruption interruption;
-        ProgressLine progress(count, line_.session.progress);
-        problem = ForEachRecord(table_.GetRecords(), last, [&](std::int64_t record) {
-            const RecordResult result = worker.Do(record);
-            const auto failure = result.chosen && !result.failure ? Write() : result.failure;
-            if (failure) {
-                progress.Complain("record " + std::to_string(record) + ": " + failure->Text());
-                status_ = 1;
-            }
-            progress.Step();
-            return !Interruption::IsWished();
-        });
-        if (!problem.empty()) return CommandFailed(problem);
-        return Interruption::IsWished() ? Interruption::ExitStatus() : status_;
+        return EachChosenRecord(engine_, table_, line_, [this](std::int64_t) { return Write(); });
     }
 
 private:
@@ -88,7 +64,6 @@ private:
     OpenTable table_;
     const Field* field_ = nullptr;
     std::string folder_; ///< host path text with a "/" at its end
-    int status_ = 0;
 };
 
 } // namespace

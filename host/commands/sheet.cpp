@@ -1,7 +1,5 @@
 #include "host/commands/commands.h"
-#include "host/commands/interruption.h"
-#include "host/commands/open_table.h"
-#include "host/commands/progress_line.h"
+#include "host/commands/each_record.h"
 #include "host/commands/sheet_page.h"
 #include "platform/text/utf.h"
 
@@ -104,32 +102,12 @@ public:
 
     int Run() {
         if (std::string problem = Prepare(); !problem.empty()) return CommandFailed(problem);
-        const RecordWork work{line_.table.where, {}};
-        RecordWorker worker(engine_, table_.Values(), table_.GetTable(), work);
-        if (!Parses(engine_, work.condition) || !Parses(engine_, line_.table.name)) return kUsageError;
-        std::int64_t count = 0;
-        std::int64_t last = 0;
-        std::string problem = table_.GetRecords().CountAfter(0, count);
-        if (problem.empty()) problem = table_.GetRecords().LastNumber(last);
-        if (!problem.empty()) return CommandFailed(problem);
-
         (void)engine_.Evaluate("Media_SetImageDefaults(-1; False)"); // previews would be thrown away
-        const Interruption interruption;
-        ProgressLine progress(count, line_.session.progress);
-        problem = ForEachRecord(table_.GetRecords(), last, [&](std::int64_t record) {
-            const RecordResult result = worker.Do(record);
-            auto failure = result.failure;
-            if (result.chosen && !failure) failure = AddCard(record);
-            if (failure) {
-                progress.Complain("record " + std::to_string(record) + ": " + failure->Text());
-                status_ = 1;
-            }
-            progress.Step();
-            return !Interruption::IsWished();
-        });
-        if (problem.empty()) problem = WritePages();
-        if (!problem.empty()) return CommandFailed(problem);
-        return Interruption::IsWished() ? Interruption::ExitStatus() : status_;
+        const int status =
+            EachChosenRecord(engine_, table_, line_, [this](std::int64_t record) { return AddCard(record); });
+        if (status == kUsageError) return status;
+        if (const std::string problem = WritePages(); !problem.empty()) return CommandFailed(problem);
+        return status;
     }
 
 private:
@@ -249,7 +227,6 @@ private:
     std::string field_;    ///< the field in a calculation
     std::string pictures_; ///< host path text of the folder, with a "/" at its end
     std::vector<SheetCard> cards_;
-    int status_ = 0;
 };
 
 } // namespace

@@ -2,7 +2,6 @@
 // compositor.
 #include "platform/quicktime/effects/effect.h"
 #include "platform/quicktime/effects/pixel_math.h"
-#include "platform/quicktime/effects/rows.h"
 #include "platform/quicktime/effects/second_source.h"
 
 #include <array>
@@ -11,25 +10,11 @@
 namespace qt {
 namespace {
 
-/// out = combine(a, b) for all pixels.
-template <class Combine>
-void EachPair(const EffectInput& input, PixelImage& out, Combine combine) {
-    DrawInBands(out.height(), PixelCount(out), [&](std::int32_t first, std::int32_t last) {
-        SecondSource second(*input.b, out.width());
-        for (std::int32_t y = first; y < last; ++y) {
-            const std::uint32_t* a = input.a.Row(y);
-            const std::uint32_t* b = second.Row(y);
-            std::uint32_t* row = out.Row(y);
-            for (std::int32_t x = 0; x < out.width(); ++x) row[x] = combine(a[x], b[x]);
-        }
-    });
-}
-
 constexpr std::array kCrossFade = {PercentParameter("percent", "Share of source B", 50)};
 
 void RenderCrossFade(const EffectInput& input, PixelImage& out) {
     const auto weight = static_cast<std::uint32_t>(std::lround(input.values.Fraction("percent") * 255));
-    EachPair(input, out, [=](std::uint32_t a, std::uint32_t b) { return Mix(a, b, weight); });
+    EachPair(input, out, [=](std::uint32_t a, std::uint32_t b, auto, auto) { return Mix(a, b, weight); });
 }
 
 constexpr std::array kChromaKey = {
@@ -56,7 +41,7 @@ void RenderChromaKey(const EffectInput& input, PixelImage& out) {
     const Chroma key = ChromaOf(input.values.Colour("key"));
     const auto near = static_cast<float>(input.values.Fraction("tolerance")) * kLongest;
     const auto border = std::max(static_cast<float>(input.values.Fraction("softness")) * kLongest, 0.01F);
-    EachPair(input, out, [=](std::uint32_t a, std::uint32_t b) {
+    EachPair(input, out, [=](std::uint32_t a, std::uint32_t b, auto, auto) {
         const Chroma colour = ChromaOf(a);
         const float distance = std::hypot(colour.blue - key.blue, colour.red - key.red);
         return Mix(b, a, ToByte((distance - near) / border * 255));
@@ -89,7 +74,7 @@ void RenderAlphaCompositor(const EffectInput& input, PixelImage& out) {
     const auto operation = static_cast<std::size_t>(input.values.Whole("operation"));
     const std::int32_t kind = input.values.Whole("alpha");
     const auto opacity = static_cast<std::uint32_t>(std::lround(input.values.Fraction("opacity") * 255));
-    EachPair(input, out, [=](std::uint32_t source_a, std::uint32_t b) {
+    EachPair(input, out, [=](std::uint32_t source_a, std::uint32_t b, auto, auto) {
         const std::uint32_t alpha_a = Divide255(Alpha(source_a) * opacity);
         const std::uint32_t a = (StraightBy(kind, source_a) & 0x00FF'FFFF) | alpha_a << 24;
         const std::uint32_t outside_a = 255 - alpha_a;
@@ -123,7 +108,7 @@ void RenderChannelCompositor(const EffectInput& input, PixelImage& out) {
                                              static_cast<std::size_t>(input.values.Whole("green")),
                                              static_cast<std::size_t>(input.values.Whole("blue")),
                                              static_cast<std::size_t>(input.values.Whole("alpha"))};
-    EachPair(input, out, [=](std::uint32_t a, std::uint32_t b) {
+    EachPair(input, out, [=](std::uint32_t a, std::uint32_t b, auto, auto) {
         const std::array<std::uint32_t, 10> channels = {Red(a),   Green(a), Blue(a),  Alpha(a), Red(b),
                                                         Green(b), Blue(b),  Alpha(b), 0,        255};
         return Pixel(channels[from[0]], channels[from[1]], channels[from[2]], channels[from[3]]);

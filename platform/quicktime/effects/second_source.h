@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/quicktime/pixel_image.h"
+#include "platform/quicktime/effects/effect.h"
+#include "platform/quicktime/effects/rows.h"
 
 #include <algorithm>
 #include <vector>
@@ -31,5 +32,19 @@ private:
     std::int32_t width_;
     std::vector<std::uint32_t> padded_;
 };
+
+/// out = combine(a, b, x, y) for all pixels, in bands on several threads.
+template <class Combine>
+void EachPair(const EffectInput& input, PixelImage& out, Combine combine) {
+    DrawInBands(out.height(), PixelCount(out), [&](std::int32_t first, std::int32_t last) {
+        SecondSource second(*input.b, out.width());
+        for (std::int32_t y = first; y < last; ++y) {
+            const std::uint32_t* a = input.a.Row(y);
+            const std::uint32_t* b = second.Row(y);
+            std::uint32_t* row = out.Row(y);
+            for (std::int32_t x = 0; x < out.width(); ++x) row[x] = combine(a[x], b[x], x, y);
+        }
+    });
+}
 
 } // namespace qt

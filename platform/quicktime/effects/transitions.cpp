@@ -3,7 +3,6 @@
 #include "platform/quicktime/effects/effect.h"
 #include "platform/quicktime/effects/pixel_math.h"
 #include "platform/quicktime/effects/random.h"
-#include "platform/quicktime/effects/rows.h"
 #include "platform/quicktime/effects/second_source.h"
 
 #include <array>
@@ -22,15 +21,8 @@ void RenderByMoment(const EffectInput& input, double softness, PixelImage& out, 
     constexpr double kHardest = 1e-4; // less than the change from one pixel to the next
     const auto border = static_cast<float>(std::max(softness, kHardest));
     const auto way = static_cast<float>(input.values.Fraction("percent")) * (1 + border);
-    DrawInBands(out.height(), PixelCount(out), [&](std::int32_t first, std::int32_t last) {
-        SecondSource second(*input.b, out.width());
-        for (std::int32_t y = first; y < last; ++y) {
-            const std::uint32_t* a = input.a.Row(y);
-            const std::uint32_t* b = second.Row(y);
-            std::uint32_t* row = out.Row(y);
-            for (std::int32_t x = 0; x < out.width(); ++x)
-                row[x] = Mix(a[x], b[x], ToByte((way - moment(x, y)) / border * 255));
-        }
+    EachPair(input, out, [&](std::uint32_t a, std::uint32_t b, std::int32_t x, std::int32_t y) {
+        return Mix(a, b, ToByte((way - moment(x, y)) / border * 255));
     });
 }
 

@@ -7,8 +7,6 @@
 namespace qt {
 namespace {
 
-constexpr int kBuffer = 1 << 16;
-
 struct ContainerRow {
     std::string_view demuxer; ///< the first of its names
     OSType importer;
@@ -70,46 +68,23 @@ OSType ImporterOf(std::string_view demuxer) {
 }
 
 /// A data source as the library reads files.
-class SourceReader {
+class SourceReader final : public AvStream {
 public:
-    explicit SourceReader(std::shared_ptr<DataSource> data) : data_(std::move(data)) {
-        auto* buffer = static_cast<unsigned char*>(av_malloc(kBuffer));
-        if (buffer != nullptr) context_ = avio_alloc_context(buffer, kBuffer, 0, this, Read, nullptr, Seek);
-        if (context_ == nullptr) av_free(buffer);
-    }
-    SourceReader(const SourceReader&) = delete;
-    SourceReader& operator=(const SourceReader&) = delete;
-    ~SourceReader() {
-        if (context_ != nullptr) av_freep(&context_->buffer);
-        avio_context_free(&context_);
-    }
-
-    [[nodiscard]] AVIOContext* Context() const { return context_; }
+    explicit SourceReader(std::shared_ptr<DataSource> data)
+        : AvStream(Read, nullptr), data_(std::move(data)) {}
 
 private:
-    static int Read(void* opaque, std::uint8_t* buffer, int size) {
-        auto& self = *static_cast<SourceReader*>(opaque);
+    static int Read(void* stream, std::uint8_t* buffer, int size) {
+        auto& self = *static_cast<SourceReader*>(static_cast<AvStream*>(stream));
         const std::size_t got = self.data_->Read(
             self.position_, {reinterpret_cast<std::byte*>(buffer), static_cast<std::size_t>(size)});
         self.position_ += got;
         return got > 0 ? static_cast<int>(got) : AVERROR_EOF;
     }
 
-    static std::int64_t Seek(void* opaque, std::int64_t offset, int whence) {
-        auto& self = *static_cast<SourceReader*>(opaque);
-        const auto size = static_cast<std::int64_t>(self.data_->GetSize());
-        if ((whence & AVSEEK_SIZE) != 0) return size;
-        const int from = whence & 3;
-        if (from == SEEK_CUR) offset += static_cast<std::int64_t>(self.position_);
-        if (from == SEEK_END) offset += size;
-        if (offset < 0) return AVERROR(EINVAL);
-        self.position_ = static_cast<std::uint64_t>(offset);
-        return offset;
-    }
+    [[nodiscard]] std::uint64_t Size() const override { return data_->GetSize(); }
 
     std::shared_ptr<DataSource> data_;
-    std::uint64_t position_ = 0;
-    AVIOContext* context_ = nullptr;
 };
 
 class AvFile final : public DemultiplexedSound {

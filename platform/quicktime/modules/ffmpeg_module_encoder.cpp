@@ -7,7 +7,6 @@
 namespace qt {
 namespace {
 
-constexpr int kBuffer = 1 << 16;
 constexpr int kUsualFrame = 4096; ///< for encoders that take any number of samples
 
 struct SampleFormat {
@@ -59,25 +58,13 @@ void Fill(std::span<const std::byte> packed, AVFrame& frame, int first, int coun
 }
 
 /// A sink as the library writes files.
-class SinkWriter {
+class SinkWriter final : public AvStream {
 public:
-    explicit SinkWriter(EncodedSink& sink) : sink_(sink) {
-        auto* buffer = static_cast<unsigned char*>(av_malloc(kBuffer));
-        if (buffer != nullptr) context_ = avio_alloc_context(buffer, kBuffer, 1, this, nullptr, Write, Seek);
-        if (context_ == nullptr) av_free(buffer);
-    }
-    SinkWriter(const SinkWriter&) = delete;
-    SinkWriter& operator=(const SinkWriter&) = delete;
-    ~SinkWriter() {
-        if (context_ != nullptr) av_freep(&context_->buffer);
-        avio_context_free(&context_);
-    }
-
-    [[nodiscard]] AVIOContext* Context() const { return context_; }
+    explicit SinkWriter(EncodedSink& sink) : AvStream(nullptr, Write), sink_(sink) {}
 
 private:
-    static int Write(void* opaque, std::uint8_t* bytes, int size) {
-        auto& self = *static_cast<SinkWriter*>(opaque);
+    static int Write(void* stream, std::uint8_t* bytes, int size) {
+        auto& self = *static_cast<SinkWriter*>(static_cast<AvStream*>(stream));
         const auto data =
             std::span(reinterpret_cast<const std::byte*>(bytes), static_cast<std::size_t>(size));
         if (!self.sink_.Write(self.position_, data)) return AVERROR(EIO);
@@ -85,21 +72,9 @@ private:
         return size;
     }
 
-    static std::int64_t Seek(void* opaque, std::int64_t offset, int whence) {
-        auto& self = *static_cast<SinkWriter*>(opaque);
-        const auto size = static_cast<std::int64_t>(self.sink_.GetSize());
-        if ((whence & AVSEEK_SIZE) != 0) return size;
-        const int from = whence & 3;
-        if (from == SEEK_CUR) offset += static_cast<std::int64_t>(self.position_);
-        if (from == SEEK_END) offset += size;
-        if (offset < 0) return AVERROR(EINVAL);
-        self.position_ = static_cast<std::uint64_t>(offset);
-        return offset;
-    }
+    [[nodiscard]] std::uint64_t Size() const override { return sink_.GetSize(); }
 
     EncodedSink& sink_;
-    std::uint64_t position_ = 0;
-    AVIOContext* context_ = nullptr;
 };
 
 struct OutputDeleter {

@@ -19,6 +19,31 @@ struct AvDeleter {
 template <class Object>
 using Av = std::unique_ptr<Object, AvDeleter>;
 
+/// Bytes of ours as the library reads or writes files.
+class AvStream {
+public:
+    AvStream(const AvStream&) = delete;
+    AvStream& operator=(const AvStream&) = delete;
+
+    [[nodiscard]] AVIOContext* Context() const { return context_; } ///< null: out of memory
+
+protected:
+    using Transfer = int (*)(void* stream, std::uint8_t* bytes, int size); ///< `stream` is the AvStream
+
+    /// Exactly one of the two is given.
+    AvStream(Transfer read, Transfer write);
+    ~AvStream();
+
+    [[nodiscard]] virtual std::uint64_t Size() const = 0;
+
+    std::uint64_t position_ = 0;
+
+private:
+    static std::int64_t Seek(void* stream, std::int64_t offset, int whence);
+
+    AVIOContext* context_ = nullptr;
+};
+
 /// Appends a frame's samples as interleaved floats; false for a sample format that is none.
 bool AppendFrame(const AVFrame& frame, std::vector<float>& out);
 
