@@ -37,7 +37,7 @@ Module LoadModule(const std::string& name) {
     if (const auto found = loaded.find(name); found != loaded.end()) return {found->second, {}};
 
     const std::string file = OwnFolder() + "corvane-" + name + ".so";
-    void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* library = dlopen(file.c_str(), RTLD_LAZY | RTLD_LOCAL);
     if (library == nullptr) return {nullptr, "could not load the module: " + DynamicLinkerError()};
     const auto entry = reinterpret_cast<const void* (*)()>(dlsym(library, "corvane_module"));
     const void* table = entry == nullptr ? nullptr : entry();

@@ -1,10 +1,16 @@
 #include "platform/quicktime/image_codecs/tiff_file.h"
 
+#include "platform/win32/modules.h"
+
 #include <algorithm>
 #include <cstdio>
 
 namespace qt {
 namespace {
+
+const TiffLibrary* LoadTiff() {
+    return static_cast<const TiffLibrary*>(win32::LoadModule("tiff").table);
+}
 
 int Ignore(TIFF*, void*, const char*, const char*, va_list) {
     return 1; // handled: the process's own handlers are not called
@@ -30,7 +36,7 @@ std::uint16_t ColoursOf(std::uint16_t photometric) {
 void ReadAlpha(TIFF* tiff, TiffLayout& layout) {
     std::uint16_t count = 0;
     const std::uint16_t* kinds = nullptr;
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_EXTRASAMPLES, &count, &kinds);
+    Tiff().GetFieldDefaulted(tiff, TIFFTAG_EXTRASAMPLES, &count, &kinds);
     const bool may_have_alpha =
         layout.samples > layout.colours && layout.colours != 4 && layout.photometric != PHOTOMETRIC_PALETTE;
     layout.has_alpha = may_have_alpha && count > 0;
@@ -39,20 +45,26 @@ void ReadAlpha(TIFF* tiff, TiffLayout& layout) {
 
 } // namespace
 
+const TiffLibrary& Tiff() {
+    static const TiffLibrary& library = *LoadTiff();
+    return library;
+}
+
 std::unique_ptr<TIFFOpenOptions, FreeTiffOptions> QuietTiffOptions() {
-    std::unique_ptr<TIFFOpenOptions, FreeTiffOptions> options(TIFFOpenOptionsAlloc());
+    if (LoadTiff() == nullptr) return nullptr;
+    std::unique_ptr<TIFFOpenOptions, FreeTiffOptions> options(Tiff().OpenOptionsAlloc());
     if (options == nullptr) return options;
-    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), Ignore, nullptr);
-    TIFFOpenOptionsSetWarningHandlerExtR(options.get(), Ignore, nullptr);
-    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), static_cast<tmsize_t>(kMaximumPixelBytes));
+    Tiff().OpenOptionsSetErrorHandlerExtR(options.get(), Ignore, nullptr);
+    Tiff().OpenOptionsSetWarningHandlerExtR(options.get(), Ignore, nullptr);
+    Tiff().OpenOptionsSetMaxSingleMemAlloc(options.get(), static_cast<tmsize_t>(kMaximumPixelBytes));
     return options;
 }
 
 TiffFile::TiffFile(DataSource& source) : input_{source, 0} {
     const auto options = QuietTiffOptions();
     if (options == nullptr) return;
-    tiff_.reset(TIFFClientOpenExt("", "rm", &input_, Read, Write, Seek, Close, GetSize, nullptr, nullptr,
-                                  options.get()));
+    tiff_.reset(Tiff().ClientOpenExt("", "rm", &input_, Read, Write, Seek, Close, GetSize, nullptr, nullptr,
+                                     options.get()));
 }
 
 tmsize_t TiffFile::Read(thandle_t handle, void* bytes, tmsize_t count) {
@@ -88,17 +100,17 @@ toff_t TiffFile::GetSize(thandle_t handle) {
 ComponentResult ReadTiffLayout(TIFF* tiff, TiffLayout& layout) {
     std::uint16_t format = SAMPLEFORMAT_UINT;
     std::uint16_t planes = PLANARCONFIG_CONTIG;
-    TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &layout.width);
-    TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &layout.height);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &layout.bits);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &layout.samples);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &layout.compression);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLEFORMAT, &format);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_PLANARCONFIG, &planes);
-    if (TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &layout.photometric) == 0) {
+    Tiff().GetField(tiff, TIFFTAG_IMAGEWIDTH, &layout.width);
+    Tiff().GetField(tiff, TIFFTAG_IMAGELENGTH, &layout.height);
+    Tiff().GetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &layout.bits);
+    Tiff().GetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &layout.samples);
+    Tiff().GetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &layout.compression);
+    Tiff().GetFieldDefaulted(tiff, TIFFTAG_SAMPLEFORMAT, &format);
+    Tiff().GetFieldDefaulted(tiff, TIFFTAG_PLANARCONFIG, &planes);
+    if (Tiff().GetField(tiff, TIFFTAG_PHOTOMETRIC, &layout.photometric) == 0) {
         layout.photometric = layout.samples >= 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK;
     }
-    if (TIFFIsCODECConfigured(layout.compression) == 0) return codecBadDataErr;
+    if (Tiff().IsCODECConfigured(layout.compression) == 0) return codecBadDataErr;
     layout.is_float = format == SAMPLEFORMAT_IEEEFP;
     layout.has_planes = planes == PLANARCONFIG_SEPARATE && layout.samples > 1;
     layout.colours = IsJpegYCbCr(layout) ? 3 : ColoursOf(layout.photometric);
@@ -113,7 +125,7 @@ ComponentResult ReadTiffLayout(TIFF* tiff, TiffLayout& layout) {
     }
     std::array<char, 1024> message;
     layout.is_converted = true;
-    return TIFFRGBAImageOK(tiff, message.data()) != 0 ? ComponentResult{noErr} : codecBadDataErr;
+    return Tiff().RGBAImageOK(tiff, message.data()) != 0 ? ComponentResult{noErr} : codecBadDataErr;
 }
 
 } // namespace qt

@@ -2,21 +2,24 @@
 #pragma once
 
 #include "platform/quicktime/image_codecs/codec.h"
+#include "platform/quicktime/modules/tiff_library.h"
 
 #include <memory>
-#include <tiffio.h>
 
 namespace qt {
 
+/// The library. To be asked for only once QuietTiffOptions() has answered some, for it may be missing.
+const TiffLibrary& Tiff();
+
 struct FreeTiffOptions {
-    void operator()(TIFFOpenOptions* options) const { TIFFOpenOptionsFree(options); }
+    void operator()(TIFFOpenOptions* options) const { Tiff().OpenOptionsFree(options); }
 };
 /// Options under which the library says nothing and takes no more memory at once than pixels may take. Its
-/// message handlers of the process stay as they are. Null without memory.
+/// message handlers of the process stay as they are. Null without memory or without the library.
 std::unique_ptr<TIFFOpenOptions, FreeTiffOptions> QuietTiffOptions();
 
 struct CloseTiff {
-    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+    void operator()(TIFF* tiff) const { Tiff().Close(tiff); }
 };
 using TiffPointer = std::unique_ptr<TIFF, CloseTiff>;
 

@@ -97,7 +97,7 @@ private:
                     static_cast<std::uint32_t>((i * 255 + (count - 1) / 2) / (count - 1)) ^ inverted;
                 colours_[i] = Pixel(grey, grey, grey);
             }
-        } else if (TIFFGetField(tiff, TIFFTAG_COLORMAP, maps.data(), &maps[1], &maps[2]) != 0) {
+        } else if (Tiff().GetField(tiff, TIFFTAG_COLORMAP, maps.data(), &maps[1], &maps[2]) != 0) {
             const bool has_words = std::ranges::any_of(maps, [&](const std::uint16_t* map) {
                 return std::any_of(map, map + count, [](std::uint16_t value) { return value > 255; });
             });
@@ -207,7 +207,7 @@ private:
 /// Answers how many rows there were.
 std::int32_t DecodeStrips(TIFF* tiff, const TiffLayout& layout, DataSource& source, const RowPainter& painter,
                           PixelImage& image) {
-    const tmsize_t size = TIFFScanlineSize(tiff);
+    const tmsize_t size = Tiff().ScanlineSize(tiff);
     const std::uint64_t needed =
         (std::uint64_t{layout.width} * (layout.has_planes ? 1 : layout.samples) * layout.bits + 7) / 8;
     if (size <= 0 || static_cast<std::uint64_t>(size) < needed) return 0;
@@ -239,10 +239,10 @@ public:
 
     /// Answers whether there was any tile. What is missing is white.
     bool Decode() {
-        const tmsize_t size = TIFFTileSize(tiff_);
-        TIFFGetField(tiff_, TIFFTAG_TILEWIDTH, &width_);
-        TIFFGetField(tiff_, TIFFTAG_TILELENGTH, &height_);
-        row_size_ = TIFFTileRowSize(tiff_);
+        const tmsize_t size = Tiff().TileSize(tiff_);
+        Tiff().GetField(tiff_, TIFFTAG_TILEWIDTH, &width_);
+        Tiff().GetField(tiff_, TIFFTAG_TILELENGTH, &height_);
+        row_size_ = Tiff().TileRowSize(tiff_);
         const std::uint64_t needed =
             (std::uint64_t{width_} * (layout_.has_planes ? 1 : layout_.samples) * layout_.bits + 7) / 8;
         if (size <= 0 || size > kMostTileBytes || row_size_ <= 0 || width_ == 0 || height_ == 0 ||
@@ -264,8 +264,8 @@ private:
         bool is_whole = true;
         for (std::uint16_t plane = 0; plane < planes; ++plane) {
             const auto size = static_cast<tmsize_t>(tile_.size() - kPadding);
-            const std::uint32_t tile = TIFFComputeTile(tiff_, left, top, 0, plane);
-            is_whole = is_whole && TIFFReadEncodedTile(tiff_, tile, tile_.data(), size) > 0;
+            const std::uint32_t tile = Tiff().ComputeTile(tiff_, left, top, 0, plane);
+            is_whole = is_whole && Tiff().ReadEncodedTile(tiff_, tile, tile_.data(), size) > 0;
             for (std::uint32_t y = 0; is_whole && y < rows; ++y) {
                 const std::byte* stored = tile_.data() + y * static_cast<std::size_t>(row_size_);
                 std::uint32_t* pixels = image_.Row(static_cast<std::int32_t>(top + y)) + left;
@@ -301,14 +301,14 @@ private:
 /// Lets the library make RGB of samples such as YCbCr or CIE L*a*b*, some rows at a time.
 class Converter {
 public:
-    explicit Converter(TIFF* tiff) : begun_(TIFFRGBAImageBegin(&state_, tiff, 1, message_.data()) != 0) {
+    explicit Converter(TIFF* tiff) : begun_(Tiff().RGBAImageBegin(&state_, tiff, 1, message_.data()) != 0) {
         state_.orientation = ORIENTATION_TOPLEFT;
         state_.req_orientation = ORIENTATION_TOPLEFT;
     }
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
     ~Converter() {
-        if (begun_) TIFFRGBAImageEnd(&state_);
+        if (begun_) Tiff().RGBAImageEnd(&state_);
     }
 
     /// Answers how many rows there were.
@@ -320,7 +320,7 @@ public:
         for (std::int32_t top = 0; top < image.height(); top += band) {
             const std::int32_t rows = std::min(band, image.height() - top);
             state_.row_offset = top;
-            if (TIFFRGBAImageGet(&state_, pixels.data(), width, static_cast<std::uint32_t>(rows)) == 0)
+            if (Tiff().RGBAImageGet(&state_, pixels.data(), width, static_cast<std::uint32_t>(rows)) == 0)
                 return top;
             for (std::int32_t y = 0; y < rows; ++y) {
                 const std::uint32_t* row = pixels.data() + static_cast<std::size_t>(y) * width;
@@ -335,10 +335,10 @@ public:
 private:
     static std::int32_t BandHeight(TIFF* tiff) {
         std::uint32_t height = 0;
-        if (TIFFIsTiled(tiff) != 0) {
-            TIFFGetField(tiff, TIFFTAG_TILELENGTH, &height);
+        if (Tiff().IsTiled(tiff) != 0) {
+            Tiff().GetField(tiff, TIFFTAG_TILELENGTH, &height);
         } else {
-            TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &height);
+            Tiff().GetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &height);
         }
         return static_cast<std::int32_t>(std::clamp<std::uint32_t>(height, 1, kMaximumDimension));
     }
@@ -356,12 +356,12 @@ ComponentResult DecodeTiff(TIFF* tiff, const TiffLayout& layout, DataSource& sou
         rows = Converter(tiff).Convert(tiff, image);
     } else {
         if (layout.photometric == PHOTOMETRIC_YCBCR) {
-            TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+            Tiff().SetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
         }
         const RowPainter painter(tiff, layout);
         image.has_alpha = layout.has_alpha;
         image.is_grey = painter.IsGrey();
-        if (TIFFIsTiled(tiff) != 0) {
+        if (Tiff().IsTiled(tiff) != 0) {
             rows = TileDecoder(tiff, layout, painter, image).Decode() ? image.height() : 0;
         } else {
             rows = DecodeStrips(tiff, layout, source, painter, image);

@@ -2,9 +2,9 @@
 
 #include "platform/quicktime/movie_exporters/movie_exporter.h"
 #include "platform/quicktime/movie_exporters/sound_exporter.h"
+#include "platform/quicktime/movies/sound_module.h"
 
 #include <limits>
-#include <sndfile.h>
 
 namespace qt {
 namespace {
@@ -62,21 +62,22 @@ public:
         info.samplerate = static_cast<int>(layout_.rate);
         info.channels = static_cast<int>(layout_.channels);
         info.format = format_;
-        if (layout_.rate > std::numeric_limits<int>::max() || sf_format_check(&info) == 0) return paramErr;
+        if (layout_.rate > std::numeric_limits<int>::max() || Sndfile()->format_check(&info) == 0)
+            return paramErr;
         static SF_VIRTUAL_IO functions = {Size, Seek, Read, Write, Tell};
-        sound_.reset(sf_open_virtual(&functions, SFM_WRITE, &info, this));
+        sound_.reset(Sndfile()->open_virtual(&functions, SFM_WRITE, &info, this));
         if (sound_ == nullptr) return file_.GetCode() != noErr ? file_.GetCode() : paramErr;
-        sf_command(sound_.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
+        Sndfile()->command(sound_.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
         return noErr;
     }
 
     OSErr Write(std::span<const std::byte> frames) override {
         const auto size = static_cast<sf_count_t>(frames.size());
         if (raw_) {
-            sf_write_raw(sound_.get(), frames.data(), size);
+            Sndfile()->write_raw(sound_.get(), frames.data(), size);
         } else {
-            sf_write_short(sound_.get(), reinterpret_cast<const short*>(frames.data()),
-                           size / sf_count_t{sizeof(short)});
+            Sndfile()->write_short(sound_.get(), reinterpret_cast<const short*>(frames.data()),
+                                   size / sf_count_t{sizeof(short)});
         }
         return file_.GetCode();
     }
@@ -88,7 +89,7 @@ public:
 
 private:
     struct Closer {
-        void operator()(SNDFILE* sound) const { sf_close(sound); }
+        void operator()(SNDFILE* sound) const { Sndfile()->close(sound); }
     };
 
     static sf_count_t Size(void* context) {
@@ -130,6 +131,7 @@ private:
 
 std::unique_ptr<SoundFileWriter> OpenPcmFileWriter(const SoundExporterRow& row, const SoundSettings& settings,
                                                    ExportedFile& file) {
+    if (Sndfile() == nullptr) return nullptr;
     return std::make_unique<PcmFileWriter>(row.subtype, settings, file);
 }
 

@@ -5,3 +5,7 @@
 const qt::FfmpegModule* qt::SoundModule() {
     return static_cast<const FfmpegModule*>(win32::LoadModule("ffmpeg").table);
 }
+
+const qt::SndfileLibrary* qt::Sndfile() {
+    return static_cast<const SndfileLibrary*>(win32::LoadModule("sndfile").table);
+}

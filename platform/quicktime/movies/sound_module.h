@@ -1,11 +1,15 @@
-// The module that decodes compressed sound and changes rates.
+// The modules that sounds need.
 #pragma once
 
 #include "platform/quicktime/modules/ffmpeg_module.h"
+#include "platform/quicktime/modules/sndfile_library.h"
 
 namespace qt {
 
-/// Loads it at the first call; null when it can't be.
+/// Decodes and encodes compressed sound, and changes rates. Loaded at the first call; null when it can't be.
 const FfmpegModule* SoundModule();
+
+/// The library of uncompressed sound files. Loaded at the first call; null when it can't be.
+const SndfileLibrary* Sndfile();
 
 } // namespace qt
