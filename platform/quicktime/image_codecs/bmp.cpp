@@ -283,13 +283,6 @@ bool Sniff(std::span<const std::byte> head) {
            IsKnownSize(LittleEndian32(head.data() + kFileHeader));
 }
 
-ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
-    Header header;
-    if (const auto code = ReadHeader(source, header); code != noErr) return code;
-    facts.data_size = source.GetSize();
-    return Describe(header, facts.description);
-}
-
 ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& image) {
     constexpr std::uint32_t kMostPixelsOfRunByte = 128;
     Header header;
@@ -318,6 +311,6 @@ ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& 
 
 } // namespace
 
-const ImageCodec kBmpCodec = {kTypes, Sniff, ReadFacts, true, Decode};
+const ImageCodec kBmpCodec = {kTypes, Sniff, ReadHeaderFacts<Header, ReadHeader, Describe>, true, Decode};
 
 } // namespace qt

@@ -160,13 +160,6 @@ bool Sniff(std::span<const std::byte> head) {
     return ParseHeader(head, header);
 }
 
-ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
-    Header header;
-    if (const auto code = ReadHeader(source, header); code != noErr) return code;
-    facts.data_size = source.GetSize();
-    return Describe(header, facts.description);
-}
-
 ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& image) {
     constexpr std::uint32_t kMostPixelsOfRunByte = 252;
     Header header;
@@ -201,6 +194,6 @@ ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& 
 
 } // namespace
 
-const ImageCodec kPcxCodec = {kTypes, Sniff, ReadFacts, true, Decode};
+const ImageCodec kPcxCodec = {kTypes, Sniff, ReadHeaderFacts<Header, ReadHeader, Describe>, true, Decode};
 
 } // namespace qt

@@ -68,6 +68,16 @@ ComponentResult AllocateFor(const ImageDescription& description, PixelImage& ima
 ComponentResult AllocateFor(const ImageDescription& description, const DataSource& source,
                             std::uint32_t most_pixels_per_byte, PixelImage& image);
 
+/// The facts of an image whose header tells all of them.
+template <class Header, ComponentResult (*ReadHeader)(DataSource&, Header&),
+          ComponentResult (*Describe)(const Header&, ImageDescription&)>
+ComponentResult ReadHeaderFacts(DataSource& source, ImageFacts& facts) {
+    Header header;
+    if (const auto code = ReadHeader(source, header); code != noErr) return code;
+    facts.data_size = source.GetSize();
+    return Describe(header, facts.description);
+}
+
 /// Paints the rows from `first` up to `end` white.
 void WhitenRows(PixelImage& image, std::int32_t first, std::int32_t end);
 

@@ -214,13 +214,6 @@ bool Sniff(std::span<const std::byte> head) {
            header.width > 0 && header.height > 0 && IsDecodable(header);
 }
 
-ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
-    Header header;
-    if (const auto code = ReadHeader(source, header); code != noErr) return code;
-    facts.data_size = source.GetSize();
-    return Describe(header, facts.description);
-}
-
 ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& image) {
     constexpr std::uint32_t kMostPixelsOfRunByte = 64;
     Header header;
@@ -273,6 +266,7 @@ ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& item
 
 } // namespace
 
-const ImageCodec kTgaCodec = {kTypes, Sniff, ReadFacts, true, Decode, ReadMetadata};
+const ImageCodec kTgaCodec = {kTypes, Sniff,  ReadHeaderFacts<Header, ReadHeader, Describe>,
+                              true,   Decode, ReadMetadata};
 
 } // namespace qt
