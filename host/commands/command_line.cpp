@@ -37,7 +37,8 @@ commands on database files, which hold media in container fields
 options
   --plugin PATH            plug-in library (default: the one beside the program)
   --database PATH          current database, host path text or Unix path
-                           (default: Untitled.fp7 in the current folder)
+                           (default: Untitled.fp7 in the current folder,
+                           or in the first drive when that is on none)
   --drive ROOT=FOLDER      a drive: C:=/data, \\server\share=/mnt/s,
                            Z:=remote:/mnt/z; repeatable, beside those of
                            CORVANE_DRIVES (separated by ";"); default C:=/

@@ -81,7 +81,7 @@ TEST(Session, DatabasesAreHostPathTextsOrUnixPaths) {
     EXPECT_EQ(path("file:/X:/a.fp7"), "file:/X:/a.fp7");
     EXPECT_EQ(path("/data/a.fp7"), "file:/C:/a.fp7");
     EXPECT_EQ(path("/etc/a.fp7"), "the database /etc/a.fp7 is outside every drive");
-    EXPECT_EQ(path(""), "") << "nobody asked for the default one";
+    EXPECT_EQ(path(""), "file:/C:/Untitled.fp7") << "results by reference work wherever the caller stands";
 }
 
 TEST(Session, SaysWhyAPluginDoesNotStart) {
