@@ -6,11 +6,15 @@
 #include "platform/text/utf.h"
 #include "plugin/host_data.h"
 #include "plugin/time_text.h"
+#include "sounds/amplify_samples.h"
 #include "sounds/information_list.h"
+#include "sounds/mix_samples.h"
 
 #include <benchmark/benchmark.h>
 
+#include <cstring>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -86,5 +90,49 @@ void DecimalOfDouble(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize(fm::Decimal::FromDouble(0.257));
 }
 BENCHMARK(DecimalOfDouble);
+
+// Loops over 16-bit samples, beside memcpy of as many: a block that the processor's cache holds, and one that
+// it doesn't. Bytes a second are those of the samples that are worked on.
+std::vector<std::byte> Samples(const benchmark::State& state) {
+    std::vector<std::byte> samples(static_cast<std::size_t>(state.range(0)));
+    for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<std::byte>(i * 7919 >> 5);
+    return samples;
+}
+
+template <typename Work>
+void OverSamples(benchmark::State& state, Work work) {
+    const std::vector<std::byte> source = Samples(state);
+    std::vector<std::byte> samples = source;
+    for (auto _ : state) {
+        work(source, samples);
+        benchmark::ClobberMemory();
+    }
+    state.SetBytesProcessed(state.iterations() * state.range(0));
+}
+
+void CopySamples(benchmark::State& state) {
+    OverSamples(state, [](const auto& source, auto& samples) {
+        std::memcpy(samples.data(), source.data(), source.size());
+    });
+}
+void Amplify(benchmark::State& state) {
+    OverSamples(state, [](const auto&, auto& samples) {
+        corvane::AmplifySamples(samples, std::endian::little, 1.5F, 1.0F);
+    });
+}
+void FindPeak(benchmark::State& state) {
+    OverSamples(state, [](const auto&, auto& samples) {
+        benchmark::DoNotOptimize(corvane::FindPeak(samples, std::endian::little));
+    });
+}
+void Mix(benchmark::State& state) {
+    OverSamples(state, [](const auto& source, auto& samples) {
+        corvane::MixSamples(source, samples, qt::Code("sowt"), 2);
+    });
+}
+BENCHMARK(CopySamples)->Arg(256 << 10)->Arg(64 << 20);
+BENCHMARK(Amplify)->Arg(256 << 10)->Arg(64 << 20);
+BENCHMARK(FindPeak)->Arg(256 << 10)->Arg(64 << 20);
+BENCHMARK(Mix)->Arg(256 << 10)->Arg(64 << 20);
 
 } // namespace

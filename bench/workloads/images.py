@@ -53,8 +53,7 @@ CONVERSIONS = [
     conversion("psd", "8BPS", convert="convert photo.jpg temporary/peer.psd"),
     conversion("sgi", ".sgi", convert="convert photo.jpg temporary/peer.sgi",
                gm="gm convert photo.jpg temporary/peer.sgi"),
-    conversion("tga", "TPIC", convert="convert photo.jpg temporary/peer.tga",
-               gm="gm convert photo.jpg temporary/peer.tga"),
+    conversion("tga", "TPIC", convert="convert photo.jpg -compress RLE temporary/peer.tga"),  # gm knows no runs
     conversion("qtif", "qtif"),
     conversion("macpaint", "PNTG"),
     conversion("jpeg-from-png", "JPEG", HALF_QUALITY, "photo.png",
