@@ -1,5 +1,6 @@
 """What compare and charts share: running commands, their times and their peak memory."""
 
+import datetime
 import os
 import re
 import shutil
@@ -68,6 +69,13 @@ def machine():
     with open("/proc/cpuinfo", encoding="utf-8") as file:
         model = re.search(r"model name\s*: (.*)", file.read()).group(1)
     return f"Machine: {os.cpu_count()} processors ({model}), Debian 12; medians of whole processes, in turn."
+
+
+def when_text(load):
+    """The day, and whether others used the machine."""
+    today = datetime.date.today()
+    busy = f", while others kept {load:.1f} of {os.cpu_count()} processors busy" if load > 0.3 else ""
+    return f"{today.day} {today:%B %Y}{busy}"
 
 
 def put(page, name, text):

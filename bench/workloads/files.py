@@ -14,10 +14,10 @@ def through_container(name):
 TWICE = "the bytes are read into the container and written from it; cp lets the kernel copy them"
 ROWS = [
     Row("copy-tree", "a tree of 20,000 small files copied", call('Media_CopyItem("/C:/tree"; "/C:/temporary"; 0)'),
-        {"cp": "cp -a tree temporary/"}, make=media.tree, why="noise of the disk"),
+        {"cp": "cp -a tree temporary/"}, make=media.tree, why="both wait for the disk, whose times vary"),
     Row("delete-tree", "the same deleted", call('Media_DeleteItem("/C:/temporary/tree"; 1)'),
         {"rm": "rm -rf temporary/tree"}, make=media.tree, before=["cp", "-a", "tree", "temporary/"],
-        why="noise of the disk"),
+        why="both wait for the disk, whose times vary"),
     Row("list-tree", "200 folders of 100 names listed", call(TREE_LISTS), {"ls": "ls -U -R tree"}, make=media.tree,
         why=HIDDEN),
     Row("list-many", "a folder of 100,000 names listed", call('Media_ListFolder("/C:/many"; 1)'),

@@ -28,7 +28,7 @@ def facts():
 
 def conversion(name, image_type, arguments="", source="photo.jpg", **peers):
     convert = f'Media_ConvertImage("/C:/{source}"; "{image_type}"{arguments})'
-    return Row(f"to-{name}", f"{source.split('.')[1]} to {image_type.strip(' .')}",
+    return Row(f"to-{name}", f"{source.split('.')[1]} to {name.split('-')[0]}",
                call(NO_PREVIEW, f'Media_ExportField({convert}; "/C:/temporary/ours.out"; 1)'), peers,
                make=media.typed_photos)
 
@@ -63,11 +63,15 @@ CONVERSIONS = [
 ]
 
 
-def drawing(name, what, steps, why="", **peers):
+PACKED = "the result is a packed picture, others write plain pixels; packing took a quarter of the time of the blur, " \
+         "a tenth of that of the levels"
+
+
+def drawing(name, what, steps, **peers):
     """The results stay as lossless as each tool writes them soonest."""
     return Row(name, what, [PROGRAM, "eval", "--strict", "--drive", "C:=.", "--save-streams", "temporary",
                             NO_PREVIEW, *steps],
-               {tool: ["sh", "-c", command] for tool, command in peers.items()}, make=media.photo, why=why)
+               {tool: ["sh", "-c", command] for tool, command in peers.items()}, make=media.photo, why=PACKED)
 
 
 def effect(name, what, description, **peers):

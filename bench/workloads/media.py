@@ -24,8 +24,8 @@ def photo(folder):
     """A JPEG of 12 megapixels, with EXIF entries."""
     if not (folder / "photo.jpg").exists():
         command(folder, "convert", "-size", "4000x3000", "plasma:fractal", "-quality", "90", "photo.jpg")
-        command(folder, "exiftool", "-q", "-overwrite_original", "-JFIF:all=", "-Make=Maker", "-Model=One", "-FNumber=4",
-                "-ExposureTime=1/250", "-DateTimeOriginal=2004:05:06 07:08:09", "-IPTC:Headline=Plasma",
+        command(folder, "exiftool", "-q", "-overwrite_original", "-JFIF:all=", "-Make=Maker", "-Model=One",
+                "-FNumber=4", "-ExposureTime=1/250", "-DateTimeOriginal=2004:05:06 07:08:09", "-IPTC:Headline=Plasma",
                 "-IPTC:City=Basel", "photo.jpg")
 
 
