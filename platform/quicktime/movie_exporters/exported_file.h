@@ -36,6 +36,7 @@ private:
     std::string path_;
     bool replace_;
     std::string written_path_; ///< until it is completed
+    bool is_named_ = false;    ///< stands there already
     int descriptor_ = -1;
     std::uint64_t end_ = 0;
     OSErr code_ = noErr;
