@@ -104,7 +104,7 @@ OSErr PlayToTheEnd(Movie movie) {
     SetMovieAudioBalance(movie, pool.GetBalance(kAllEntries));
     StartMovie(movie);
     OSErr code = GetMoviesError();
-    while (code == noErr && !IsMovieDone(movie)) {
+    while (code == noErr && GetMovieRate(movie) != 0) { // at a tempo of 0 it would never be done
         MoviesTask(movie, kTaskLength);
         code = GetMoviesError();
         if (!IsAbortPressed()) continue;

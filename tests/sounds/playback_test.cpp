@@ -11,6 +11,7 @@
 #include <cstring>
 #include <numbers>
 #include <random>
+#include <sys/resource.h>
 #include <thread>
 
 namespace corvane {
@@ -223,6 +224,36 @@ TEST_F(Playback, FollowsTempoWithItsPitch) {
         host.Send(kFM_CallShutdown);
         host.StartUp();
     }
+}
+
+TEST_F(Playback, EndsAtATempoThatNeverCouldEnd) {
+    const FM_Data wave = Wave("s.wav", Noise(10 * kRate, 11));
+    const auto begin = Clock::now();
+    Run(kPlaySound, {wave, Text("1")});
+    for (const char* tempo : {"0", "-1"}) {
+        Set("tempo", tempo);
+        EXPECT_EQ(Run(kPlaySound, {wave}), "$0:Media_PlaySound: No error.");
+        EXPECT_EQ(PlayStatus(), "0");
+    }
+    PumpIrregularly();
+    EXPECT_LT(Clock::now() - begin, std::chrono::seconds(8)) << "the one in the background, too";
+}
+
+// A hundred times what it takes: only waiting that is none is found.
+TEST_F(Playback, LeavesTheProcessorToOthers) {
+    const FM_Data wave = Wave("s.wav", Noise(3 * kRate, 12));
+    const std::string play = CORVANE_PROGRAM " eval --strict 'Media_PlaySound ( \"/C:" + folder +
+                             "/s.wav\" ; True )' 'HostPump ( 2.5 )' >/dev/null";
+    rusage before{};
+    rusage after{};
+    getrusage(RUSAGE_CHILDREN, &before);
+    ASSERT_EQ(std::system(play.c_str()), 0);
+    getrusage(RUSAGE_CHILDREN, &after);
+    const auto seconds = [](const rusage& usage) {
+        return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+               static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+    };
+    EXPECT_LT(seconds(after) - seconds(before), 1.5);
 }
 
 TEST_F(Playback, PausesAndResumesInPlace) {

@@ -120,6 +120,25 @@ TEST_F(Recording, CanBeOpenedAtAnyMomentUpToTheLastSecond) {
     host.CallFunction(kStop, {});
 }
 
+TEST_F(Recording, OfAKilledProcessOpensUpToTheLastSecond) {
+    constexpr std::uintmax_t kRoom = 1U << 17; // in front of the samples
+    const std::string file = folder + "/r.mov";
+    const std::string enough = std::to_string(kRoom + sizeof(std::uint32_t) * kRate * 3 / 2);
+    const std::string record = CORVANE_PROGRAM " eval 'Media_RecordSoundStart ( \"/C:" + file +
+                               "\" ; True )' 'HostPump ( 60 )' >/dev/null & recorder=$!; tries=0; ";
+    const std::string wait = "until [ \"$(stat -c %s '" + file + "' 2>/dev/null || echo 0)\" -gt " + enough +
+                             " ]; do tries=$((tries + 1)); [ $tries -lt 300 ] || break; sleep 0.1; done; ";
+    ASSERT_EQ(std::system((record + wait + "kill -9 $recorder && [ $tries -lt 300 ]").c_str()), 0);
+    const auto written = (std::filesystem::file_size(file) - kRoom) / sizeof(std::uint32_t);
+    const auto frames = Frames(file);
+    ASSERT_FALSE(frames.empty());
+    EXPECT_EQ(frames.front(), 1U);
+    EXPECT_EQ(Breaks(frames), 0);
+    EXPECT_GE(frames.size() + kRate * 13 / 10, written);
+    const std::string info = host.CallFunction(6, {Path("r.mov")}).text;
+    EXPECT_NE(info.find("Sample Rate (Hz): 44100"), std::string::npos) << info;
+}
+
 TEST_F(Recording, GoesOnUntilAClick) {
     fm::CurrentSession().input = {{Clock::now() + milliseconds(200), ""}};
     const test::Outcome recorded = Start({});

@@ -3,12 +3,16 @@
 #include "tests/support/files.h"
 #include "tests/ui/virtual_display.h"
 
+#include <algorithm>
+#include <cmath>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
 #include <sys/wait.h>
+#include <vector>
 
 // For the leak sanitizer, where it is built in.
 // NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer looks for this name
@@ -63,6 +67,23 @@ TEST_F(ProgramWindows, DialogsOfCalculations) {
     }
     const Person person("Pick a file", "xdotool key Escape");
     EXPECT_EQ(Evaluate("", R"(Media_SetDefaultFolder ( ".v:Pick a file" ))"), "$0:Cancel");
+}
+
+TEST_F(ProgramWindows, TheSoundFormatDialogPlaysItsSound) {
+    const VirtualDisplay display;
+    const std::string played = drives_.Path("played.raw");
+    {
+        const Person person("Wave Settings", "xdotool key alt+p; timeout 60 sh -c 'until [ -s \"" + played +
+                                                 "\" ]; do sleep 0.1; done' && xdotool key Return");
+        const std::string settings = Evaluate("--ui gtk", R"(Media_SoundFormatDialog ( "WAVE" ))",
+                                              "SDL_AUDIODRIVER=disk SDL_DISKAUDIOFILE=" + played);
+        EXPECT_TRUE(settings.starts_with("<hex>") && settings.ends_with("</hex>")) << settings;
+    }
+    const std::string bytes = corvane::test::ReadBytes(played);
+    std::vector<float> samples(bytes.size() / sizeof(float));
+    std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(float));
+    const auto heard = std::ranges::count_if(samples, [](float sample) { return std::abs(sample) > 0.1F; });
+    EXPECT_GT(heard, 2 * 44'100 / 4) << "three notes take half a second";
 }
 
 TEST_F(ProgramWindows, WithoutADisplayTheScriptAnswers) {

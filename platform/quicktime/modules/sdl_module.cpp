@@ -1,5 +1,6 @@
 #include "platform/quicktime/modules/sdl_module.h"
 
+#include "platform/quicktime/modules/pulse_server.h"
 #include "platform/quicktime/modules/silent_device.h"
 
 #include <SDL.h>
@@ -31,6 +32,10 @@ int g_devices = 0; // of the driver, which runs while there are any
 // Devices are counted first, for opening one that is not there makes some drivers' libraries complain on
 // standard error, as this library does in its log.
 bool StartDriver(bool input, bool is_chosen) {
+    constexpr auto kNone = std::string_view::npos;
+    const bool may_be_pulse =
+        !is_chosen || std::string_view(SDL_getenv("SDL_AUDIODRIVER")).find("pulse") != kNone;
+    if (may_be_pulse && PulseServerIsBare()) return false;
     SDL_LogSetOutputFunction([](void*, int, SDL_LogPriority, const char*) {}, nullptr);
     if (SDL_AudioInit(nullptr) != 0) return false;
     return is_chosen || SDL_GetNumAudioDevices(input ? 1 : 0) != 0;

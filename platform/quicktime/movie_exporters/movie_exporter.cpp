@@ -219,7 +219,7 @@ OSErr ConvertMovieToDataRef(Movie movie, Track only_track, Handle data_reference
     if (path.empty())
         return qt::MoviesError(reference_type == qt::kAliasDataHandler ? fnfErr : cantFindHandler);
     qt::ExportedFile file(path, (flags & createMovieFileDeleteCurFile) != 0);
-    const OSErr code = opened->Export(*movie, only_track, file);
-    if (code == noErr) file.Complete();
+    OSErr code = opened->Export(*movie, only_track, file);
+    if (code == noErr) code = file.Complete();
     return qt::MoviesError(code);
 }

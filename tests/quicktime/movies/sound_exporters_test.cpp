@@ -161,16 +161,20 @@ TEST_F(SoundExporters, ChangeRateAndChannels) {
     }
 }
 
-TEST_F(SoundExporters, OfAFullDiskTellAndLeaveNothing) {
+TEST_F(SoundExporters, OfAFullDiskTellAndLeaveWhatWasThere) {
     ASSERT_TRUE(Run("sox -R -r 44100 -n -c 2 -b 16 long.wav synth 20 pinknoise"));
     const qt::OwnedMovie movie = Open("long.wav");
     drives_.MakeFolder("drive/small");
     const corvane::test::SmallDisk disk(Path("small"), "64k");
     if (!disk.IsMounted()) GTEST_SKIP() << "mounting is not permitted";
+    corvane::test::WriteBytes(Path("small/old"), "kept");
     for (const qt::SoundExporterRow& row : qt::SoundExporters()) {
         const qt::OpenComponent exporter = Exporter(row.subtype, row.choices, qt::UsualSettings(row.choices));
         EXPECT_EQ(ExportTo("small/full", movie.get(), exporter.get()), dskFulErr) << row.name;
-        EXPECT_FALSE(corvane::test::IsThere(Path("small/full"))) << row.name;
+        EXPECT_EQ(ExportTo("small/old", movie.get(), exporter.get()), dskFulErr) << row.name;
+        EXPECT_EQ(corvane::test::ReadBytes(Path("small/old")), "kept") << row.name;
+        EXPECT_EQ(ExportTo("small", movie.get(), exporter.get()), dupFNErr) << row.name;
+        EXPECT_EQ(corvane::test::CountEntries(Path("small")), 1) << row.name;
     }
 }
 
