@@ -1,11 +1,12 @@
 #include "host/commands/commands.h"
-#include "host/commands/input_lines.h"
 #include "host/commands/json.h"
 #include "host/commands/output.h"
 #include "host/commands/results.h"
+#include "host/line_reader.h"
 
 #include <cstdio>
 #include <string_view>
+#include <unistd.h>
 
 namespace host {
 namespace {
@@ -38,9 +39,9 @@ public:
     }
 
     bool RunLines() {
-        InputLines lines([this] { output_.Flush(); });
+        LineReader lines(STDIN_FILENO, LineReader::kMaxLine, [this] { output_.Flush(); });
         std::size_t line_number = 0;
-        while (const auto line = lines.Next()) {
+        while (const auto line = lines.Line()) {
             ++line_number;
             const bool blank = line->find_first_not_of(" \t\r") == std::string_view::npos;
             if (!blank && line->front() != '#' && !Run(*line, line_number)) return false;

@@ -40,11 +40,11 @@ Json Streams(const FM_BinaryData& container) {
     return streams;
 }
 
-Json Container(const ContainerFacts& facts) {
+Json Container(const FieldFacts& facts) {
     Json streams = Json::array();
-    for (const ContainerFacts::Stream& stream : facts.streams)
-        streams.push_back({{"type", StreamTypeText(stream.type)}, {"size", stream.size}});
-    return {{"reference", facts.reference}, {"streams", streams}};
+    for (const FieldFacts::Stream& stream : facts.streams)
+        streams.push_back({{"type", stream.type}, {"size", stream.size}});
+    return {{"reference", facts.text}, {"streams", streams}};
 }
 
 } // namespace
@@ -78,11 +78,12 @@ std::string JsonOf(const fm::ExternalFunction& function) {
                  {"flags", function.flags}});
 }
 
-std::string JsonOf(std::int64_t record, const std::vector<FieldFacts>& fields) {
+std::string JsonOf(std::int64_t record, const Table& table, const std::vector<FieldFacts>& facts) {
     Json json = {{kRecordNumber, record}};
-    for (const FieldFacts& field : fields)
-        json[field.name] =
-            field.container ? Container(*field.container) : Json(utf::ToUtf8(field.value.AsText().units));
+    for (std::size_t i = 0; i < facts.size(); ++i) {
+        const Field& field = table.fields[i];
+        json[field.name] = field.type == FieldType::kContainer ? Container(facts[i]) : Json(facts[i].text);
+    }
     return Line(json);
 }
 

@@ -5,7 +5,6 @@
 #include "host/fields/records.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,19 +20,12 @@ struct PluginFacts {
     std::string version;      ///< empty when the plug-in has no function that tells it
 };
 
-/// A field of a record, as far as it is shown.
-struct FieldFacts {
-    std::string name;
-    std::optional<ContainerFacts> container; ///< of a container field
-    FM_Data value;                           ///< of another
-};
-
 /// Each one line, without its end. Malformed UTF-8 becomes U+FFFD.
 std::string JsonOf(std::string_view calculation, const Outcome& outcome);
 std::string JsonOf(const fm::ExternalFunction& function);
 std::string JsonOf(const PluginFacts& facts);
 /// A container is an object of its reference and its streams without their bytes, a number its
-/// decimal text.
-std::string JsonOf(std::int64_t record, const std::vector<FieldFacts>& fields);
+/// decimal text. `facts` has one for each field of the table.
+std::string JsonOf(std::int64_t record, const Table& table, const std::vector<FieldFacts>& facts);
 
 } // namespace host

@@ -2,11 +2,8 @@
 #include "host/commands/json.h"
 #include "host/commands/open_table.h"
 #include "host/commands/output.h"
-#include "host/engine/stream_type.h"
 #include "host/fields/record_work.h"
-#include "platform/text/utf.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <limits>
 
@@ -25,18 +22,18 @@ std::string TablesText(const Store& store) {
 }
 
 // What would break a line of columns is shown as another character.
-std::string OneLine(std::string text) {
-    std::ranges::replace_if(
-        text, [](char c) { return c == '\t' || c == '\n' || c == '\r'; }, ' ');
-    return text;
+void AddOneLine(std::string_view text, std::string& line) {
+    for (const char c : text) line += c == '\t' || c == '\n' || c == '\r' ? ' ' : c;
 }
 
-std::string FactsText(const ContainerFacts& facts) {
-    std::string text = OneLine(facts.streams.empty() ? facts.reference : "");
-    for (const ContainerFacts::Stream& stream : facts.streams)
-        text += (text.empty() ? "" : ", ") + OneLine(StreamTypeText(stream.type)) + ' ' +
-                std::to_string(stream.size);
-    return text;
+// A number or text as it is, a container's streams with their sizes, or else its reference.
+void AddColumn(const FieldFacts& facts, std::string& line) {
+    if (facts.streams.empty()) AddOneLine(facts.text, line);
+    for (const FieldFacts::Stream& stream : facts.streams) {
+        if (&stream != &facts.streams.front()) line += ", ";
+        AddOneLine(stream.type, line);
+        line += ' ' + std::to_string(stream.size);
+    }
 }
 
 class Lister {
@@ -57,7 +54,7 @@ public:
                 if (result.failure) {
                     Complain("record " + std::to_string(record) + ": " + result.failure->Text());
                 } else if (result.chosen) {
-                    problem = line_.json ? Json(record) : Columns(record);
+                    problem = Line(record);
                 }
                 return problem.empty() && output_.Good();
             });
@@ -74,41 +71,17 @@ private:
         output_.Buffer() += '\n';
     }
 
-    std::string Columns(std::int64_t record) {
-        std::string text = std::to_string(record);
-        const std::vector<Field>& fields = table_.GetTable().fields;
-        for (std::size_t i = 0; i < fields.size(); ++i) {
-            std::string problem;
-            if (fields[i].type == FieldType::kContainer) {
-                ContainerFacts facts;
-                problem = table_.GetRecords().ReadFacts(record, i, facts);
-                text += '\t' + FactsText(facts);
-            } else if (const FM_Data* value = table_.Values().FieldValue(i, problem)) {
-                text += '\t' + OneLine(utf::ToUtf8(value->AsText().units));
-            }
-            if (!problem.empty()) return problem;
+    std::string Line(std::int64_t record) {
+        std::string problem = table_.GetRecords().ReadFacts(record, facts_);
+        if (!problem.empty()) return problem;
+        std::string& text = output_.Buffer();
+        if (line_.json) {
+            text += JsonOf(record, table_.GetTable(), facts_);
+        } else {
+            text += std::to_string(record);
+            for (const FieldFacts& fact : facts_) AddColumn(fact, text += '\t');
         }
-        output_.Buffer() += text + '\n';
-        output_.EndPiece();
-        return {};
-    }
-
-    std::string Json(std::int64_t record) {
-        std::vector<FieldFacts> facts;
-        const std::vector<Field>& fields = table_.GetTable().fields;
-        for (std::size_t i = 0; i < fields.size(); ++i) {
-            std::string problem;
-            FieldFacts& fact = facts.emplace_back();
-            fact.name = fields[i].name;
-            if (fields[i].type == FieldType::kContainer) {
-                fact.container.emplace();
-                problem = table_.GetRecords().ReadFacts(record, i, *fact.container);
-            } else if (const FM_Data* value = table_.Values().FieldValue(i, problem)) {
-                fact.value = *value;
-            }
-            if (!problem.empty()) return problem;
-        }
-        output_.Buffer() += JsonOf(record, facts) + '\n';
+        text += '\n';
         output_.EndPiece();
         return {};
     }
@@ -124,6 +97,7 @@ private:
     const CommandLine& line_;
     OpenTable table_;
     Output output_;
+    std::vector<FieldFacts> facts_;
     int status_ = 0;
 };
 

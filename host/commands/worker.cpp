@@ -1,12 +1,13 @@
 #include "host/commands/commands.h"
-#include "host/commands/input_lines.h"
 #include "host/commands/json.h"
 #include "host/commands/open_table.h"
 #include "host/commands/output.h"
 #include "host/commands/results.h"
 #include "host/fields/record_messages.h"
+#include "host/line_reader.h"
 
 #include <charconv>
+#include <unistd.h>
 
 namespace host {
 namespace {
@@ -15,10 +16,10 @@ namespace {
 // Calculations come one a line, and each gets one line of JSON, whatever becomes of it.
 int WorkOnCalculations(Session& session, const CommandLine& line) {
     Output output;
-    InputLines lines([] {});
+    LineReader lines(STDIN_FILENO);
     int status = 0;
     std::size_t number = 0;
-    while (const auto calculation = lines.Next()) {
+    while (const auto calculation = lines.Line()) {
         ++number;
         const Outcome outcome = session.Evaluate(*calculation);
         output.Buffer() += JsonOf(*calculation, outcome) + '\n';
@@ -44,8 +45,8 @@ int WorkOnRecords(Session& session, const CommandLine& line) {
     const RecordWork work{line.table.where, std::move(*calculations)};
     RecordWorker worker(session.GetEngine(), table.Values(), table.GetTable(), work);
     Output output;
-    InputLines lines([] {});
-    while (const auto text = lines.Next()) {
+    LineReader lines(STDIN_FILENO);
+    while (const auto text = lines.Line()) {
         std::int64_t record = 0;
         const auto parsed = std::from_chars(text->data(), text->data() + text->size(), record);
         if (parsed.ec != std::errc() || parsed.ptr != text->data() + text->size())

@@ -134,7 +134,8 @@ void Connection::Closer::operator()(sqlite3* connection) const {
 std::string Connection::Open(const std::string& path) {
     path_ = path;
     sqlite3* connection = nullptr;
-    const int answer = ::sqlite3_open_v2(path.c_str(), &connection, SQLITE_OPEN_READWRITE, nullptr);
+    const int answer =
+        ::sqlite3_open_v2(path.c_str(), &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
     connection_.reset(connection);
     if (answer != SQLITE_OK) return Problem();
     ::sqlite3_busy_handler(connection, OnBusy, nullptr);

@@ -53,6 +53,7 @@ private:
     bool good_ = true;
 };
 
+/// Of one thread.
 class Connection {
 public:
     /// Opens an existing file and waits for other processes from then on. The text says what failed; empty

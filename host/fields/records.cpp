@@ -39,6 +39,7 @@ Records::Records(Connection& connection, const Table& table)
     }
     insertion_ = connection.Prepare("INSERT INTO " + SqlName(table.name) + " (" + columns + ") VALUES (" +
                                     places + ")");
+    row_ = connection.Prepare("SELECT " + columns + " FROM " + SqlName(table.name) + " WHERE id = ?");
 }
 
 std::string Records::Problem(std::int64_t record) const {
@@ -106,19 +107,33 @@ std::string Records::ReadStreams(std::int64_t record, const Field& field, FM_Bin
     return problem;
 }
 
-std::string Records::ReadFacts(std::int64_t record, std::size_t field, ContainerFacts& facts) {
-    facts = {};
-    Statement& reading = reading_[field];
-    reading.Bind(1, record);
-    if (reading.Step()) facts.reference = reading.Text(0);
-    const bool good = reading.Good();
-    reading.End();
-    if (!good) return Problem(record);
-    streams_.Bind(1, table_.fields[field].id);
+std::string Records::ReadFacts(std::int64_t record, std::vector<FieldFacts>& facts) {
+    facts.resize(table_.fields.size());
+    row_.Bind(1, record);
+    const bool found = row_.Step();
+    std::string problem = row_.Good() ? "" : Problem(record);
+    for (std::size_t i = 0; problem.empty() && i < facts.size(); ++i) {
+        const FieldType type = table_.fields[i].type;
+        const int column = static_cast<int>(i);
+        facts[i].text.clear();
+        facts[i].streams.clear();
+        if (found && type == FieldType::kNumber) {
+            facts[i].text = utf::ToUtf8(ColumnValue(row_, column, type).AsText().units);
+        } else if (found) {
+            facts[i].text = row_.Text(column);
+        }
+        if (type == FieldType::kContainer) problem = ReadStreamFacts(record, table_.fields[i], facts[i]);
+    }
+    row_.End();
+    return problem;
+}
+
+std::string Records::ReadStreamFacts(std::int64_t record, const Field& field, FieldFacts& facts) {
+    streams_.Bind(1, field.id);
     streams_.Bind(2, record);
     while (streams_.Step())
         facts.streams.push_back(
-            {StreamType(streams_.Text(1)).value_or(0), static_cast<std::uint64_t>(streams_.Integer(2))});
+            {std::string(streams_.Text(1)), static_cast<std::uint64_t>(streams_.Integer(2))});
     return streams_.Good() ? "" : Problem(record);
 }
 

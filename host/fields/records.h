@@ -13,13 +13,13 @@
 
 namespace host {
 
-/// A container as far as it is known without reading its streams.
-struct ContainerFacts {
+/// A field of a record as it is listed: all but the bytes of its streams.
+struct FieldFacts {
     struct Stream {
-        std::uint32_t type;
+        std::string type;   ///< four bytes
         std::uint64_t size; ///< bytes
     };
-    std::string reference; ///< UTF-8
+    std::string text; ///< UTF-8; of a number its decimal digits, of a container its reference
     std::vector<Stream> streams;
 };
 
@@ -43,7 +43,9 @@ public:
 
     /// The value with all its bytes; nothing when the record is gone.
     [[nodiscard]] std::string Read(std::int64_t record, std::size_t field, FM_Data& value);
-    [[nodiscard]] std::string ReadFacts(std::int64_t record, std::size_t field, ContainerFacts& facts);
+    /// One for each field, in the table's order; without text and streams when the record is gone. Room that
+    /// `facts` has from another record is used again.
+    [[nodiscard]] std::string ReadFacts(std::int64_t record, std::vector<FieldFacts>& facts);
 
     /// Why the file can't hold a container; empty when it can.
     [[nodiscard]] std::string Refusal(const FM_Data& value) const;
@@ -54,6 +56,7 @@ public:
 
 private:
     [[nodiscard]] std::string ReadStreams(std::int64_t record, const Field& field, FM_BinaryData& container);
+    [[nodiscard]] std::string ReadStreamFacts(std::int64_t record, const Field& field, FieldFacts& facts);
     [[nodiscard]] std::string WriteStreams(std::int64_t record, const Field& field,
                                            const FM_BinaryData& container);
     [[nodiscard]] std::string Problem(std::int64_t record) const;
@@ -62,6 +65,7 @@ private:
     const Table& table_;
     Statement numbers_;
     Statement insertion_;
+    Statement row_;                   ///< all columns of a record
     std::vector<Statement> reading_;  ///< one for each field
     std::vector<Statement> changing_; ///< one for each field
     Statement streams_;

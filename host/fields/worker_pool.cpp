@@ -55,7 +55,7 @@ WorkerPool::Worker* WorkerPool::WaitForOne() {
     for (std::size_t i = 0; i < workers_.size(); ++i) { // each first in its turn, so that none starves
         Worker& worker = *workers_[(turn_ + i) % workers_.size()];
         if (worker.records.empty()) continue;
-        if (worker.process.HasLine()) return &worker;
+        if (worker.process.Lines().HasLine()) return &worker;
         working.push_back(&worker);
         waiting.push_back({worker.process.Descriptor(), POLLIN, 0});
     }
@@ -77,10 +77,10 @@ std::optional<RecordResult> WorkerPool::Next() {
 
 std::optional<RecordResult> WorkerPool::TakeResult(Worker& worker) {
     std::optional<RecordResult> result;
-    if (const auto line = worker.process.ReadLine())
-        result = ReadMessage(table_, *line, [&](std::uint8_t* buffer, std::size_t size) {
-            return worker.process.Read(buffer, size);
-        });
+    LineReader& lines = worker.process.Lines();
+    if (const auto line = lines.Line())
+        result = ReadMessage(
+            table_, *line, [&](std::uint8_t* buffer, std::size_t size) { return lines.Bytes(buffer, size); });
     if (!result || result->record != worker.records.front()) return Bury(worker);
     worker.has_answered = true;
     worker.records.pop_front();

@@ -1,6 +1,5 @@
 #include "host/fields/worker_process.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -46,8 +45,7 @@ std::string WorkerProcess::Start(const std::vector<std::string>& command) {
     const int error = Spawn(command, sockets[1], process_);
     ::close(sockets[1]);
     descriptor_ = sockets[0];
-    buffer_.clear();
-    begin_ = 0;
+    lines_.emplace(descriptor_, LineReader::kNoLimit);
     if (error == 0) return {};
     process_ = 0;
     ::close(descriptor_);
@@ -60,45 +58,6 @@ bool WorkerProcess::Send(std::string_view bytes) const {
         const ssize_t count = ::send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
         if (count < 0 && errno != EINTR) return false;
         if (count > 0) bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
-}
-
-bool WorkerProcess::HasLine() const {
-    return buffer_.find('\n', begin_) != std::string::npos;
-}
-
-bool WorkerProcess::Fill() {
-    constexpr std::size_t kPiece = std::size_t{64} << 10;
-    buffer_.erase(0, begin_);
-    begin_ = 0;
-    const std::size_t size = buffer_.size();
-    buffer_.resize(size + kPiece);
-    ssize_t count = 0;
-    do {
-        count = ::read(descriptor_, buffer_.data() + size, kPiece);
-    } while (count < 0 && errno == EINTR);
-    buffer_.resize(size + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-    return count > 0;
-}
-
-std::optional<std::string_view> WorkerProcess::ReadLine() {
-    while (!HasLine())
-        if (!Fill()) return std::nullopt;
-    const std::size_t end = buffer_.find('\n', begin_);
-    const std::string_view line = std::string_view(buffer_).substr(begin_, end - begin_);
-    begin_ = end + 1;
-    return line;
-}
-
-bool WorkerProcess::Read(std::uint8_t* buffer, std::size_t size) {
-    const std::size_t at_hand = std::min(size, buffer_.size() - begin_);
-    std::copy_n(buffer_.data() + begin_, at_hand, buffer);
-    begin_ += at_hand;
-    for (std::size_t done = at_hand; done < size;) {
-        const ssize_t count = ::read(descriptor_, buffer + done, size - done);
-        if (count == 0 || (count < 0 && errno != EINTR)) return false;
-        if (count > 0) done += static_cast<std::size_t>(count);
     }
     return true;
 }

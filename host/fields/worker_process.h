@@ -1,8 +1,8 @@
 // A process that takes lines and answers with lines and bytes.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include "host/line_reader.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,12 +26,8 @@ public:
 
     /// False when the process is gone.
     bool Send(std::string_view bytes) const;
-    /// Waits for a line, without its end; nullopt when the process is gone. Good until the next reading.
-    std::optional<std::string_view> ReadLine();
-    /// Waits for the bytes behind the line; false when the process is gone.
-    bool Read(std::uint8_t* buffer, std::size_t size);
-    /// True when a line is at hand that needs no waiting.
-    [[nodiscard]] bool HasLine() const;
+    /// What it answers, up to its end. Only once it has been started.
+    [[nodiscard]] LineReader& Lines() { return *lines_; }
     /// To wait on for more.
     [[nodiscard]] int Descriptor() const { return descriptor_; }
 
@@ -39,12 +35,9 @@ public:
     std::string End(bool kill);
 
 private:
-    [[nodiscard]] bool Fill();
-
     pid_t process_ = 0;
     int descriptor_ = -1;
-    std::string buffer_;
-    std::size_t begin_ = 0; ///< of what has not been handed out
+    std::optional<LineReader> lines_;
 };
 
 } // namespace host

@@ -137,10 +137,12 @@ TEST_F(FieldStore, KeepsStreamsInOrderWithTheirTypes) {
         EXPECT_EQ(container.streams[i].type, value.AsContainer().streams[i].type);
         EXPECT_EQ(*container.streams[i].bytes, *value.AsContainer().streams[i].bytes);
     }
-    ContainerFacts facts;
-    ASSERT_EQ(records_->ReadFacts(1, 2, facts), "");
-    ASSERT_EQ(facts.streams.size(), 4U);
-    EXPECT_EQ(facts.streams[3].size, 4U);
+    std::vector<FieldFacts> facts;
+    ASSERT_EQ(records_->ReadFacts(1, facts), "");
+    ASSERT_EQ(facts.size(), 4U);
+    ASSERT_EQ(facts[2].streams.size(), 4U);
+    EXPECT_EQ(facts[2].streams[2].type, std::string("\xFF\0\xC3\xA9", 4));
+    EXPECT_EQ(facts[2].streams[3].size, 4U);
     EXPECT_TRUE(Read(1, 3).IsEmpty());
     EXPECT_EQ(Read(1, 3).Type(), kFM_TypeContainer);
     EXPECT_EQ(Read(77, 2).Type(), kFM_TypeContainer) << "a record that is not there";
