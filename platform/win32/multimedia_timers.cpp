@@ -32,7 +32,8 @@ public:
     UINT Add(const Event& event) {
         const std::lock_guard lock(mutex_);
         try {
-            if (!thread_.joinable()) thread_ = std::jthread([this](std::stop_token stop) { Run(stop); });
+            if (!thread_.joinable())
+                thread_ = std::jthread([this](const std::stop_token& stop) { Run(stop); });
         } catch (const std::system_error&) {
             return 0;
         }

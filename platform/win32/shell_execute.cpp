@@ -21,7 +21,7 @@ namespace {
 constexpr std::intptr_t kOpened = 42; // any number above 32
 constexpr int kTimeToFail = 2000;     // milliseconds
 constexpr int kLongestChain = 16;     // of shortcuts to shortcuts
-constexpr std::size_t kLargestLink = 64 * 1024;
+constexpr std::size_t kLargestLink = std::size_t{64} * 1024;
 
 // Programs that were still at work when their call ended.
 std::vector<pid_t> g_running;
@@ -44,7 +44,7 @@ std::optional<win32::ShellLink> ReadShortcut(const std::string& path) {
 }
 
 // What a chain of shortcuts leads to in the end.
-win32::UnixPath Follow(std::u16string native) {
+win32::UnixPath Follow(const std::u16string& native) {
     win32::UnixPath item = win32::ToUnixPath(native);
     for (int i = 0; item.error == ERROR_SUCCESS && S_ISREG(item.status.st_mode) && IsShortcut(item.path);
          ++i) {

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr DWORD kPathCapacity = 4096;
-constexpr char kFileVersion[] = "\\StringFileInfo\\000004B0\\FileVersion";
+constexpr char kFileVersion[] = R"(\StringFileInfo\000004B0\FileVersion)";
 
 // The resource is the version's text with its terminator; empty when the file has none.
 std::string_view VersionResource(std::string_view file) {

@@ -119,14 +119,13 @@ TEST_F(Timers, ComeAndGoInsideTheirProcedures) {
 }
 
 TEST_F(Timers, LeaveNoThreadBehind) {
-    const auto threads = [] { return test::CountEntries("/proc/self/task"); };
-    const auto before = threads();
+    const auto before = test::CountThreads();
     for (int round = 0; round < 100; ++round) {
         EventLoopTimer* const timer = Install(0, 1);
         if (round % 10 == 0) PumpUntil(fired.size() + 1);
         EXPECT_EQ(Remove(timer), 0);
     }
-    EXPECT_EQ(threads(), before);
+    EXPECT_EQ(test::CountThreads(before), before);
 }
 
 TEST_F(Timers, IgnoreMessagesThatAreNotTheirs) {

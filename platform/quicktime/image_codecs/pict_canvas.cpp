@@ -66,7 +66,8 @@ std::uint32_t Combine(std::uint32_t source, std::uint32_t there, TransferMode mo
 /// The source column or row of each place of a span that is stretched to another length.
 std::int32_t Nearest(std::int32_t place, std::int32_t to, std::int32_t to_size, std::int32_t from,
                      std::int32_t from_size) {
-    return from + static_cast<std::int32_t>((2 * std::int64_t{place - to} + 1) * from_size / (2 * to_size));
+    return from + static_cast<std::int32_t>((2 * std::int64_t{place - to} + 1) * from_size /
+                                            (std::int64_t{2} * to_size));
 }
 
 std::int64_t Area(const Box& box) {

@@ -105,11 +105,7 @@ bool ReadPatternMap(PictCursor& cursor, PixelMap& map) {
 }
 
 PixelRows::PixelRows(const PixelMap& map, bool packed, PictCursor& cursor)
-    : map_(map),
-      cursor_(cursor),
-      packing_(Packing::kBytes),
-      word_counts_(map.row_bytes > kByteCounted),
-      row_(map.row_bytes) {
+    : map_(map), cursor_(cursor), word_counts_(map.row_bytes > kByteCounted), row_(map.row_bytes) {
     if (!packed || map.row_bytes < kShortRow || map.pack_type == 1) {
         packing_ = Packing::kNone;
     } else if (map.pixel_size == 16) {

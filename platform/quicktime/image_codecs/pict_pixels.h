@@ -49,7 +49,7 @@ private:
 
     const PixelMap& map_;
     PictCursor& cursor_;
-    Packing packing_;
+    Packing packing_ = Packing::kBytes;
     bool word_counts_; ///< in front of packed rows; else bytes
     std::vector<std::byte> row_;
 };

@@ -35,7 +35,8 @@ public:
         const std::size_t count = layout.bits <= 16 ? std::size_t{1} << layout.bits : 0;
         if (layout.bits <= 8 || is_palette) TakeColours(tiff, count);
         for (std::uint32_t value = 0; layout.bits < 8 && value < count; ++value) {
-            scaled_[value] = static_cast<std::byte>((value * 255 + (count - 1) / 2) / (count - 1));
+            scaled_[value] =
+                static_cast<std::byte>((std::size_t{255} * value + (count - 1) / 2) / (count - 1));
         }
     }
 
@@ -94,7 +95,8 @@ private:
             const std::uint32_t inverted = layout_.photometric == PHOTOMETRIC_MINISWHITE ? 255 : 0;
             for (std::uint32_t i = 0; i < count; ++i) {
                 const auto grey =
-                    static_cast<std::uint32_t>((i * 255 + (count - 1) / 2) / (count - 1)) ^ inverted;
+                    static_cast<std::uint32_t>((std::size_t{255} * i + (count - 1) / 2) / (count - 1)) ^
+                    inverted;
                 colours_[i] = Pixel(grey, grey, grey);
             }
         } else if (Tiff().GetField(tiff, TIFFTAG_COLORMAP, maps.data(), &maps[1], &maps[2]) != 0) {
@@ -118,7 +120,7 @@ private:
         if (bits == 8) return static_cast<std::byte>(value);
         if (bits == 16) return static_cast<std::byte>(EightOfSixteenBits(value));
         const std::uint32_t most = (1U << bits) - 1;
-        return static_cast<std::byte>((value * 255 + most / 2) / most);
+        return static_cast<std::byte>((std::size_t{255} * value + most / 2) / most);
     }
 
     /// Samples of 32 bits: an integer's highest 8 bits, a number from 0 to 1 scaled.

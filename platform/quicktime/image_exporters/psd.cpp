@@ -150,7 +150,8 @@ void AppendLayer(const PixelImage& image, EncodedBytes& out) {
     for (std::uint32_t channel = 0; channel < 4; ++channel) {
         const std::size_t begin = out.size();
         AppendRows(channel, channel + 1, image.height(), out, ChannelRows(image, false));
-        Replace32(out, channels_at + 6 * channel + 2, static_cast<std::uint32_t>(out.size() - begin));
+        Replace32(out, channels_at + std::size_t{6} * channel + 2,
+                  static_cast<std::uint32_t>(out.size() - begin));
     }
     if ((out.size() - section_at) % 2 != 0) out.push_back(std::byte{0});
     Replace32(out, section_at + 4, static_cast<std::uint32_t>(out.size() - section_at - 8));

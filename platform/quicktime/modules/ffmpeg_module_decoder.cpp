@@ -61,9 +61,9 @@ void Interleave(const AVFrame& frame, bool planar, float offset, float scale, fl
     const int channels = frame.ch_layout.nb_channels;
     for (int channel = 0; channel < channels; ++channel) {
         const auto* plane = reinterpret_cast<const Sample*>(frame.extended_data[planar ? channel : 0]);
-        const int step = planar ? 1 : channels;
+        const std::ptrdiff_t step = planar ? 1 : channels;
         const Sample* sample = plane + (planar ? 0 : channel);
-        for (int i = 0; i < frame.nb_samples; ++i)
+        for (std::ptrdiff_t i = 0; i < frame.nb_samples; ++i)
             out[i * channels + channel] = (static_cast<float>(sample[i * step]) - offset) * scale;
     }
 }

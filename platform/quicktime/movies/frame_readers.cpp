@@ -63,7 +63,7 @@ public:
 
     FramesRead Read(std::int64_t start, std::span<std::byte> frames) override {
         FramesRead read;
-        const std::int64_t wanted = static_cast<std::int64_t>(frames.size() / layout_.FrameBytes());
+        const auto wanted = static_cast<std::int64_t>(frames.size() / layout_.FrameBytes());
         start += first_frame_;
         if (const OSErr code = MoveTo(start); code != noErr) return {code, 0};
         while (read.frames < wanted) {
@@ -104,7 +104,7 @@ private:
         const SampleRun* run = FindRun(*samples_, Scale(frame, scale_, layout_.rate));
         if (run == nullptr) return frame >= position_ ? noErr : invalidTime;
         const auto index = static_cast<std::size_t>(run - samples_->runs.data());
-        std::uint64_t packet =
+        auto packet =
             static_cast<std::uint64_t>((Scale(frame, scale_, layout_.rate) - run->start) / run->duration);
         std::size_t target = index;
         for (int i = 0; i < kPreRoll; ++i) {

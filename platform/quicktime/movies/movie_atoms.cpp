@@ -126,7 +126,7 @@ private:
         ReadSampleTable(table, media.type, references, *media.samples);
     }
 
-    DescriptionReferences ReadDescriptions(std::span<const std::byte> atom, MediaRecord& media) {
+    static DescriptionReferences ReadDescriptions(std::span<const std::byte> atom, MediaRecord& media) {
         DescriptionReferences references;
         for (AtomWalk walk(Tail(atom, 8)); walk.Next() && references.size() < kMostReferences;) {
             // A description is an atom whose type is the data format; it is kept with its header.
@@ -170,7 +170,7 @@ private:
         return source;
     }
 
-    void ReadEdits(std::span<const std::byte> list, TrackRecord& track) {
+    void ReadEdits(std::span<const std::byte> list, TrackRecord& track) const {
         const MediaRecord& media = *track.media;
         const TimeValue media_end = media.samples->duration;
         const bool wide = BigEndian(list, 0, 1) == 1;

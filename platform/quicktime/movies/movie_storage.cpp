@@ -97,7 +97,7 @@ OSErr StorageFile::Finish(std::span<const std::byte> structure) {
 
 // In one write, so that there is always a structure. The sample data stays without an end of its own, for the
 // file's end is also that of samples which follow.
-OSErr StorageFile::FinishInFront(std::span<const std::byte> structure) {
+OSErr StorageFile::FinishInFront(std::span<const std::byte> structure) const {
     AtomWriter front;
     front.Put(structure);
     front.Atom(Code("free"), [&] { front.Zeros(room_ - structure.size() - 8); });

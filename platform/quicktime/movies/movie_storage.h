@@ -34,7 +34,7 @@ private:
     OSErr Begin();
     [[nodiscard]] std::uint64_t SampleDataHeader() const;
     [[nodiscard]] Bytes HeaderOfSamples() const;
-    OSErr FinishInFront(std::span<const std::byte> structure);
+    OSErr FinishInFront(std::span<const std::byte> structure) const;
 
     std::string path_;
     int descriptor_ = -1;

@@ -213,8 +213,6 @@ std::optional<PcmLayout> LayoutOf(std::span<const std::byte> description) {
         return LpcmLayout(*format, *encoding);
     }
     case Code("NONE"):
-        layout.encoding = format->bits == 16 ? SampleEncoding::kSigned16 : SampleEncoding::kUnsigned8;
-        break;
     case Code("raw "):
         layout.encoding = format->bits == 16 ? SampleEncoding::kSigned16 : SampleEncoding::kUnsigned8;
         break;

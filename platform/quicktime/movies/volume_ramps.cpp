@@ -3,6 +3,7 @@
 #include "platform/quicktime/movies/atom_containers.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace qt {
 namespace {
@@ -81,10 +82,8 @@ void ApplyGain(std::span<const VolumeRamp> ramps, double volume, std::int64_t fi
     }
     const auto count = static_cast<std::int64_t>(frames.size() / channels);
     for (const VolumeRamp& ramp : ramps) {
-        const auto from =
-            std::clamp<std::int64_t>(static_cast<std::int64_t>(ramp.begin * rate + 0.5) - first, 0, count);
-        const auto to =
-            std::clamp<std::int64_t>(static_cast<std::int64_t>(ramp.end * rate + 0.5) - first, 0, count);
+        const auto from = std::clamp<std::int64_t>(std::llround(ramp.begin * rate) - first, 0, count);
+        const auto to = std::clamp<std::int64_t>(std::llround(ramp.end * rate) - first, 0, count);
         for (std::int64_t i = from; i < to; ++i) {
             const auto gain = static_cast<float>(GainAt(ramp, static_cast<double>(first + i) / rate));
             float* const frame = frames.data() + static_cast<std::size_t>(i) * channels;
