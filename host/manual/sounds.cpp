@@ -191,7 +191,8 @@ quality    0 to 10)",
      R"(Media_SoundFormatDialog ( "MP3 " ))", "<hex>…</hex>"},
     {"Media_ConvertSound", "A sound as a file in another format.",
      R"(container    a sound (see Media_AppendSound)
-filename     the file to write; one that is there is replaced. A name without folder lies in the database's
+filename     the file to write; one that is there is replaced once the new one is whole. A name without folder
+             lies in the database's
 soundType    four characters, or eight hexadecimal digits (see Media_ListSoundOutputFormats)
 parameters   a block of Media_SoundFormatDialog for this format; without it the person is asked)",
      "Text: the reference to the file (see Media_AppendSound), or empty. Answers the host 0: a failure is\n"
@@ -199,6 +200,7 @@ parameters   a block of Media_SoundFormatDialog for this format; without it the 
      "-34    the disk is full\n-50    too few parameters, one that can't be read, or settings of another "
      "format\n"
      "-61    the file may not be written\n-128   cancelled\n-1309  more than the format can hold\n"
+     "-2014  a sound without samples, which the format can't hold\n"
      "-2005  no such format\ncodes of Media_AppendSound",
      R"(Let ( $settings = Media_SoundFormatDialog ( "FLAC" ) ;
 Media_ConvertSound ( "/C:/sounds/short.wav" ; "/C:/sounds/short.flac" ; "FLAC" ; $settings ) ))",

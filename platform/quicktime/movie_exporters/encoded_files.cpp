@@ -67,7 +67,8 @@ public:
 
     [[nodiscard]] PcmLayout Layout() const override { return encoder_.input; }
 
-    OSErr Begin(std::int64_t) override {
+    OSErr Begin(std::int64_t frames) override {
+        if (frames == 0) return invalidDuration; // most of the formats have no files without samples
         opened_ = module_.open_encoder(encoder_, sink_);
         return opened_ != nullptr ? OSErr{noErr} : CodeOr(paramErr);
     }

@@ -178,6 +178,22 @@ TEST_F(SoundExporters, OfAFullDiskTellAndLeaveWhatWasThere) {
     }
 }
 
+TEST_F(SoundExporters, OfNoSamplesWriteAFileThatOpensOrNone) {
+    ASSERT_TRUE(Run("sox -n -r 44100 -c 1 -b 16 empty.wav trim 0 0"));
+    const qt::OwnedMovie movie = Open("empty.wav");
+    for (const qt::SoundExporterRow& row : qt::SoundExporters()) {
+        corvane::test::WriteBytes(Path("out"), "kept");
+        const qt::OpenComponent exporter = Exporter(row.subtype, row.choices, qt::UsualSettings(row.choices));
+        const OSErr code = ExportTo("out", movie.get(), exporter.get());
+        if (code == noErr) {
+            EXPECT_NE(Open("out"), nullptr) << row.name;
+        } else {
+            EXPECT_EQ(code, invalidDuration) << row.name;
+            EXPECT_EQ(corvane::test::ReadBytes(Path("out")), "kept") << row.name;
+        }
+    }
+}
+
 TEST_F(SoundExporters, RefuseWhatTheirFormatCannotHold) {
     const std::array<std::int16_t, 2> frame = {1, 1};
     const qt::OwnedMovie movie =
