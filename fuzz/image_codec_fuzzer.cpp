@@ -28,8 +28,8 @@ void Decode(const qt::ImageCodec& codec, qt::DataSource& source) {
 
 } // namespace
 
-// Any data gives pixels or a code, and pixels of the size that its header tells. Built for each codec that reads
-// bytes itself, and once for all codecs in turn.
+// Any data gives pixels or a code, and pixels of the size that its header tells. Built for each codec that
+// reads bytes itself, and once for all codecs in turn.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     const auto source = qt::MemorySource(std::as_bytes(std::span(bytes, size)));
 #ifdef FUZZED_CODEC
