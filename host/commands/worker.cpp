@@ -1,9 +1,9 @@
 #include "host/commands/commands.h"
 #include "host/commands/json.h"
+#include "host/commands/message_writer.h"
 #include "host/commands/open_table.h"
 #include "host/commands/output.h"
 #include "host/commands/results.h"
-#include "host/fields/record_messages.h"
 #include "host/line_reader.h"
 
 #include <charconv>
@@ -44,21 +44,16 @@ int WorkOnRecords(Session& session, const CommandLine& line) {
     if (!calculations) return CommandFailed(problem);
     const RecordWork work{line.table.where, std::move(*calculations)};
     RecordWorker worker(session.GetEngine(), table.Values(), table.GetTable(), work);
-    Output output;
+    MessageWriter writer;
     LineReader lines(STDIN_FILENO);
     while (const auto text = lines.Line()) {
         std::int64_t record = 0;
         const auto parsed = std::from_chars(text->data(), text->data() + text->size(), record);
         if (parsed.ec != std::errc() || parsed.ptr != text->data() + text->size())
             return CommandFailed('"' + std::string(*text) + "\" is no record number");
-        const bool written = WriteMessage(table.GetTable(), worker.Do(record), [&](std::string_view bytes) {
-            output.Write(bytes);
-            return output.Good();
-        });
-        output.Flush();
-        if (!written || !output.Good()) return kUsageError;
+        if (!writer.Add(MessageOf(table.GetTable(), worker.Do(record)))) return kUsageError;
     }
-    return 0;
+    return writer.Finish() ? 0 : kUsageError;
 }
 
 } // namespace

@@ -47,7 +47,7 @@ FM_Data ValueOf(const Json& json, const ByteSource& source, bool& complete) {
 
 } // namespace
 
-bool WriteMessage(const Table& table, const RecordResult& result, const ByteSink& sink) {
+Message MessageOf(const Table& table, const RecordResult& result) {
     Json json = {{"record", result.record}, {"chosen", result.chosen}};
     if (const auto& failure = result.failure) {
         json["failure"] = {{"part", failure->part},
@@ -57,11 +57,11 @@ bool WriteMessage(const Table& table, const RecordResult& result, const ByteSink
     }
     json["changes"] = Json::array();
     for (const FieldChange& change : result.changes) json["changes"].push_back(JsonOf(table, change));
-    bool good = sink(json.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n');
+    Message message{json.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n', {}};
     for (const FieldChange& change : result.changes)
         for (const fm::Stream& stream : change.value.AsContainer().streams)
-            good = good && sink({reinterpret_cast<const char*>(stream.bytes->data()), stream.bytes->size()});
-    return good;
+            message.streams.push_back(stream.bytes);
+    return message;
 }
 
 std::optional<RecordResult> ReadMessage(const Table& table, std::string_view line, const ByteSource& source) {

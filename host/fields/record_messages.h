@@ -6,18 +6,22 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
-/// Takes bytes, in order; false when it can't, which ends the message.
-using ByteSink = std::function<bool(std::string_view bytes)>;
+struct Message {
+    std::string line; ///< with its end
+    std::vector<std::shared_ptr<const fm::Bytes>> streams;
+};
 /// Fills the buffer with the bytes that come next; false when it can't.
 using ByteSource = std::function<bool(std::uint8_t* buffer, std::size_t size)>;
 
-[[nodiscard]] bool WriteMessage(const Table& table, const RecordResult& result, const ByteSink& sink);
+Message MessageOf(const Table& table, const RecordResult& result);
 
 /// `line` without its line end. nullopt when it is no message about this table, or bytes are missing.
 std::optional<RecordResult> ReadMessage(const Table& table, std::string_view line, const ByteSource& source);

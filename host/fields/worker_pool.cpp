@@ -9,8 +9,9 @@
 namespace host {
 namespace {
 
-/// Records that a worker has at most: while one is in work the next ones are on their way.
-constexpr std::size_t kBatch = 3;
+/// Records that a worker has at most: while one is in work the next ones are on their way, and so are the
+/// answers to those before it.
+constexpr std::size_t kBatch = 4;
 constexpr FM_Error kWorkerDied = -1;
 
 } // namespace
@@ -26,13 +27,14 @@ WorkerPool::~WorkerPool() {
 }
 
 void WorkerPool::HandOut(Worker& worker) {
-    while (!stopping_ && problem_.empty() && worker.records.size() < kBatch) {
+    if (worker.records.empty()) worker.suspects = !suspects_.empty();
+    while (!stopping_ && problem_.empty() && worker.records.size() < (worker.suspects ? 1 : kBatch)) {
         std::optional<std::int64_t> record;
-        if (returned_.empty()) {
-            record = next_record_();
+        if (worker.suspects) {
+            record = suspects_.front();
+            suspects_.pop_front();
         } else {
-            record = returned_.front();
-            returned_.pop_front();
+            record = next_record_();
         }
         if (!record) return;
         if (!worker.process.IsRunning()) problem_ = worker.process.Start(command_);
@@ -69,10 +71,14 @@ WorkerPool::Worker* WorkerPool::WaitForOne() {
 }
 
 std::optional<RecordResult> WorkerPool::Next() {
-    for (const auto& worker : workers_) HandOut(*worker);
-    if (!problem_.empty()) return std::nullopt;
-    Worker* worker = WaitForOne();
-    return worker != nullptr ? TakeResult(*worker) : std::nullopt;
+    std::optional<RecordResult> result;
+    while (!result) {
+        for (const auto& worker : workers_) HandOut(*worker);
+        Worker* worker = problem_.empty() ? WaitForOne() : nullptr;
+        if (worker == nullptr) return std::nullopt;
+        result = TakeResult(*worker);
+    }
+    return result;
 }
 
 std::optional<RecordResult> WorkerPool::TakeResult(Worker& worker) {
@@ -94,11 +100,14 @@ std::optional<RecordResult> WorkerPool::Bury(Worker& worker) {
         problem_ = "a worker could not begin: " + end;
         return std::nullopt;
     }
-    RecordResult result{.record = worker.records.front(), .chosen = true, .changes = {}, .failure = {}};
+    const std::deque<std::int64_t> records = std::exchange(worker.records, {});
+    if (stopping_) return std::nullopt;
+    if (records.size() > 1) {
+        suspects_.insert(suspects_.end(), records.begin(), records.end());
+        return std::nullopt;
+    }
+    RecordResult result{.record = records.front(), .chosen = true, .changes = {}, .failure = {}};
     result.failure = RecordFailure{"worker", {}, kWorkerDied, "the process ended with " + end};
-    worker.records.pop_front();
-    if (!stopping_) returned_.insert(returned_.end(), worker.records.begin(), worker.records.end());
-    worker.records.clear();
     return result;
 }
 

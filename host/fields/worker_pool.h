@@ -27,7 +27,8 @@ public:
     WorkerPool& operator=(const WorkerPool&) = delete;
 
     /// The result of whichever record is done next; nullopt at the end or when something failed. A worker
-    /// that dies fails the record that it had in work, and another one takes its place.
+    /// that dies fails the record that it had in work, and another one takes its place. Of several that it
+    /// had, each is tried once more by itself.
     std::optional<RecordResult> Next();
     /// From now on the workers finish what they have in work, and no more.
     void Stop();
@@ -37,8 +38,9 @@ public:
 private:
     struct Worker {
         WorkerProcess process;
-        std::deque<std::int64_t> records; ///< the first is in work, the others wait
+        std::deque<std::int64_t> records; ///< handed out and not answered, in order
         bool has_answered = false;
+        bool suspects = false; ///< its record is one of those that a worker died over: it gets no other
     };
 
     void HandOut(Worker& worker);
@@ -50,7 +52,7 @@ private:
     std::vector<std::string> command_;
     std::function<std::optional<std::int64_t>()> next_record_;
     std::vector<std::unique_ptr<Worker>> workers_;
-    std::deque<std::int64_t> returned_; ///< records that a dead worker had not begun
+    std::deque<std::int64_t> suspects_; ///< a dead worker had them, and one of them may be the reason
     std::size_t turn_ = 0;
     bool stopping_ = false;
     std::string problem_;
