@@ -88,7 +88,7 @@ namespace {
 using Importer = Imported (*)(const ImportSource&);
 
 /// In the order in which they are asked; the last one takes what the others don't know.
-constexpr std::array<Importer, 4> kImporters = {ImportMovieFile, ImportSoundFile, ImportMpegAudio,
+constexpr std::array<Importer, 5> kImporters = {ImportMovieFile, ImportMidi, ImportSoundFile, ImportMpegAudio,
                                                 ImportOther};
 
 Imported Import(Handle data_reference, OSType type) {

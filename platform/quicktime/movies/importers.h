@@ -21,7 +21,8 @@ struct Imported {
 
 Imported ImportMovieFile(const ImportSource& source); ///< QuickTime and MPEG-4
 Imported
-ImportSoundFile(const ImportSource& source); ///< what libsndfile reads: WAVE, AIFF, AU, CAF, FLAC, Ogg
+ImportSoundFile(const ImportSource& source);     ///< what libsndfile reads: WAVE, AIFF, AU, CAF, FLAC, Ogg
+Imported ImportMidi(const ImportSource& source); ///< Standard MIDI files
 Imported ImportMpegAudio(const ImportSource& source); ///< MPEG layers I to III
 Imported ImportOther(const ImportSource& source);     ///< whatever else the sound module demultiplexes
 

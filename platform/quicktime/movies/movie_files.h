@@ -31,8 +31,8 @@ OSErr NewMovieFromDataRef(Movie* movie, Handle data_reference, OSType type);
 OSErr GetMovieDefaultDataRef(Movie movie, qt::DataReference& reference);
 
 /// The subtype of the importer that opens this data: 'WAVE', 'AIFF', 'AIFC', 'ULAW' (AU), 'caff', 'MP3 ',
-/// 'M4A ', 'M4V ', 'mpg4', 'MooV', 'FLAC', 'Ogg ', 'AMR ', 'ADTS', 'AVI '… from the content, not the name.
-/// noMovieFound when there is none.
+/// 'M4A ', 'M4V ', 'mpg4', 'MooV', 'FLAC', 'Ogg ', 'AMR ', 'ADTS', 'AVI ', 'Midi'… from the content, not the
+/// name. noMovieFound when there is none.
 OSErr GetMovieImporterForDataRef(OSType type, Handle data_reference, OSType* subtype);
 
 /// Makes a file for a movie, and the movie, empty. `flags`: createMovieFileDeleteCurFile replaces a file that

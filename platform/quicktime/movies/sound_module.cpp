@@ -9,3 +9,7 @@ const qt::FfmpegModule* qt::SoundModule() {
 const qt::SndfileLibrary* qt::Sndfile() {
     return static_cast<const SndfileLibrary*>(win32::LoadModule("sndfile").table);
 }
+
+const qt::FluidsynthLibrary* qt::Fluidsynth() {
+    return static_cast<const FluidsynthLibrary*>(win32::LoadModule("midi").table);
+}
