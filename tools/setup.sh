@@ -67,6 +67,11 @@ configure() {
     (cd "$root" && cmake $fresh --preset "$@")
 }
 
+# fuzz_targets: those that the build knows; an old build's may still lie beside them.
+fuzz_targets() {
+    ninja -C "$root/build/fuzz" -t targets all | sed -n 's,^bin/\([a-z0-9_]*_fuzzer\): .*,\1,p' | sort
+}
+
 # run_logged LOG COMMAND…: on a terminal the command speaks for itself, on standard error; elsewhere its
 # output goes to the log, whose tail is shown when the command fails.
 run_logged() {

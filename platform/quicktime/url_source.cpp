@@ -58,7 +58,7 @@ std::string EscapeBlanks(std::string_view url) {
 OpenedSource OpenUrlSource(const std::string& url, const UrlLimits& limits) {
     // An address without its scheme would be taken for http by the library.
     if (!url.starts_with("http://")) return {cantFindHandler, nullptr};
-    const auto* module = static_cast<const HttpModule*>(win32::LoadModule("http").table);
+    const auto* module = win32::ModuleTable<HttpModule>("http");
     if (module == nullptr) return {cantFindHandler, nullptr};
     const HttpLimits http_limits = {limits.bytes, limits.time.count(), limits.stall.count()};
     std::vector<std::byte> body;

@@ -15,4 +15,10 @@ struct Module {
 /// `extern "C" const void* corvane_module()`, which answers its table of operations.
 Module LoadModule(const std::string& name);
 
+/// The table of a module for which nobody has to hear why it is not there; null: not loaded.
+template <class Table>
+const Table* ModuleTable(const std::string& name) {
+    return static_cast<const Table*>(LoadModule(name).table);
+}
+
 } // namespace win32

@@ -67,7 +67,7 @@ void Receive(void* context, const char* key, const char* text, std::size_t size)
 }
 
 const MetadataModule* Module() {
-    return static_cast<const MetadataModule*>(win32::LoadModule("metadata").table);
+    return win32::ModuleTable<MetadataModule>("metadata");
 }
 
 } // namespace

@@ -9,7 +9,7 @@ namespace qt {
 namespace {
 
 const TiffLibrary* LoadTiff() {
-    return static_cast<const TiffLibrary*>(win32::LoadModule("tiff").table);
+    return win32::ModuleTable<TiffLibrary>("tiff");
 }
 
 int Ignore(TIFF*, void*, const char*, const char*, va_list) {

@@ -3,13 +3,13 @@
 #include "platform/win32/modules.h"
 
 const qt::FfmpegModule* qt::SoundModule() {
-    return static_cast<const FfmpegModule*>(win32::LoadModule("ffmpeg").table);
+    return win32::ModuleTable<FfmpegModule>("ffmpeg");
 }
 
 const qt::SndfileLibrary* qt::Sndfile() {
-    return static_cast<const SndfileLibrary*>(win32::LoadModule("sndfile").table);
+    return win32::ModuleTable<SndfileLibrary>("sndfile");
 }
 
 const qt::FluidsynthLibrary* qt::Fluidsynth() {
-    return static_cast<const FluidsynthLibrary*>(win32::LoadModule("midi").table);
+    return win32::ModuleTable<FluidsynthLibrary>("midi");
 }

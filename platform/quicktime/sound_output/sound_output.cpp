@@ -73,7 +73,7 @@ void SoundOutput::Mix(void* context, float* samples, std::size_t frames) {
 }
 
 const SdlModule* SoundDevices() {
-    return static_cast<const SdlModule*>(win32::LoadModule("sdl").table);
+    return win32::ModuleTable<SdlModule>("sdl");
 }
 
 } // namespace qt
