@@ -4,7 +4,7 @@
 #include "files/file_spec.h"
 #include "platform/fmwrapper/fmwrapper.h"
 #include "plugin/errors.h"
-#include "sounds/intermediate_file.h"
+#include "files/intermediate_file.h"
 
 #include <cstdint>
 #include <optional>

@@ -4,7 +4,7 @@
 
 #include "files/file_spec.h"
 #include "platform/quicktime/movies/movies.h"
-#include "sounds/intermediate_file.h"
+#include "files/intermediate_file.h"
 
 #include <cstdint>
 
