@@ -59,7 +59,8 @@ Shortage::~Shortage() {
 namespace {
 
 // These libraries, as Debian 12 has them, follow null pointers when they get no memory.
-constexpr std::array<std::string_view, 3> kFaultyLibraries = {"libopenjp2", "libsndfile", "libtiff"};
+constexpr std::array<std::string_view, 5> kFaultyLibraries = {"libavcodec", "libavutil", "libopenjp2",
+                                                              "libsndfile", "libtiff"};
 
 bool IsFaulty(const void* caller) {
     Dl_info info;
@@ -75,10 +76,10 @@ bool NoMemory(const void* caller) {
     return true;
 }
 
-// What a system call answers, or that there is no room for what it writes.
+// What a system call answers, or that there is no room for what it writes; standard output always has some.
 template <class... Arguments>
-ssize_t Write(long call, Arguments... arguments) {
-    if (!Fails(Resource::kDisk)) return syscall(call, arguments...);
+ssize_t Write(int file, long call, Arguments... arguments) {
+    if (file <= STDERR_FILENO || !Fails(Resource::kDisk)) return syscall(call, arguments...);
     errno = ENOSPC;
     return -1;
 }
@@ -127,28 +128,28 @@ int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexce
 }
 
 ssize_t write(int file, const void* bytes, std::size_t size) {
-    return corvane::test::Write(SYS_write, file, bytes, size);
+    return corvane::test::Write(file, SYS_write, file, bytes, size);
 }
 
 ssize_t writev(int file, const iovec* pieces, int count) {
-    return corvane::test::Write(SYS_writev, file, pieces, count);
+    return corvane::test::Write(file, SYS_writev, file, pieces, count);
 }
 
 ssize_t pwrite(int file, const void* bytes, std::size_t size, off_t offset) {
-    return corvane::test::Write(SYS_pwrite64, file, bytes, size, offset);
+    return corvane::test::Write(file, SYS_pwrite64, file, bytes, size, offset);
 }
 
 ssize_t pwrite64(int file, const void* bytes, std::size_t size, off64_t offset) {
-    return corvane::test::Write(SYS_pwrite64, file, bytes, size, offset);
+    return corvane::test::Write(file, SYS_pwrite64, file, bytes, size, offset);
 }
 
 ssize_t copy_file_range(int from, off64_t* from_offset, int to, off64_t* to_offset, std::size_t size,
                         unsigned flags) {
-    return corvane::test::Write(SYS_copy_file_range, from, from_offset, to, to_offset, size, flags);
+    return corvane::test::Write(to, SYS_copy_file_range, from, from_offset, to, to_offset, size, flags);
 }
 
 ssize_t sendfile(int to, int from, off_t* offset, std::size_t size) noexcept {
-    return corvane::test::Write(SYS_sendfile, to, from, offset, size);
+    return corvane::test::Write(to, SYS_sendfile, to, from, offset, size);
 }
 
 } // extern "C"
