@@ -91,41 +91,39 @@ using corvane::test::NoMemory;
 
 extern "C" {
 
-#ifdef __SANITIZE_ADDRESS__
-#define REAL(name) __interceptor_##name
-#else
-#define REAL(name) __libc_##name
-#endif
+#ifndef __SANITIZE_ADDRESS__
 
-void* REAL(malloc)(std::size_t size);
-void* REAL(calloc)(std::size_t count, std::size_t size);
-void* REAL(realloc)(void* block, std::size_t size);
-void* REAL(memalign)(std::size_t alignment, std::size_t size);
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
 
 void* malloc(std::size_t size) noexcept {
-    return NoMemory(__builtin_return_address(0)) ? nullptr : REAL(malloc)(size);
+    return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_malloc(size);
 }
 
 void* calloc(std::size_t count, std::size_t size) noexcept {
-    return NoMemory(__builtin_return_address(0)) ? nullptr : REAL(calloc)(count, size);
+    return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_calloc(count, size);
 }
 
 void* realloc(void* block, std::size_t size) noexcept {
-    return NoMemory(__builtin_return_address(0)) ? nullptr : REAL(realloc)(block, size);
+    return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_realloc(block, size);
 }
 
 void* memalign(std::size_t alignment, std::size_t size) noexcept {
-    return NoMemory(__builtin_return_address(0)) ? nullptr : REAL(memalign)(alignment, size);
+    return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_memalign(alignment, size);
 }
 
 void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
-    return NoMemory(__builtin_return_address(0)) ? nullptr : REAL(memalign)(alignment, size);
+    return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_memalign(alignment, size);
 }
 
 int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept {
-    *block = NoMemory(__builtin_return_address(0)) ? nullptr : REAL(memalign)(alignment, size);
+    *block = NoMemory(__builtin_return_address(0)) ? nullptr : __libc_memalign(alignment, size);
     return *block == nullptr ? ENOMEM : 0;
 }
+
+#endif
 
 ssize_t write(int file, const void* bytes, std::size_t size) {
     return corvane::test::Write(file, SYS_write, file, bytes, size);
@@ -156,10 +154,11 @@ ssize_t sendfile(int to, int from, off_t* offset, std::size_t size) noexcept {
 
 #ifdef __SANITIZE_ADDRESS__
 
-// The sanitizer's operators ask it directly; these go the same way as the C library's functions.
+// The sanitizer needs the C library's functions for itself: with it only what C++ allocates fails.
 void* operator new(std::size_t size) {
-    if (void* block = malloc(size)) return block;
-    throw std::bad_alloc();
+    void* block = NoMemory(__builtin_return_address(0)) ? nullptr : malloc(size);
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
 }
 
 void* operator new[](std::size_t size) {
