@@ -50,10 +50,10 @@ FM_Error PutWaveResult(FM_Data& result, qt::OwnedMovie movie, const WaveResultMe
     if (code != 0) return error.Fail(code, messages.not_exported);
     code = OpenMovieFile(*file, movie);
     if (code != 0) return error.Fail(code, messages.not_opened);
+    error.SetCode(0); // may throw, and the files would stay behind the result
     code = PutMovieResult(result, movie.get());
     if (code != 0) return error.Fail(code, messages.no_result);
     file.Keep();
-    error.SetCode(0);
     return kFM_ErrorNone;
 }
 

@@ -59,8 +59,8 @@ Shortage::~Shortage() {
 namespace {
 
 // These libraries, as Debian 12 has them, follow null pointers when they get no memory.
-constexpr std::array<std::string_view, 5> kFaultyLibraries = {"libavcodec", "libavutil", "libopenjp2",
-                                                              "libsndfile", "libtiff"};
+constexpr std::array<std::string_view, 6> kFaultyLibraries = {"libavcodec", "libavutil",  "libmp3lame",
+                                                              "libopenjp2", "libsndfile", "libtiff"};
 
 bool IsFaulty(const void* caller) {
     Dl_info info;
