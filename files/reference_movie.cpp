@@ -1,6 +1,7 @@
 #include "files/reference_movie.h"
 
 #include "files/data_reference.h"
+#include "files/intermediate_file.h"
 #include "files/movie_file.h"
 #include "files/temporary_files.h"
 #include "platform/quicktime/movies/movie_files.h"
@@ -43,12 +44,10 @@ std::int32_t MakeReferenceMovie(XFileSpec& movie_file) {
     if (reference_movie.CheckExists() == 0) {
         if (const std::int32_t code = DeleteFileOf(reference_movie); code != 0) return code;
     }
-    const std::int32_t code = WriteReferenceMovie(source.get(), reference_movie);
-    if (code != 0) {
-        DeleteFileOf(reference_movie);
-        return code;
-    }
+    IntermediateFile unfinished(reference_movie);
+    if (const std::int32_t code = WriteReferenceMovie(source.get(), reference_movie); code != 0) return code;
     movie_file = reference_movie;
+    unfinished.Keep();
     return 0;
 }
 

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "files/file_spec.h"
+#include "files/intermediate_file.h"
 #include "platform/fmwrapper/fmwrapper.h"
 #include "plugin/errors.h"
-#include "sounds/intermediate_file.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,9 +1,9 @@
 #include "sounds/sound_results.h"
 
+#include "files/intermediate_file.h"
 #include "files/movie_file.h"
 #include "files/reference_movie.h"
 #include "files/references.h"
-#include "files/temporary_files.h"
 #include "platform/quicktime/movies/movie_playback.h"
 #include "platform/quicktime/movies/sound_resource.h"
 #include "plugin/host_data.h"
@@ -16,10 +16,13 @@ namespace corvane {
 std::int32_t PutMovieResult(FM_Data& result, Movie movie) {
     XFileSpec file;
     if (const std::int32_t code = MovieFileOf(movie, file); code != 0) return code;
-    if (WorkaroundValue(Workaround::kLinkMedia)) {
-        if (const std::int32_t code = MakeReferenceMovie(file); code != 0) return code;
-    }
-    return PutFileReferenceResult(result, file, "movie", 0, 0);
+    if (WorkaroundValue(Workaround::kLinkMedia) == 0)
+        return PutFileReferenceResult(result, file, "movie", 0, 0);
+    if (const std::int32_t code = MakeReferenceMovie(file); code != 0) return code;
+    IntermediateFile reference_movie(std::move(file));
+    const std::int32_t code = PutFileReferenceResult(result, *reference_movie, "movie", 0, 0);
+    if (code == 0) reference_movie.Keep();
+    return code;
 }
 
 std::int32_t PutSoundResourceResult(FM_Data& result, Movie movie) {
@@ -40,16 +43,17 @@ std::int32_t PutSoundResourceResult(FM_Data& result, Movie movie) {
 
 FM_Error PutWaveResult(FM_Data& result, qt::OwnedMovie movie, const WaveResultMessages& messages,
                        CVSError& error) {
-    XFileSpec file;
-    std::int32_t code = MakeTemporaryFile(file, ".wav");
+    IntermediateFile file;
+    std::int32_t code = file.TakeName(".wav");
     if (code != 0) return error.Fail(code, messages.no_file);
-    code = ExportIntermediateWave(movie.get(), file);
+    code = ExportIntermediateWave(movie.get(), *file);
     if (code != 0) return error.Fail(code, messages.not_exported);
-    code = OpenMovieFile(file, movie);
+    code = OpenMovieFile(*file, movie);
     if (code != 0) return error.Fail(code, messages.not_opened);
+    error.SetCode(0); // may throw, and the files would stay behind the result
     code = PutMovieResult(result, movie.get());
     if (code != 0) return error.Fail(code, messages.no_result);
-    error.SetCode(0);
+    file.Keep();
     return kFM_ErrorNone;
 }
 

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "files/file_spec.h"
+#include "files/intermediate_file.h"
 #include "platform/quicktime/movies/movies.h"
-#include "sounds/intermediate_file.h"
 
 #include <cstdint>
 

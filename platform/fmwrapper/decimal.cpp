@@ -4,13 +4,32 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
+#include <new>
 #include <utility>
 
 namespace fm {
 namespace {
 
 constexpr int kQuotientDigits = 16;
+
+// Without these GMP ends the process when there is no memory.
+void* Allocate(std::size_t size) {
+    if (void* block = std::malloc(size)) return block;
+    throw std::bad_alloc();
+}
+
+void* Reallocate(void* block, std::size_t /*old_size*/, std::size_t size) {
+    if (void* larger = std::realloc(block, size)) return larger;
+    throw std::bad_alloc();
+}
+
+void Free(void* block, std::size_t /*size*/) {
+    std::free(block);
+}
+
+[[maybe_unused]] const bool g_memory_set = (mp_set_memory_functions(Allocate, Reallocate, Free), true);
 
 mpz_class PowerOfTen(int exponent) {
     mpz_class power;

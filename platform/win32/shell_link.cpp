@@ -6,10 +6,12 @@
 #include "platform/win32/errors.h"
 #include "platform/win32/file_items.h"
 #include "platform/win32/paths.h"
+#include "platform/win32/temporary_names.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -207,14 +209,17 @@ DWORD Save(const std::string& bytes, std::u16string_view path) {
     const UnixPath item = ToUnixPath(path);
     if (!item.exists && item.error != ERROR_FILE_NOT_FOUND) return item.error;
     if (item.exists && !S_ISREG(item.status.st_mode)) return ERROR_ACCESS_DENIED;
+    if (item.exists && access(item.path.c_str(), W_OK) != 0) return FromErrno(errno);
+    // A link that is there stays until the new one is complete.
+    const std::string unfinished = item.path.substr(0, item.path.rfind('/') + 1) + UnfinishedName();
     constexpr mode_t kNewFile = 0666;
-    constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    Descriptor file(open(item.path.c_str(), kFlags, kNewFile));
+    Descriptor file(open(unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFile));
     if (!file) return FromErrno(errno);
     const ssize_t written = write(file.get(), bytes.data(), bytes.size());
     int error = written < 0 ? errno : static_cast<std::size_t>(written) < bytes.size() ? ENOSPC : 0;
     if (const int close_error = file.Close(); error == 0) error = close_error;
-    if (error != 0) unlink(item.path.c_str());
+    if (error == 0 && rename(unfinished.c_str(), item.path.c_str()) != 0) error = errno;
+    if (error != 0) unlink(unfinished.c_str());
     return FromErrno(error);
 }
 

@@ -1,7 +1,8 @@
-#include "sounds/intermediate_file.h"
+#include "files/intermediate_file.h"
 
 #include "files/temporary_files.h"
 
+#include <new>
 #include <utility>
 
 namespace corvane {
@@ -25,8 +26,12 @@ std::int32_t IntermediateFile::TakeName(std::string_view extension) {
     return code;
 }
 
-void IntermediateFile::Delete() {
-    if (file_) DeleteFileOf(*file_);
+void IntermediateFile::Delete() noexcept {
+    try {
+        if (file_) DeleteFileOf(*file_);
+    } catch (const std::bad_alloc&) {
+        // There is not even the memory for its path: it stays.
+    }
     file_.reset();
 }
 

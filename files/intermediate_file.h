@@ -4,18 +4,20 @@
 
 #include <optional>
 #include <string_view>
+#include <utility>
 
 namespace corvane {
 
-/// A file in the temporary folder that is deleted with this object, whoever made it meanwhile.
+/// A file that is deleted with this object, whoever made it meanwhile, unless it is to be kept.
 class IntermediateFile {
 public:
     IntermediateFile() = default;
+    explicit IntermediateFile(XFileSpec file) : file_(std::move(file)) {}
     IntermediateFile(IntermediateFile&& other) noexcept;
     IntermediateFile& operator=(IntermediateFile&& other) noexcept;
     ~IntermediateFile() { Delete(); }
 
-    /// Takes a fresh name with this extension (".wav"); codes of MakeTemporaryFile.
+    /// Takes a fresh name in the temporary folder with this extension (".wav"); codes of MakeTemporaryFile.
     std::int32_t TakeName(std::string_view extension);
 
     /// Lets the file stay.
@@ -26,7 +28,7 @@ public:
     [[nodiscard]] const XFileSpec& operator*() const { return *file_; }
 
 private:
-    void Delete();
+    void Delete() noexcept;
 
     std::optional<XFileSpec> file_;
 };

@@ -1,0 +1,189 @@
+// The names that a program defines itself come before those of the C library, for all libraries that it
+// loads.
+#include "tests/faults/faults.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <limits>
+#include <new>
+#include <string_view>
+#include <sys/syscall.h>
+#include <sys/types.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+namespace corvane::test {
+namespace {
+
+constexpr std::int64_t kNever = std::numeric_limits<std::int64_t>::max();
+
+struct Counter {
+    std::atomic<std::int64_t> calls = 0;
+    std::atomic<std::int64_t> first = kNever; ///< of the calls that fail
+    std::atomic<std::int64_t> end = kNever;
+};
+
+constinit std::array<Counter, 2> g_counters;
+
+Counter& CounterOf(Resource resource) {
+    return g_counters[static_cast<std::size_t>(resource)];
+}
+
+bool Fails(Resource resource) {
+    Counter& counter = CounterOf(resource);
+    const std::int64_t call = counter.calls.fetch_add(1, std::memory_order_relaxed);
+    return call >= counter.first && call < counter.end;
+}
+
+} // namespace
+
+std::int64_t CountCalls(Resource resource) {
+    return CounterOf(resource).calls;
+}
+
+Shortage::Shortage(Resource resource, std::int64_t after, std::int64_t number) : resource_(resource) {
+    Counter& counter = CounterOf(resource);
+    const std::int64_t first = counter.calls + after;
+    counter.end = number > kNever - first ? kNever : first + number;
+    counter.first = first;
+}
+
+Shortage::~Shortage() {
+    CounterOf(resource_).first = kNever;
+}
+
+namespace {
+
+// These libraries, as Debian 12 has them, follow null pointers when they get no memory.
+constexpr std::array<std::string_view, 6> kFaultyLibraries = {"libavcodec", "libavutil",  "libmp3lame",
+                                                              "libopenjp2", "libsndfile", "libtiff"};
+
+bool IsFaulty(const void* caller) {
+    Dl_info info;
+    if (dladdr(caller, &info) == 0 || info.dli_fname == nullptr) return false;
+    const std::string_view library(info.dli_fname);
+    return std::ranges::any_of(kFaultyLibraries,
+                               [&](std::string_view name) { return library.find(name) != library.npos; });
+}
+
+bool NoMemory(const void* caller) {
+    if (!Fails(Resource::kMemory) || IsFaulty(caller)) return false;
+    errno = ENOMEM;
+    return true;
+}
+
+// What a system call answers, or that there is no room for what it writes; standard output always has some.
+template <class... Arguments>
+ssize_t Write(int file, long call, Arguments... arguments) {
+    if (file <= STDERR_FILENO || !Fails(Resource::kDisk)) return syscall(call, arguments...);
+    errno = ENOSPC;
+    return -1;
+}
+
+} // namespace
+} // namespace corvane::test
+
+using corvane::test::NoMemory;
+
+extern "C" {
+
+#ifndef __SANITIZE_ADDRESS__
+
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+
+void* malloc(std::size_t size) noexcept {
+    return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_malloc(size);
+}
+
+void* calloc(std::size_t count, std::size_t size) noexcept {
+    return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_calloc(count, size);
+}
+
+void* realloc(void* block, std::size_t size) noexcept {
+    return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_realloc(block, size);
+}
+
+void* memalign(std::size_t alignment, std::size_t size) noexcept {
+    return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_memalign(alignment, size);
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
+    return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_memalign(alignment, size);
+}
+
+int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept {
+    *block = NoMemory(__builtin_return_address(0)) ? nullptr : __libc_memalign(alignment, size);
+    return *block == nullptr ? ENOMEM : 0;
+}
+
+#endif
+
+ssize_t write(int file, const void* bytes, std::size_t size) {
+    return corvane::test::Write(file, SYS_write, file, bytes, size);
+}
+
+ssize_t writev(int file, const iovec* pieces, int count) {
+    return corvane::test::Write(file, SYS_writev, file, pieces, count);
+}
+
+ssize_t pwrite(int file, const void* bytes, std::size_t size, off_t offset) {
+    return corvane::test::Write(file, SYS_pwrite64, file, bytes, size, offset);
+}
+
+ssize_t pwrite64(int file, const void* bytes, std::size_t size, off64_t offset) {
+    return corvane::test::Write(file, SYS_pwrite64, file, bytes, size, offset);
+}
+
+ssize_t copy_file_range(int from, off64_t* from_offset, int to, off64_t* to_offset, std::size_t size,
+                        unsigned flags) {
+    return corvane::test::Write(to, SYS_copy_file_range, from, from_offset, to, to_offset, size, flags);
+}
+
+ssize_t sendfile(int to, int from, off_t* offset, std::size_t size) noexcept {
+    return corvane::test::Write(to, SYS_sendfile, to, from, offset, size);
+}
+
+} // extern "C"
+
+#ifdef __SANITIZE_ADDRESS__
+
+// The sanitizer needs the C library's functions for itself: with it only what C++ allocates fails.
+void* operator new(std::size_t size) {
+    void* block = NoMemory(__builtin_return_address(0)) ? nullptr : malloc(size);
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
+}
+
+void* operator new[](std::size_t size) {
+    return operator new(size);
+}
+
+void operator delete(void* block) noexcept {
+    free(block);
+}
+
+void operator delete[](void* block) noexcept {
+    free(block);
+}
+
+void operator delete(void* block, std::size_t) noexcept {
+    free(block);
+}
+
+void operator delete[](void* block, std::size_t) noexcept {
+    free(block);
+}
+
+// Libraries that bring the two together on their own are none of this test's business.
+extern "C" const char* __asan_default_options() {
+    return "alloc_dealloc_mismatch=0:allocator_may_return_null=1";
+}
+
+#endif

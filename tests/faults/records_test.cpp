@@ -1,0 +1,67 @@
+// Commands on database files while the disk becomes full at any write: they say so, the file stays sound, and
+// with room again the same command does the rest.
+#include "tests/host/program.h"
+
+#include <cstdlib>
+#include <functional>
+
+namespace host {
+namespace {
+
+class StarvedRecords : public Program {
+protected:
+    // As SQLite's own shell sees the file.
+    std::string Sql(const std::string& statement) const {
+        const std::string command = "cd '" + folder_ + "'; sqlite3 m.corvane \"" + statement + "\" >sql 2>&1";
+        EXPECT_EQ(std::system(command.c_str()), 0);
+        return Contents(folder_ + "/sql");
+    }
+
+    void Shell(const std::string& command) const {
+        ASSERT_EQ(std::system(("cd '" + folder_ + "'; " + command).c_str()), 0);
+    }
+
+    // Runs the command with the disk full from each write on, up to a run that has all the room that it
+    // needs. `is_sound` looks at the file after each failure.
+    void Sweep(const std::string& command, const std::function<void()>& is_sound) {
+        int failures = 0;
+        for (int write = 0;; write = write < 12 ? write + 1 : write + write / 4) {
+            SCOPED_TRACE(testing::Message() << command << ", write " << write);
+            Shell("rm -f m.corvane*; cp whole m.corvane");
+            setenv("CORVANE_FULL_DISK", std::to_string(write).c_str(), 1);
+            const Finished run = Corvane(command);
+            unsetenv("CORVANE_FULL_DISK");
+            EXPECT_EQ(Sql("PRAGMA integrity_check"), "ok\n");
+            if (run.status == 0) break;
+            ++failures;
+            // The second is SQLite's word when its index of the log can't grow.
+            EXPECT_TRUE(run.errors.find("disk is full") != run.errors.npos ||
+                        run.errors.find("disk I/O error") != run.errors.npos)
+                << run.errors;
+            is_sound();
+            EXPECT_EQ(Corvane(command).status, 0);
+            ASSERT_FALSE(HasFailure());
+        }
+        EXPECT_GT(failures, 5);
+    }
+};
+
+TEST_F(StarvedRecords, StaySound) {
+    Shell("mkdir in; for i in 1 2 3 4 5 6; do head -c 20000 /dev/urandom >in/$i; done");
+    ASSERT_EQ(Corvane("db create m.corvane").status, 0);
+    ASSERT_EQ(Corvane("db table m.corvane t name:text n:number data:container").status, 0);
+    ASSERT_EQ(Corvane("import m.corvane t data in --name-field name").status, 0);
+    Shell("cp m.corvane whole");
+
+    const char* const kStreams =
+        "SELECT count(*) = count(DISTINCT record), sum(length(bytes)) = 20000 * count(*), "
+        "count(*) >= 6 FROM corvane_streams WHERE type = 'FILE'";
+    Sweep("import m.corvane t data in --name-field name", [&] { EXPECT_EQ(Sql(kStreams), "1|1|1\n"); });
+    Sweep("update m.corvane t 'n=Length(HostStream(data;\"FILE\"))' data=data", [&] {
+        EXPECT_EQ(Sql(kStreams), "1|1|1\n");
+        EXPECT_EQ(Sql("SELECT count(*) FROM t WHERE n IS NOT NULL AND n <> 40000"), "0\n");
+    });
+}
+
+} // namespace
+} // namespace host
