@@ -39,6 +39,14 @@ if(CORVANE_SANITIZE)
   add_link_options(-fsanitize=${CORVANE_SANITIZE})
 endif()
 
+# Links what a start of the program loads with a C++ library of its own: to load and bind the system's takes a fifth
+# of that start. Not for the sanitizers, which have to see its calls.
+function(corvane_own_runtime target)
+  if(NOT CORVANE_SANITIZE)
+    target_link_options(${target} PRIVATE -static-libstdc++ -static-libgcc -Wl,--exclude-libs,ALL -Wl,--gc-sections)
+  endif()
+endfunction()
+
 # A layer of the product: a static library named corvane_NAME of the sources in its folder.
 function(corvane_layer name)
   cmake_parse_arguments(PARSE_ARGV 1 LAYER "" "" "SOURCES;LINKS")
@@ -61,4 +69,12 @@ function(corvane_module name)
   if(NOT MODULE_PACKAGE STREQUAL "none")
     install(TARGETS corvane-${name} LIBRARY DESTINATION "${CORVANE_INSTALL_FOLDER}" COMPONENT ${MODULE_PACKAGE})
   endif()
+endfunction()
+
+# A module that is nothing but a library: its table is a TABLE, from HEADER, of the library's own functions.
+function(corvane_library_module name)
+  cmake_parse_arguments(PARSE_ARGV 1 MODULE "" "HEADER;TABLE" "LINKS")
+  set(source "${CMAKE_CURRENT_BINARY_DIR}/${name}_module.cpp")
+  configure_file("${CMAKE_SOURCE_DIR}/cmake/library_module.cpp.in" "${source}" @ONLY)
+  corvane_module(${name} SOURCES "${source}" LINKS ${MODULE_LINKS})
 endfunction()

@@ -1,6 +1,6 @@
 #include "images/exif_dump.h"
 
-#include <libexif/exif-data.h>
+#include "platform/quicktime/modules/exif_library.h"
 
 #include <algorithm>
 #include <array>
@@ -35,13 +35,14 @@ Section SecondSection(std::span<const std::byte> jpeg) {
 }
 
 struct ExifDataFreer {
-    void operator()(ExifData* data) const { exif_data_unref(data); }
+    void operator()(ExifData* data) const { qt::g_exif->data_unref(data); }
 };
 
 void AddEntry(ExifEntry* entry, void* context) {
     std::array<char, 1024> value{};
-    exif_entry_get_value(entry, value.data(), value.size());
-    const char* name = exif_tag_get_name_in_ifd(entry->tag, exif_entry_get_ifd(entry));
+    qt::g_exif->entry_get_value(entry, value.data(), value.size());
+    const char* name =
+        qt::g_exif->tag_get_name_in_ifd(entry->tag, qt::g_exif->content_get_ifd(entry->parent));
     static_cast<MetadataText*>(context)->AddLine(std::string("  ") + (name != nullptr ? name : "") + ": " +
                                                  value.data());
 }
@@ -50,8 +51,8 @@ void AddDirectories(const ExifData& data, MetadataText& text) {
     for (int i = 0; i < EXIF_IFD_COUNT; ++i) {
         ExifContent* directory = data.ifd[i];
         if (directory == nullptr || directory->count == 0) continue;
-        text.AddLine(std::string("IFD ") + exif_ifd_get_name(static_cast<ExifIfd>(i)));
-        exif_content_foreach_entry(directory, AddEntry, &text);
+        text.AddLine(std::string("IFD ") + qt::g_exif->ifd_get_name(static_cast<ExifIfd>(i)));
+        qt::g_exif->content_foreach_entry(directory, AddEntry, &text);
     }
     if (data.data != nullptr && data.size > 0)
         text.AddLine("Thumbnail (bytes): " + std::to_string(data.size));
@@ -67,9 +68,10 @@ void AddExifDump(std::span<const std::byte> jpeg, MetadataText& text) {
         text.AddLine("  Unknown content.");
         return;
     }
+    if (!qt::g_exif.Load()) return;
     const std::unique_ptr<ExifData, ExifDataFreer> data(
-        exif_data_new_from_data(reinterpret_cast<const unsigned char*>(section.content.data()),
-                                static_cast<unsigned>(section.content.size())));
+        qt::g_exif->data_new_from_data(reinterpret_cast<const unsigned char*>(section.content.data()),
+                                       static_cast<unsigned>(section.content.size())));
     if (data != nullptr) AddDirectories(*data, text);
 }
 

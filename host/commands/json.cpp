@@ -1,10 +1,10 @@
 #include "host/commands/json.h"
 
 #include "host/engine/stream_type.h"
+#include "host/modules/nettle_library.h"
 #include "platform/text/utf.h"
 
 #include <array>
-#include <nettle/sha2.h>
 #include <nlohmann/json.hpp>
 
 namespace host {
@@ -16,13 +16,15 @@ std::string Line(const Json& json) {
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-std::string Sha256(const fm::Bytes& bytes) {
+// Nothing when its library is not installed.
+Json Sha256(const fm::Bytes& bytes) {
+    if (!g_nettle.Load()) return nullptr;
     constexpr std::string_view kDigits = "0123456789abcdef";
     sha256_ctx context;
     std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest = {};
-    nettle_sha256_init(&context);
-    nettle_sha256_update(&context, bytes.size(), bytes.data());
-    nettle_sha256_digest(&context, digest.size(), digest.data());
+    g_nettle->init(&context);
+    g_nettle->update(&context, bytes.size(), bytes.data());
+    g_nettle->digest(&context, digest.size(), digest.data());
     std::string text;
     for (const std::uint8_t byte : digest) {
         text += kDigits[byte >> 4];

@@ -1,7 +1,8 @@
 #include "host/fields/connection.h"
 
+#include "host/modules/sqlite_library.h"
+
 #include <algorithm>
-#include <sqlite3.h>
 #include <thread>
 #include <utility>
 
@@ -23,10 +24,10 @@ int OnBusy(void*, int times) {
 class OpenValue {
 public:
     OpenValue(sqlite3* connection, const char* table, std::int64_t row, bool writable) {
-        good_ = ::sqlite3_blob_open(connection, "main", table, "bytes", row, writable ? 1 : 0, &value_) ==
+        good_ = g_sqlite->blob_open(connection, "main", table, "bytes", row, writable ? 1 : 0, &value_) ==
                 SQLITE_OK;
     }
-    ~OpenValue() { ::sqlite3_blob_close(value_); }
+    ~OpenValue() { g_sqlite->blob_close(value_); }
     OpenValue(const OpenValue&) = delete;
     OpenValue& operator=(const OpenValue&) = delete;
 
@@ -52,38 +53,38 @@ private:
 } // namespace
 
 void Statement::Finalizer::operator()(sqlite3_stmt* statement) const {
-    ::sqlite3_finalize(statement);
+    g_sqlite->finalize(statement);
 }
 
 void Statement::Bind(int parameter, std::int64_t value) {
-    ::sqlite3_bind_int64(statement_.get(), parameter, value);
+    g_sqlite->bind_int64(statement_.get(), parameter, value);
 }
 
 void Statement::Bind(int parameter, double value) {
-    ::sqlite3_bind_double(statement_.get(), parameter, value);
+    g_sqlite->bind_double(statement_.get(), parameter, value);
 }
 
 void Statement::Bind(int parameter, std::string_view text) {
-    ::sqlite3_bind_text64(statement_.get(), parameter, text.data() != nullptr ? text.data() : "", text.size(),
+    g_sqlite->bind_text64(statement_.get(), parameter, text.data() != nullptr ? text.data() : "", text.size(),
                           SQLITE_STATIC, SQLITE_UTF8);
 }
 
 // A value that is too large for the file leaves the parameter empty, which its column refuses.
 void Statement::BindBytes(int parameter, std::span<const std::uint8_t> bytes) {
     if (bytes.empty()) return BindRoom(parameter, 0);
-    ::sqlite3_bind_blob64(statement_.get(), parameter, bytes.data(), bytes.size(), SQLITE_STATIC);
+    g_sqlite->bind_blob64(statement_.get(), parameter, bytes.data(), bytes.size(), SQLITE_STATIC);
 }
 
 void Statement::BindRoom(int parameter, std::uint64_t size) {
-    ::sqlite3_bind_zeroblob64(statement_.get(), parameter, size);
+    g_sqlite->bind_zeroblob64(statement_.get(), parameter, size);
 }
 
 void Statement::BindNothing(int parameter) {
-    ::sqlite3_bind_null(statement_.get(), parameter);
+    g_sqlite->bind_null(statement_.get(), parameter);
 }
 
 bool Statement::Step() {
-    const int answer = statement_ != nullptr ? ::sqlite3_step(statement_.get()) : SQLITE_MISUSE;
+    const int answer = statement_ != nullptr ? g_sqlite->step(statement_.get()) : SQLITE_MISUSE;
     good_ = answer == SQLITE_ROW || answer == SQLITE_DONE;
     if (answer == SQLITE_ROW) return true;
     End();
@@ -97,48 +98,49 @@ bool Statement::Run() {
 }
 
 void Statement::End() {
-    ::sqlite3_reset(statement_.get());
+    if (statement_ != nullptr) g_sqlite->reset(statement_.get());
 }
 
 bool Statement::IsNothing(int column) const {
-    return ::sqlite3_column_type(statement_.get(), column) == SQLITE_NULL;
+    return g_sqlite->column_type(statement_.get(), column) == SQLITE_NULL;
 }
 
 bool Statement::IsInteger(int column) const {
-    return ::sqlite3_column_type(statement_.get(), column) == SQLITE_INTEGER;
+    return g_sqlite->column_type(statement_.get(), column) == SQLITE_INTEGER;
 }
 
 bool Statement::IsReal(int column) const {
-    return ::sqlite3_column_type(statement_.get(), column) == SQLITE_FLOAT;
+    return g_sqlite->column_type(statement_.get(), column) == SQLITE_FLOAT;
 }
 
 std::int64_t Statement::Integer(int column) const {
-    return ::sqlite3_column_int64(statement_.get(), column);
+    return g_sqlite->column_int64(statement_.get(), column);
 }
 
 double Statement::Real(int column) const {
-    return ::sqlite3_column_double(statement_.get(), column);
+    return g_sqlite->column_double(statement_.get(), column);
 }
 
 std::string_view Statement::Text(int column) const {
-    const unsigned char* text = ::sqlite3_column_text(statement_.get(), column);
+    const unsigned char* text = g_sqlite->column_text(statement_.get(), column);
     if (text == nullptr) return {};
     return {reinterpret_cast<const char*>(text),
-            static_cast<std::size_t>(::sqlite3_column_bytes(statement_.get(), column))};
+            static_cast<std::size_t>(g_sqlite->column_bytes(statement_.get(), column))};
 }
 
 void Connection::Closer::operator()(sqlite3* connection) const {
-    ::sqlite3_close_v2(connection);
+    g_sqlite->close_v2(connection);
 }
 
 std::string Connection::Open(const std::string& path) {
     path_ = path;
+    if (!g_sqlite.Load()) return path + ": " + modules::Load("sqlite").reason;
     sqlite3* connection = nullptr;
     const int answer =
-        ::sqlite3_open_v2(path.c_str(), &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+        g_sqlite->open_v2(path.c_str(), &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
     connection_.reset(connection);
     if (answer != SQLITE_OK) return Problem();
-    ::sqlite3_busy_handler(connection, OnBusy, nullptr);
+    g_sqlite->busy_handler(connection, OnBusy, nullptr);
     // A process that dies loses nothing that was committed; a machine that loses its power may lose the
     // latest transactions, each as a whole. The log beside the file is worked off, which waits for the disk
     // twice, every 64 MiB.
@@ -149,38 +151,38 @@ std::string Connection::Open(const std::string& path) {
 }
 
 bool Connection::Execute(const char* statements) {
-    return ::sqlite3_exec(connection_.get(), statements, nullptr, nullptr, nullptr) == SQLITE_OK;
+    return g_sqlite->exec(connection_.get(), statements, nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
 Statement Connection::Prepare(const std::string& text) {
     sqlite3_stmt* statement = nullptr;
-    ::sqlite3_prepare_v3(connection_.get(), text.data(), static_cast<int>(text.size()),
+    g_sqlite->prepare_v3(connection_.get(), text.data(), static_cast<int>(text.size()),
                          SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
     return Statement(statement);
 }
 
 std::int64_t Connection::ChangedRows() const {
-    return ::sqlite3_changes64(connection_.get());
+    return g_sqlite->changes64(connection_.get());
 }
 
 std::int64_t Connection::LastRow() const {
-    return ::sqlite3_last_insert_rowid(connection_.get());
+    return g_sqlite->last_insert_rowid(connection_.get());
 }
 
 std::uint64_t Connection::LargestValue() const {
-    return static_cast<std::uint64_t>(::sqlite3_limit(connection_.get(), SQLITE_LIMIT_LENGTH, -1));
+    return static_cast<std::uint64_t>(g_sqlite->limit(connection_.get(), SQLITE_LIMIT_LENGTH, -1));
 }
 
 bool Connection::ReadBytes(const char* table, std::int64_t row, std::span<std::uint8_t> bytes) {
-    return OpenValue(connection_.get(), table, row, false).InPieces(bytes, ::sqlite3_blob_read);
+    return OpenValue(connection_.get(), table, row, false).InPieces(bytes, g_sqlite->blob_read);
 }
 
 bool Connection::WriteBytes(const char* table, std::int64_t row, std::span<const std::uint8_t> bytes) {
-    return OpenValue(connection_.get(), table, row, true).InPieces(bytes, ::sqlite3_blob_write);
+    return OpenValue(connection_.get(), table, row, true).InPieces(bytes, g_sqlite->blob_write);
 }
 
 std::string Connection::Problem() const {
-    return path_ + ": " + ::sqlite3_errmsg(connection_.get());
+    return path_ + ": " + g_sqlite->errmsg(connection_.get());
 }
 
 // One that could not be taken is missed in speed only.

@@ -2,8 +2,6 @@
 
 #include "platform/quicktime/sound_output/sound_output.h"
 
-#include <dlfcn.h>
-
 namespace {
 
 constexpr OSType kVersionSelector = qt::Code("qtim");
@@ -12,16 +10,10 @@ constexpr OSErr kUnknownSelector = -5551;
 
 int g_layer_starts = 0;
 
-// pixman never gives back what it allocates when it is loaded, so a plug-in that comes and goes would leave
-// that behind each time. It is made to stay instead.
-void KeepPixmanLoaded() {
-    if (void* pixman = dlopen("libpixman-1.so.0", RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE)) dlclose(pixman);
-}
-
 } // namespace
 
 OSErr InitializeQTML(std::int32_t) {
-    if (g_layer_starts++ == 0) KeepPixmanLoaded();
+    ++g_layer_starts;
     return 0;
 }
 

@@ -1,6 +1,6 @@
 #include "platform/quicktime/regions.h"
 
-#include <pixman.h>
+#include "platform/quicktime/modules/pixman_library.h"
 
 #include <new>
 
@@ -13,10 +13,10 @@ namespace {
 /// A region for the time of a computation.
 class Scratch {
 public:
-    Scratch() { pixman_region32_init(&pixels_); }
+    Scratch() { qt::g_pixman->region32_init(&pixels_); }
     Scratch(const Scratch&) = delete;
     Scratch& operator=(const Scratch&) = delete;
-    ~Scratch() { pixman_region32_fini(&pixels_); }
+    ~Scratch() { qt::g_pixman->region32_fini(&pixels_); }
     pixman_region32_t* get() { return &pixels_; }
 
 private:
@@ -26,47 +26,48 @@ private:
 } // namespace
 
 RgnHandle NewRgn() {
+    if (!qt::g_pixman.Load()) return nullptr;
     auto* region = new (std::nothrow) QuickDrawRegion;
-    if (region != nullptr) pixman_region32_init(&region->pixels);
+    if (region != nullptr) qt::g_pixman->region32_init(&region->pixels);
     return region;
 }
 
 void DisposeRgn(RgnHandle region) {
     if (region == nullptr) return;
-    pixman_region32_fini(&region->pixels);
+    qt::g_pixman->region32_fini(&region->pixels);
     const std::unique_ptr<QuickDrawRegion> disposed(region);
 }
 
 void RectRgn(RgnHandle region, const Rect* rectangle) {
-    pixman_region32_fini(&region->pixels);
-    pixman_region32_init(&region->pixels);
+    qt::g_pixman->region32_fini(&region->pixels);
+    qt::g_pixman->region32_init(&region->pixels);
     if (rectangle->right <= rectangle->left || rectangle->bottom <= rectangle->top) return;
-    pixman_region32_union_rect(&region->pixels, &region->pixels, rectangle->left, rectangle->top,
-                               static_cast<unsigned>(rectangle->right - rectangle->left),
-                               static_cast<unsigned>(rectangle->bottom - rectangle->top));
+    qt::g_pixman->region32_union_rect(&region->pixels, &region->pixels, rectangle->left, rectangle->top,
+                                      static_cast<unsigned>(rectangle->right - rectangle->left),
+                                      static_cast<unsigned>(rectangle->bottom - rectangle->top));
 }
 
 void XorRgn(RgnHandle first, RgnHandle second, RgnHandle result) {
     Scratch either;
     Scratch both;
-    pixman_region32_union(either.get(), &first->pixels, &second->pixels);
-    pixman_region32_intersect(both.get(), &first->pixels, &second->pixels);
-    pixman_region32_subtract(&result->pixels, either.get(), both.get());
+    qt::g_pixman->region32_union(either.get(), &first->pixels, &second->pixels);
+    qt::g_pixman->region32_intersect(both.get(), &first->pixels, &second->pixels);
+    qt::g_pixman->region32_subtract(&result->pixels, either.get(), both.get());
 }
 
 void DiffRgn(RgnHandle first, RgnHandle second, RgnHandle result) {
-    pixman_region32_subtract(&result->pixels, &first->pixels, &second->pixels);
+    qt::g_pixman->region32_subtract(&result->pixels, &first->pixels, &second->pixels);
 }
 
 void CopyRgn(RgnHandle source, RgnHandle result) {
-    pixman_region32_copy(&result->pixels, &source->pixels);
+    qt::g_pixman->region32_copy(&result->pixels, &source->pixels);
 }
 
 namespace qt {
 
 std::vector<Rect> RegionRectangles(RgnHandle region) {
     int count = 0;
-    const pixman_box32_t* boxes = pixman_region32_rectangles(&region->pixels, &count);
+    const pixman_box32_t* boxes = g_pixman->region32_rectangles(&region->pixels, &count);
     std::vector<Rect> rectangles;
     rectangles.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {

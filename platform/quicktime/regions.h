@@ -9,7 +9,7 @@
 struct QuickDrawRegion;
 using RgnHandle = QuickDrawRegion*;
 
-/// An empty region; null without memory.
+/// An empty region; null without memory, or without the module of regions.
 RgnHandle NewRgn();
 void DisposeRgn(RgnHandle region); ///< null is allowed
 /// The region becomes the rectangle; empty when its edges are in the wrong order.

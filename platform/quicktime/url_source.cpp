@@ -1,9 +1,9 @@
 #include "platform/quicktime/url_source.h"
 
+#include "platform/modules/modules.h"
 #include "platform/quicktime/graphics_exporter.h"
 #include "platform/quicktime/modules/http_module.h"
 #include "platform/win32/keyboard.h"
-#include "platform/win32/modules.h"
 
 #include <new>
 #include <string_view>
@@ -58,7 +58,7 @@ std::string EscapeBlanks(std::string_view url) {
 OpenedSource OpenUrlSource(const std::string& url, const UrlLimits& limits) {
     // An address without its scheme would be taken for http by the library.
     if (!url.starts_with("http://")) return {cantFindHandler, nullptr};
-    const auto* module = win32::ModuleTable<HttpModule>("http");
+    const auto* module = modules::Table<HttpModule>("http");
     if (module == nullptr) return {cantFindHandler, nullptr};
     const HttpLimits http_limits = {limits.bytes, limits.time.count(), limits.stall.count()};
     std::vector<std::byte> body;

@@ -1,6 +1,6 @@
 #include "platform/win32/windows_module.h"
 
-#include "platform/win32/modules.h"
+#include "platform/modules/modules.h"
 
 #include <cstdio>
 
@@ -22,7 +22,7 @@ void DispatchMessages() {
 
 const WindowsModule* OpenWindows() {
     if (!fm::CurrentSession().windows) return nullptr;
-    const Module module = LoadModule("windows");
+    const modules::Module module = modules::Load("windows");
     const auto* windows = static_cast<const WindowsModule*>(module.table);
     const std::string reason =
         windows == nullptr ? module.reason : windows->open({DispatchMessages, DoWithoutWindows});

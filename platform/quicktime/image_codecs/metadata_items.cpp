@@ -1,9 +1,9 @@
 #include "platform/quicktime/image_codecs/metadata_items.h"
 
+#include "platform/modules/modules.h"
 #include "platform/quicktime/image_codecs/raster.h"
 #include "platform/quicktime/modules/metadata_module.h"
 #include "platform/text/utf.h"
-#include "platform/win32/modules.h"
 
 #include <algorithm>
 #include <array>
@@ -67,7 +67,7 @@ void Receive(void* context, const char* key, const char* text, std::size_t size)
 }
 
 const MetadataModule* Module() {
-    return win32::ModuleTable<MetadataModule>("metadata");
+    return modules::Table<MetadataModule>("metadata");
 }
 
 } // namespace

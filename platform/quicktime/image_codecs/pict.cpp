@@ -1,5 +1,6 @@
 // QuickDraw pictures: drawing operations, most of them pixel maps, in a frame.
 #include "platform/quicktime/image_codecs/pict_player.h"
+#include "platform/quicktime/modules/pixman_library.h"
 
 #include <new>
 
@@ -72,6 +73,7 @@ ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
 }
 
 ComponentResult DecodeWhole(DataSource& source, PixelImage& image) {
+    if (!g_pixman.Load()) return codecUnimpErr;
     constexpr std::uint32_t kMostPixelsOfByte = 4096; // few operations can fill a large frame
     const std::uint64_t size = source.GetSize();
     if (size > kMaximumPixelBytes) return memFullErr;

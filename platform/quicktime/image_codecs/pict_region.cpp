@@ -1,5 +1,7 @@
 #include "platform/quicktime/image_codecs/pict_region.h"
 
+#include "platform/quicktime/modules/pixman_library.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -53,25 +55,25 @@ std::pair<std::int32_t, std::int32_t> EdgeRows(const Point& upper, const Point& 
 } // namespace
 
 Region::Region() {
-    pixman_region32_init(&region_);
+    g_pixman->region32_init(&region_);
 }
 
 Region::Region(const Box& box) {
     const bool empty = box.x1 >= box.x2 || box.y1 >= box.y2;
     if (empty) {
-        pixman_region32_init(&region_);
+        g_pixman->region32_init(&region_);
     } else {
-        pixman_region32_init_with_extents(&region_, &box);
+        g_pixman->region32_init_with_extents(&region_, &box);
     }
 }
 
 Region::Region(std::span<const Box> boxes) {
-    if (pixman_region32_init_rects(&region_, boxes.data(), static_cast<int>(boxes.size())) == 0)
+    if (g_pixman->region32_init_rects(&region_, boxes.data(), static_cast<int>(boxes.size())) == 0)
         throw std::bad_alloc();
 }
 
 Region::Region(const Region& other) : Region() {
-    if (pixman_region32_copy(&region_, &other.region_) == 0) throw std::bad_alloc();
+    if (g_pixman->region32_copy(&region_, &other.region_) == 0) throw std::bad_alloc();
 }
 
 Region::Region(Region&& other) noexcept : Region() {
@@ -84,22 +86,22 @@ Region& Region::operator=(Region other) noexcept {
 }
 
 Region::~Region() {
-    pixman_region32_fini(&region_);
+    g_pixman->region32_fini(&region_);
 }
 
 void Region::Intersect(const Region& other) {
-    if (pixman_region32_intersect(&region_, &region_, &other.region_) == 0) throw std::bad_alloc();
+    if (g_pixman->region32_intersect(&region_, &region_, &other.region_) == 0) throw std::bad_alloc();
 }
 
 void Region::Subtract(const Region& other) {
-    if (pixman_region32_subtract(&region_, &region_, &other.region_) == 0) throw std::bad_alloc();
+    if (g_pixman->region32_subtract(&region_, &region_, &other.region_) == 0) throw std::bad_alloc();
 }
 
 Region Region::Shrunk(std::int32_t width, std::int32_t height) const {
     Region shrunk = *this;
     for (const auto& [right, down] : {std::pair(width, 0), {-width, 0}, {0, height}, {0, -height}}) {
         Region moved = *this;
-        pixman_region32_translate(&moved.region_, right, down);
+        g_pixman->region32_translate(&moved.region_, right, down);
         shrunk.Intersect(moved);
     }
     return shrunk;
@@ -107,7 +109,7 @@ Region Region::Shrunk(std::int32_t width, std::int32_t height) const {
 
 std::span<const Box> Region::Boxes() const {
     int count = 0;
-    const Box* boxes = pixman_region32_rectangles(&region_, &count);
+    const Box* boxes = g_pixman->region32_rectangles(&region_, &count);
     return {boxes, static_cast<std::size_t>(count)};
 }
 

@@ -4,11 +4,10 @@
 
 #include "platform/quicktime/image_codecs/png_rgb.h"
 #include "platform/quicktime/image_codecs/raster.h"
+#include "platform/quicktime/modules/png_library.h"
 
 #include <array>
 #include <csetjmp>
-
-#include <png.h>
 
 namespace qt {
 namespace {
@@ -30,15 +29,15 @@ struct Reader {
 };
 
 [[noreturn]] void OnError(png_structp png, png_const_charp) {
-    std::longjmp(static_cast<Reader*>(png_get_error_ptr(png))->failed, 1);
+    std::longjmp(static_cast<Reader*>(g_png->get_error_ptr(png))->failed, 1);
 }
 
 void OnWarning(png_structp, png_const_charp) {}
 
 void OnRead(png_structp png, png_bytep bytes, std::size_t size) {
-    auto& reader = *static_cast<Reader*>(png_get_io_ptr(png));
+    auto& reader = *static_cast<Reader*>(g_png->get_io_ptr(png));
     if (reader.source->Read(reader.offset, {reinterpret_cast<std::byte*>(bytes), size}) != size)
-        png_error(png, "the data breaks off");
+        g_png->error(png, "the data breaks off");
     reader.offset += size;
 }
 
@@ -48,34 +47,34 @@ void IgnoreOtherChunks(png_structp png) {
         'b', 'K', 'G', 'D', 0, 'c', 'H', 'R', 'M', 0, 'e', 'X', 'I', 'f', 0, 'g', 'A', 'M', 'A', 0,
         'h', 'I', 'S', 'T', 0, 'i', 'C', 'C', 'P', 0, 'i', 'T', 'X', 't', 0, 's', 'B', 'I', 'T', 0,
         's', 'P', 'L', 'T', 0, 's', 'R', 'G', 'B', 0, 't', 'E', 'X', 't', 0, 'z', 'T', 'X', 't', 0};
-    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, kNames.data(), kNames.size() / 5);
+    g_png->set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, kNames.data(), kNames.size() / 5);
 }
 
 /// Reads up to the pixel data and asks for pixels as PixelImage holds them. False when the library refuses.
 bool ReadHeader(Reader& reader) {
     if (setjmp(reader.failed) != 0) return false;
     png_structp png = reader.png;
-    png_set_read_fn(png, &reader, OnRead);
-    png_set_user_limits(png, kMaximumDimension, kMaximumDimension);
+    g_png->set_read_fn(png, &reader, OnRead);
+    g_png->set_user_limits(png, kMaximumDimension, kMaximumDimension);
     IgnoreOtherChunks(png);
-    png_read_info(png, reader.info);
-    reader.width = png_get_image_width(png, reader.info);
-    reader.height = png_get_image_height(png, reader.info);
-    const png_byte type = png_get_color_type(png, reader.info);
-    const bool transparent = png_get_valid(png, reader.info, PNG_INFO_tRNS) != 0;
+    g_png->read_info(png, reader.info);
+    reader.width = g_png->get_image_width(png, reader.info);
+    reader.height = g_png->get_image_height(png, reader.info);
+    const png_byte type = g_png->get_color_type(png, reader.info);
+    const bool transparent = g_png->get_valid(png, reader.info, PNG_INFO_tRNS) != 0;
     reader.has_alpha = (type & PNG_COLOR_MASK_ALPHA) != 0 || transparent;
     reader.is_grey = (type & PNG_COLOR_MASK_COLOR) == 0;
     reader.is_plain_rgb = type == PNG_COLOR_TYPE_RGB && !transparent &&
-                          png_get_bit_depth(png, reader.info) == 8 &&
-                          png_get_interlace_type(png, reader.info) == PNG_INTERLACE_NONE;
-    png_set_expand(png);
-    png_set_scale_16(png);
-    if (reader.is_grey) png_set_gray_to_rgb(png);
-    png_set_bgr(png);
-    png_set_filler(png, 0xFF, PNG_FILLER_AFTER);
-    reader.passes = png_set_interlace_handling(png);
-    png_read_update_info(png, reader.info);
-    return png_get_rowbytes(png, reader.info) == std::size_t{reader.width} * 4;
+                          g_png->get_bit_depth(png, reader.info) == 8 &&
+                          g_png->get_interlace_type(png, reader.info) == PNG_INTERLACE_NONE;
+    g_png->set_expand(png);
+    g_png->set_scale_16(png);
+    if (reader.is_grey) g_png->set_gray_to_rgb(png);
+    g_png->set_bgr(png);
+    g_png->set_filler(png, 0xFF, PNG_FILLER_AFTER);
+    reader.passes = g_png->set_interlace_handling(png);
+    g_png->read_update_info(png, reader.info);
+    return g_png->get_rowbytes(png, reader.info) == std::size_t{reader.width} * 4;
 }
 
 /// False when the library gives up; pass and next_row tell how far it came.
@@ -84,7 +83,7 @@ bool ReadRows(Reader& reader, PixelImage& image) {
     for (reader.pass = 0; reader.pass < reader.passes; ++reader.pass) {
         for (reader.next_row = 0; reader.next_row < reader.height; ++reader.next_row) {
             const auto y = static_cast<std::int32_t>(reader.next_row);
-            png_read_row(reader.png, nullptr, reinterpret_cast<png_bytep>(image.Row(y)));
+            g_png->read_row(reader.png, nullptr, reinterpret_cast<png_bytep>(image.Row(y)));
         }
     }
     return true;
@@ -113,13 +112,14 @@ ComponentResult Decode(Reader& reader, PixelImage& image) {
 } // namespace
 
 ComponentResult DecodePng(DataSource& source, std::uint32_t, PixelImage& image) {
+    if (!g_png.Load()) return codecUnimpErr;
     Reader reader{};
     reader.source = &source;
-    reader.png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &reader, OnError, OnWarning);
+    reader.png = g_png->create_read_struct(PNG_LIBPNG_VER_STRING, &reader, OnError, OnWarning);
     if (reader.png == nullptr) return memFullErr;
-    reader.info = png_create_info_struct(reader.png);
+    reader.info = g_png->create_info_struct(reader.png);
     const ComponentResult code = reader.info != nullptr ? Decode(reader, image) : ComponentResult{memFullErr};
-    png_destroy_read_struct(&reader.png, &reader.info, nullptr);
+    g_png->destroy_read_struct(&reader.png, &reader.info, nullptr);
     return code;
 }
 

@@ -22,8 +22,8 @@ Fixed ResolutionOf(TIFF* tiff, std::uint32_t tag) {
     constexpr double kCentimetresPerInch = 2.54;
     float value = 0.0F;
     std::uint16_t unit = RESUNIT_INCH;
-    Tiff().GetField(tiff, tag, &value);
-    Tiff().GetFieldDefaulted(tiff, TIFFTAG_RESOLUTIONUNIT, &unit);
+    g_tiff->GetField(tiff, tag, &value);
+    g_tiff->GetFieldDefaulted(tiff, TIFFTAG_RESOLUTIONUNIT, &unit);
     if (unit != RESUNIT_INCH && unit != RESUNIT_CENTIMETER) value = 0.0F;
     return FixedResolution(unit == RESUNIT_CENTIMETER ? value * kCentimetresPerInch : value);
 }
@@ -45,7 +45,7 @@ bool Sniff(std::span<const std::byte> head) {
 /// The layout of an image whose samples begin within the data.
 ComponentResult ReadStoredLayout(TIFF* tiff, const DataSource& source, TiffLayout& layout) {
     if (const auto code = ReadTiffLayout(tiff, layout); code != noErr) return code;
-    return Tiff().GetStrileOffset(tiff, 0) < source.GetSize() ? ComponentResult{noErr} : codecBadDataErr;
+    return g_tiff->GetStrileOffset(tiff, 0) < source.GetSize() ? ComponentResult{noErr} : codecBadDataErr;
 }
 
 ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
@@ -61,7 +61,7 @@ ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
     description.depth = DepthOf(layout);
     description.hRes = ResolutionOf(tiff, TIFFTAG_XRESOLUTION);
     description.vRes = ResolutionOf(tiff, TIFFTAG_YRESOLUTION);
-    facts.image_count = std::max<std::uint32_t>(Tiff().NumberOfDirectories(tiff), 1);
+    facts.image_count = std::max<std::uint32_t>(g_tiff->NumberOfDirectories(tiff), 1);
     facts.data_size = source.GetSize();
     return SetDimensions(description, layout.width, layout.height);
 }
@@ -73,7 +73,7 @@ ComponentResult Decode(DataSource& source, std::uint32_t index, PixelImage& imag
     TIFF* tiff = file.Get();
     if (tiff == nullptr) return codecBadDataErr;
     if (index == 0) return paramErr;
-    if (index > 1 && Tiff().SetDirectory(tiff, index - 1) == 0) return paramErr;
+    if (index > 1 && g_tiff->SetDirectory(tiff, index - 1) == 0) return paramErr;
     TiffLayout layout;
     ImageDescription description;
     if (const auto code = ReadStoredLayout(tiff, source, layout); code != noErr) return code;
@@ -89,7 +89,7 @@ ComponentResult Decode(DataSource& source, std::uint32_t index, PixelImage& imag
 std::span<const std::byte> BlockOf(TIFF* tiff, std::uint32_t tag, std::size_t unit) {
     std::uint32_t count = 0;
     const void* data = nullptr;
-    if (Tiff().GetField(tiff, tag, &count, &data) == 0 || data == nullptr) return {};
+    if (g_tiff->GetField(tiff, tag, &count, &data) == 0 || data == nullptr) return {};
     return {static_cast<const std::byte*>(data), count * unit};
 }
 
@@ -100,8 +100,8 @@ void AppendBlocks(TIFF* tiff, std::vector<MetadataItem>& items) {
     // The library takes IPTC for words and has put them into this machine's order.
     std::vector<std::uint32_t> restored(words.size() / 4);
     if (!words.empty()) std::memcpy(restored.data(), words.data(), words.size());
-    if (Tiff().IsByteSwapped(tiff) != 0) {
-        Tiff().SwabArrayOfLong(restored.data(), static_cast<tmsize_t>(restored.size()));
+    if (g_tiff->IsByteSwapped(tiff) != 0) {
+        g_tiff->SwabArrayOfLong(restored.data(), static_cast<tmsize_t>(restored.size()));
     }
     const std::span<const std::byte> iptc = std::as_bytes(std::span(restored));
     AppendIptcItems(iptc.empty() ? FindImageResource(resources, kIptcResource) : iptc, items);
@@ -129,7 +129,7 @@ ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& item
     if (file.Get() == nullptr) return codecBadDataErr;
     for (const TextTag& text : kTexts) {
         const char* value = nullptr;
-        if (Tiff().GetField(file.Get(), text.tag, &value) == 0 || value == nullptr) continue;
+        if (g_tiff->GetField(file.Get(), text.tag, &value) == 0 || value == nullptr) continue;
         AppendTextItem(text.type, value, items);
     }
     AppendBlocks(file.Get(), items);

@@ -1,16 +1,10 @@
 #include "platform/quicktime/image_codecs/tiff_file.h"
 
-#include "platform/win32/modules.h"
-
 #include <algorithm>
 #include <cstdio>
 
 namespace qt {
 namespace {
-
-const TiffLibrary* LoadTiff() {
-    return win32::ModuleTable<TiffLibrary>("tiff");
-}
 
 int Ignore(TIFF*, void*, const char*, const char*, va_list) {
     return 1; // handled: the process's own handlers are not called
@@ -36,7 +30,7 @@ std::uint16_t ColoursOf(std::uint16_t photometric) {
 void ReadAlpha(TIFF* tiff, TiffLayout& layout) {
     std::uint16_t count = 0;
     const std::uint16_t* kinds = nullptr;
-    Tiff().GetFieldDefaulted(tiff, TIFFTAG_EXTRASAMPLES, &count, &kinds);
+    g_tiff->GetFieldDefaulted(tiff, TIFFTAG_EXTRASAMPLES, &count, &kinds);
     const bool may_have_alpha =
         layout.samples > layout.colours && layout.colours != 4 && layout.photometric != PHOTOMETRIC_PALETTE;
     layout.has_alpha = may_have_alpha && count > 0;
@@ -45,26 +39,21 @@ void ReadAlpha(TIFF* tiff, TiffLayout& layout) {
 
 } // namespace
 
-const TiffLibrary& Tiff() {
-    static const TiffLibrary& library = *LoadTiff();
-    return library;
-}
-
 std::unique_ptr<TIFFOpenOptions, FreeTiffOptions> QuietTiffOptions() {
-    if (LoadTiff() == nullptr) return nullptr;
-    std::unique_ptr<TIFFOpenOptions, FreeTiffOptions> options(Tiff().OpenOptionsAlloc());
+    if (!g_tiff.Load()) return nullptr;
+    std::unique_ptr<TIFFOpenOptions, FreeTiffOptions> options(g_tiff->OpenOptionsAlloc());
     if (options == nullptr) return options;
-    Tiff().OpenOptionsSetErrorHandlerExtR(options.get(), Ignore, nullptr);
-    Tiff().OpenOptionsSetWarningHandlerExtR(options.get(), Ignore, nullptr);
-    Tiff().OpenOptionsSetMaxSingleMemAlloc(options.get(), static_cast<tmsize_t>(kMaximumPixelBytes));
+    g_tiff->OpenOptionsSetErrorHandlerExtR(options.get(), Ignore, nullptr);
+    g_tiff->OpenOptionsSetWarningHandlerExtR(options.get(), Ignore, nullptr);
+    g_tiff->OpenOptionsSetMaxSingleMemAlloc(options.get(), static_cast<tmsize_t>(kMaximumPixelBytes));
     return options;
 }
 
 TiffFile::TiffFile(DataSource& source) : input_{source, 0} {
     const auto options = QuietTiffOptions();
     if (options == nullptr) return;
-    tiff_.reset(Tiff().ClientOpenExt("", "rm", &input_, Read, Write, Seek, Close, GetSize, nullptr, nullptr,
-                                     options.get()));
+    tiff_.reset(g_tiff->ClientOpenExt("", "rm", &input_, Read, Write, Seek, Close, GetSize, nullptr, nullptr,
+                                      options.get()));
 }
 
 tmsize_t TiffFile::Read(thandle_t handle, void* bytes, tmsize_t count) {
@@ -100,17 +89,17 @@ toff_t TiffFile::GetSize(thandle_t handle) {
 ComponentResult ReadTiffLayout(TIFF* tiff, TiffLayout& layout) {
     std::uint16_t format = SAMPLEFORMAT_UINT;
     std::uint16_t planes = PLANARCONFIG_CONTIG;
-    Tiff().GetField(tiff, TIFFTAG_IMAGEWIDTH, &layout.width);
-    Tiff().GetField(tiff, TIFFTAG_IMAGELENGTH, &layout.height);
-    Tiff().GetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &layout.bits);
-    Tiff().GetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &layout.samples);
-    Tiff().GetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &layout.compression);
-    Tiff().GetFieldDefaulted(tiff, TIFFTAG_SAMPLEFORMAT, &format);
-    Tiff().GetFieldDefaulted(tiff, TIFFTAG_PLANARCONFIG, &planes);
-    if (Tiff().GetField(tiff, TIFFTAG_PHOTOMETRIC, &layout.photometric) == 0) {
+    g_tiff->GetField(tiff, TIFFTAG_IMAGEWIDTH, &layout.width);
+    g_tiff->GetField(tiff, TIFFTAG_IMAGELENGTH, &layout.height);
+    g_tiff->GetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &layout.bits);
+    g_tiff->GetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &layout.samples);
+    g_tiff->GetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &layout.compression);
+    g_tiff->GetFieldDefaulted(tiff, TIFFTAG_SAMPLEFORMAT, &format);
+    g_tiff->GetFieldDefaulted(tiff, TIFFTAG_PLANARCONFIG, &planes);
+    if (g_tiff->GetField(tiff, TIFFTAG_PHOTOMETRIC, &layout.photometric) == 0) {
         layout.photometric = layout.samples >= 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK;
     }
-    if (Tiff().IsCODECConfigured(layout.compression) == 0) return codecBadDataErr;
+    if (g_tiff->IsCODECConfigured(layout.compression) == 0) return codecBadDataErr;
     layout.is_float = format == SAMPLEFORMAT_IEEEFP;
     layout.has_planes = planes == PLANARCONFIG_SEPARATE && layout.samples > 1;
     layout.colours = IsJpegYCbCr(layout) ? 3 : ColoursOf(layout.photometric);
@@ -125,7 +114,7 @@ ComponentResult ReadTiffLayout(TIFF* tiff, TiffLayout& layout) {
     }
     std::array<char, 1024> message;
     layout.is_converted = true;
-    return Tiff().RGBAImageOK(tiff, message.data()) != 0 ? ComponentResult{noErr} : codecBadDataErr;
+    return g_tiff->RGBAImageOK(tiff, message.data()) != 0 ? ComponentResult{noErr} : codecBadDataErr;
 }
 
 } // namespace qt

@@ -8,18 +8,15 @@
 
 namespace qt {
 
-/// The library. To be asked for only once QuietTiffOptions() has answered some, for it may be missing.
-const TiffLibrary& Tiff();
-
 struct FreeTiffOptions {
-    void operator()(TIFFOpenOptions* options) const { Tiff().OpenOptionsFree(options); }
+    void operator()(TIFFOpenOptions* options) const { g_tiff->OpenOptionsFree(options); }
 };
 /// Options under which the library says nothing and takes no more memory at once than pixels may take. Its
 /// message handlers of the process stay as they are. Null without memory or without the library.
 std::unique_ptr<TIFFOpenOptions, FreeTiffOptions> QuietTiffOptions();
 
 struct CloseTiff {
-    void operator()(TIFF* tiff) const { Tiff().Close(tiff); }
+    void operator()(TIFF* tiff) const { g_tiff->Close(tiff); }
 };
 using TiffPointer = std::unique_ptr<TIFF, CloseTiff>;
 

@@ -99,7 +99,7 @@ private:
                     inverted;
                 colours_[i] = Pixel(grey, grey, grey);
             }
-        } else if (Tiff().GetField(tiff, TIFFTAG_COLORMAP, maps.data(), &maps[1], &maps[2]) != 0) {
+        } else if (g_tiff->GetField(tiff, TIFFTAG_COLORMAP, maps.data(), &maps[1], &maps[2]) != 0) {
             const bool has_words = std::ranges::any_of(maps, [&](const std::uint16_t* map) {
                 return std::any_of(map, map + count, [](std::uint16_t value) { return value > 255; });
             });
@@ -209,7 +209,7 @@ private:
 /// Answers how many rows there were.
 std::int32_t DecodeStrips(TIFF* tiff, const TiffLayout& layout, DataSource& source, const RowPainter& painter,
                           PixelImage& image) {
-    const tmsize_t size = Tiff().ScanlineSize(tiff);
+    const tmsize_t size = g_tiff->ScanlineSize(tiff);
     const std::uint64_t needed =
         (std::uint64_t{layout.width} * (layout.has_planes ? 1 : layout.samples) * layout.bits + 7) / 8;
     if (size <= 0 || static_cast<std::uint64_t>(size) < needed) return 0;
@@ -241,10 +241,10 @@ public:
 
     /// Answers whether there was any tile. What is missing is white.
     bool Decode() {
-        const tmsize_t size = Tiff().TileSize(tiff_);
-        Tiff().GetField(tiff_, TIFFTAG_TILEWIDTH, &width_);
-        Tiff().GetField(tiff_, TIFFTAG_TILELENGTH, &height_);
-        row_size_ = Tiff().TileRowSize(tiff_);
+        const tmsize_t size = g_tiff->TileSize(tiff_);
+        g_tiff->GetField(tiff_, TIFFTAG_TILEWIDTH, &width_);
+        g_tiff->GetField(tiff_, TIFFTAG_TILELENGTH, &height_);
+        row_size_ = g_tiff->TileRowSize(tiff_);
         const std::uint64_t needed =
             (std::uint64_t{width_} * (layout_.has_planes ? 1 : layout_.samples) * layout_.bits + 7) / 8;
         if (size <= 0 || size > kMostTileBytes || row_size_ <= 0 || width_ == 0 || height_ == 0 ||
@@ -266,8 +266,8 @@ private:
         bool is_whole = true;
         for (std::uint16_t plane = 0; plane < planes; ++plane) {
             const auto size = static_cast<tmsize_t>(tile_.size() - kPadding);
-            const std::uint32_t tile = Tiff().ComputeTile(tiff_, left, top, 0, plane);
-            is_whole = is_whole && Tiff().ReadEncodedTile(tiff_, tile, tile_.data(), size) > 0;
+            const std::uint32_t tile = g_tiff->ComputeTile(tiff_, left, top, 0, plane);
+            is_whole = is_whole && g_tiff->ReadEncodedTile(tiff_, tile, tile_.data(), size) > 0;
             for (std::uint32_t y = 0; is_whole && y < rows; ++y) {
                 const std::byte* stored = tile_.data() + y * static_cast<std::size_t>(row_size_);
                 std::uint32_t* pixels = image_.Row(static_cast<std::int32_t>(top + y)) + left;
@@ -303,14 +303,14 @@ private:
 /// Lets the library make RGB of samples such as YCbCr or CIE L*a*b*, some rows at a time.
 class Converter {
 public:
-    explicit Converter(TIFF* tiff) : begun_(Tiff().RGBAImageBegin(&state_, tiff, 1, message_.data()) != 0) {
+    explicit Converter(TIFF* tiff) : begun_(g_tiff->RGBAImageBegin(&state_, tiff, 1, message_.data()) != 0) {
         state_.orientation = ORIENTATION_TOPLEFT;
         state_.req_orientation = ORIENTATION_TOPLEFT;
     }
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
     ~Converter() {
-        if (begun_) Tiff().RGBAImageEnd(&state_);
+        if (begun_) g_tiff->RGBAImageEnd(&state_);
     }
 
     /// Answers how many rows there were.
@@ -322,7 +322,7 @@ public:
         for (std::int32_t top = 0; top < image.height(); top += band) {
             const std::int32_t rows = std::min(band, image.height() - top);
             state_.row_offset = top;
-            if (Tiff().RGBAImageGet(&state_, pixels.data(), width, static_cast<std::uint32_t>(rows)) == 0)
+            if (g_tiff->RGBAImageGet(&state_, pixels.data(), width, static_cast<std::uint32_t>(rows)) == 0)
                 return top;
             for (std::int32_t y = 0; y < rows; ++y) {
                 const std::uint32_t* row = pixels.data() + static_cast<std::size_t>(y) * width;
@@ -337,10 +337,10 @@ public:
 private:
     static std::int32_t BandHeight(TIFF* tiff) {
         std::uint32_t height = 0;
-        if (Tiff().IsTiled(tiff) != 0) {
-            Tiff().GetField(tiff, TIFFTAG_TILELENGTH, &height);
+        if (g_tiff->IsTiled(tiff) != 0) {
+            g_tiff->GetField(tiff, TIFFTAG_TILELENGTH, &height);
         } else {
-            Tiff().GetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &height);
+            g_tiff->GetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &height);
         }
         return static_cast<std::int32_t>(std::clamp<std::uint32_t>(height, 1, kMaximumDimension));
     }
@@ -358,12 +358,12 @@ ComponentResult DecodeTiff(TIFF* tiff, const TiffLayout& layout, DataSource& sou
         rows = Converter(tiff).Convert(tiff, image);
     } else {
         if (layout.photometric == PHOTOMETRIC_YCBCR) {
-            Tiff().SetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+            g_tiff->SetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
         }
         const RowPainter painter(tiff, layout);
         image.has_alpha = layout.has_alpha;
         image.is_grey = painter.IsGrey();
-        if (Tiff().IsTiled(tiff) != 0) {
+        if (g_tiff->IsTiled(tiff) != 0) {
             rows = TileDecoder(tiff, layout, painter, image).Decode() ? image.height() : 0;
         } else {
             rows = DecodeStrips(tiff, layout, source, painter, image);

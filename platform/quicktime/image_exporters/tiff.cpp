@@ -112,34 +112,34 @@ void PutPalette(TIFF* tiff, const Form& form, const std::vector<std::uint32_t>& 
         maps[2][i] = static_cast<std::uint16_t>(Blue(palette[i]) * 257);
     }
     if (form.photometric != PHOTOMETRIC_PALETTE) return;
-    Tiff().SetField(tiff, TIFFTAG_COLORMAP, maps[0].data(), maps[1].data(), maps[2].data());
+    g_tiff->SetField(tiff, TIFFTAG_COLORMAP, maps[0].data(), maps[1].data(), maps[2].data());
 }
 
 void PutFields(TIFF* tiff, const PixelImage& image, const ExportSettings& settings, const Form& form,
                std::uint32_t rows_of_strip) {
     const std::uint16_t compression = CompressionOf(settings);
-    Tiff().SetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(image.width()));
-    Tiff().SetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(image.height()));
-    Tiff().SetField(tiff, TIFFTAG_BITSPERSAMPLE, form.bits);
-    Tiff().SetField(tiff, TIFFTAG_SAMPLESPERPIXEL, form.samples);
-    Tiff().SetField(tiff, TIFFTAG_PHOTOMETRIC, form.photometric);
-    Tiff().SetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    Tiff().SetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
-    Tiff().SetField(tiff, TIFFTAG_ROWSPERSTRIP, rows_of_strip);
-    Tiff().SetField(tiff, TIFFTAG_COMPRESSION, compression);
+    g_tiff->SetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(image.width()));
+    g_tiff->SetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(image.height()));
+    g_tiff->SetField(tiff, TIFFTAG_BITSPERSAMPLE, form.bits);
+    g_tiff->SetField(tiff, TIFFTAG_SAMPLESPERPIXEL, form.samples);
+    g_tiff->SetField(tiff, TIFFTAG_PHOTOMETRIC, form.photometric);
+    g_tiff->SetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    g_tiff->SetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+    g_tiff->SetField(tiff, TIFFTAG_ROWSPERSTRIP, rows_of_strip);
+    g_tiff->SetField(tiff, TIFFTAG_COMPRESSION, compression);
     const bool has_differences = compression == COMPRESSION_LZW || compression == COMPRESSION_ADOBE_DEFLATE;
     if (has_differences && form.bits == 8 && form.photometric != PHOTOMETRIC_PALETTE) {
-        Tiff().SetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+        g_tiff->SetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
     }
     if (form.samples == 4) {
         const std::uint16_t alpha = EXTRASAMPLE_UNASSALPHA;
-        Tiff().SetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &alpha);
+        g_tiff->SetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &alpha);
     }
     if (const double dpi = ResolutionIn(settings.horizontal_resolution, 1.0); dpi > 0.0) {
         const double vertical = ResolutionIn(settings.vertical_resolution, 1.0);
-        Tiff().SetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
-        Tiff().SetField(tiff, TIFFTAG_XRESOLUTION, dpi);
-        Tiff().SetField(tiff, TIFFTAG_YRESOLUTION, vertical > 0.0 ? vertical : dpi);
+        g_tiff->SetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+        g_tiff->SetField(tiff, TIFFTAG_XRESOLUTION, dpi);
+        g_tiff->SetField(tiff, TIFFTAG_YRESOLUTION, vertical > 0.0 ? vertical : dpi);
     }
 }
 
@@ -189,10 +189,10 @@ bool PutStrips(TIFF* tiff, const PixelImage& image, const Form& form, const Inde
         tmsize_t written = 0;
         if (packs) { // the library's own packing takes several times as long
             const std::size_t size = PackRows(stored, row_bytes, packed.data());
-            written = Tiff().WriteRawStrip(tiff, index, packed.data(), static_cast<tmsize_t>(size));
+            written = g_tiff->WriteRawStrip(tiff, index, packed.data(), static_cast<tmsize_t>(size));
         } else {
             written =
-                Tiff().WriteEncodedStrip(tiff, index, strip.data(), static_cast<tmsize_t>(stored.size()));
+                g_tiff->WriteEncodedStrip(tiff, index, strip.data(), static_cast<tmsize_t>(stored.size()));
         }
         if (written < 0) return false;
     }
@@ -223,14 +223,14 @@ ComponentResult Write(const PixelImage& image, const ExportSettings& settings, E
     out.reserve(out.size() + PackedBound(row_bytes) * static_cast<std::size_t>(image.height()) + kStripBytes);
     const auto options = QuietTiffOptions();
     if (options == nullptr) return memFullErr;
-    const TiffPointer tiff(Tiff().ClientOpenExt("", "w", &output, ReadOutput, WriteOutput, SeekOutput,
-                                                CloseOutput, SizeOfOutput, nullptr, nullptr, options.get()));
+    const TiffPointer tiff(g_tiff->ClientOpenExt("", "w", &output, ReadOutput, WriteOutput, SeekOutput,
+                                                 CloseOutput, SizeOfOutput, nullptr, nullptr, options.get()));
     if (tiff == nullptr) return memFullErr;
     PutFields(tiff.get(), image, settings, form, static_cast<std::uint32_t>(rows_of_strip));
     PutPalette(tiff.get(), form, indexed.palette);
     const bool packs = CompressionOf(settings) == COMPRESSION_PACKBITS;
     const bool is_put = PutStrips(tiff.get(), image, form, indexed, row_bytes, rows_of_strip, packs) &&
-                        Tiff().WriteDirectory(tiff.get()) != 0;
+                        g_tiff->WriteDirectory(tiff.get()) != 0;
     return is_put ? ComponentResult{noErr} : memFullErr;
 }
 

@@ -1,6 +1,8 @@
 // The functions of FluidSynth, which stands in a module: it brings some sixty libraries along.
 #pragma once
 
+#include "platform/modules/modules.h"
+
 #include <fluidsynth.h>
 
 namespace qt {
@@ -26,5 +28,7 @@ struct FluidsynthLibrary {
     decltype(&fluid_synth_all_notes_off) all_notes_off = &fluid_synth_all_notes_off;
     decltype(&fluid_synth_write_float) write_float = &fluid_synth_write_float;
 };
+
+inline constinit modules::Library<FluidsynthLibrary> g_fluidsynth{"midi"};
 
 } // namespace qt

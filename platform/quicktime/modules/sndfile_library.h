@@ -2,6 +2,8 @@
 // quarter of the start of every program that never sees a sound.
 #pragma once
 
+#include "platform/modules/modules.h"
+
 #include <sndfile.h>
 
 namespace qt {
@@ -19,5 +21,7 @@ struct SndfileLibrary {
     decltype(&sf_write_raw) write_raw = &sf_write_raw;
     decltype(&sf_write_short) write_short = &sf_write_short;
 };
+
+inline constinit modules::Library<SndfileLibrary> g_sndfile{"sndfile"};
 
 } // namespace qt

@@ -2,6 +2,8 @@
 // fifth of the start of every program that never sees a TIFF.
 #pragma once
 
+#include "platform/modules/modules.h"
+
 #include <tiffio.h>
 
 namespace qt {
@@ -46,5 +48,7 @@ struct TiffLibrary {
     decltype(&TIFFWriteEncodedStrip) WriteEncodedStrip = &TIFFWriteEncodedStrip;
     decltype(&TIFFWriteRawStrip) WriteRawStrip = &TIFFWriteRawStrip;
 };
+
+inline constinit modules::Library<TiffLibrary> g_tiff{"tiff"};
 
 } // namespace qt

@@ -1,8 +1,8 @@
 // AIFF, AIFC, AU and CAF files, through a library that writes their headers around the samples.
 
+#include "platform/quicktime/modules/sndfile_library.h"
 #include "platform/quicktime/movie_exporters/movie_exporter.h"
 #include "platform/quicktime/movie_exporters/sound_exporter.h"
-#include "platform/quicktime/movies/sound_module.h"
 
 #include <limits>
 
@@ -62,21 +62,21 @@ public:
         info.samplerate = static_cast<int>(layout_.rate);
         info.channels = static_cast<int>(layout_.channels);
         info.format = format_;
-        if (layout_.rate > std::numeric_limits<int>::max() || Sndfile()->format_check(&info) == 0)
+        if (layout_.rate > std::numeric_limits<int>::max() || g_sndfile->format_check(&info) == 0)
             return paramErr;
         static SF_VIRTUAL_IO functions = {Size, Seek, Read, Write, Tell};
-        sound_.reset(Sndfile()->open_virtual(&functions, SFM_WRITE, &info, this));
+        sound_.reset(g_sndfile->open_virtual(&functions, SFM_WRITE, &info, this));
         if (sound_ == nullptr) return file_.GetCode() != noErr ? file_.GetCode() : paramErr;
-        Sndfile()->command(sound_.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
+        g_sndfile->command(sound_.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
         return noErr;
     }
 
     OSErr Write(std::span<const std::byte> frames) override {
         const auto size = static_cast<sf_count_t>(frames.size());
         if (raw_) {
-            Sndfile()->write_raw(sound_.get(), frames.data(), size);
+            g_sndfile->write_raw(sound_.get(), frames.data(), size);
         } else {
-            Sndfile()->write_short(sound_.get(), reinterpret_cast<const short*>(frames.data()),
+            g_sndfile->write_short(sound_.get(), reinterpret_cast<const short*>(frames.data()),
                                    size / sf_count_t{sizeof(short)});
         }
         return file_.GetCode();
@@ -89,7 +89,7 @@ public:
 
 private:
     struct Closer {
-        void operator()(SNDFILE* sound) const { Sndfile()->close(sound); }
+        void operator()(SNDFILE* sound) const { g_sndfile->close(sound); }
     };
 
     static sf_count_t Size(void* context) {
@@ -131,7 +131,7 @@ private:
 
 std::unique_ptr<SoundFileWriter> OpenPcmFileWriter(const SoundExporterRow& row, const SoundSettings& settings,
                                                    ExportedFile& file) {
-    if (Sndfile() == nullptr) return nullptr;
+    if (!g_sndfile.Load()) return nullptr;
     return std::make_unique<PcmFileWriter>(row.subtype, settings, file);
 }
 

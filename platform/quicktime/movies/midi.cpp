@@ -1,9 +1,9 @@
 // Standard MIDI files: their length is read here, their sound is what FluidSynth makes of them.
 
+#include "platform/quicktime/modules/fluidsynth_library.h"
 #include "platform/quicktime/movies/importers.h"
 #include "platform/quicktime/movies/midi_events.h"
 #include "platform/quicktime/movies/sound_description.h"
-#include "platform/quicktime/movies/sound_module.h"
 
 #include <algorithm>
 #include <array>
@@ -41,49 +41,48 @@ bool IsSoundFont(const std::string& path) {
 /// A synthesiser with its bank loaded.
 class Synthesiser {
 public:
-    explicit Synthesiser(const FluidsynthLibrary& library)
-        : library_(library),
-          settings_(library.new_settings(), library.delete_settings),
-          synth_(nullptr, library.delete_synth) {
-        library.settings_setint(settings_.get(), "synth.dynamic-sample-loading", 1);
-        library.settings_setint(settings_.get(), "synth.lock-memory", 0);
-        library.settings_setint(settings_.get(), "synth.threadsafe-api", 0);
-        library.settings_setnum(settings_.get(), "synth.sample-rate", kMidiRate);
-        library.settings_setnum(settings_.get(), "synth.gain", kGain);
-        synth_.reset(library.new_synth(settings_.get()));
+    Synthesiser()
+        : settings_(g_fluidsynth->new_settings(), g_fluidsynth->delete_settings),
+          synth_(nullptr, g_fluidsynth->delete_synth) {
+        g_fluidsynth->settings_setint(settings_.get(), "synth.dynamic-sample-loading", 1);
+        g_fluidsynth->settings_setint(settings_.get(), "synth.lock-memory", 0);
+        g_fluidsynth->settings_setint(settings_.get(), "synth.threadsafe-api", 0);
+        g_fluidsynth->settings_setnum(settings_.get(), "synth.sample-rate", kMidiRate);
+        g_fluidsynth->settings_setnum(settings_.get(), "synth.gain", kGain);
+        synth_.reset(g_fluidsynth->new_synth(settings_.get()));
     }
 
     bool LoadBank() {
         const std::string bank = SoundBank();
-        return synth_ != nullptr && IsSoundFont(bank) && library_.sfload(synth_.get(), bank.c_str(), 1) >= 0;
+        return synth_ != nullptr && IsSoundFont(bank) &&
+               g_fluidsynth->sfload(synth_.get(), bank.c_str(), 1) >= 0;
     }
 
     void Play(const MidiEvent& event) {
         fluid_synth_t* synth = synth_.get();
         const int channel = event.status & 0x0F;
         switch (event.status & 0xF0) {
-        case 0x80: library_.noteoff(synth, channel, event.first); break;
-        case 0x90: library_.noteon(synth, channel, event.first, event.second); break;
-        case 0xA0: library_.key_pressure(synth, channel, event.first, event.second); break;
-        case 0xB0: library_.cc(synth, channel, event.first, event.second); break;
-        case 0xC0: library_.program_change(synth, channel, event.first); break;
-        case 0xD0: library_.channel_pressure(synth, channel, event.first); break;
-        case 0xE0: library_.pitch_bend(synth, channel, event.first | event.second << 7); break;
+        case 0x80: g_fluidsynth->noteoff(synth, channel, event.first); break;
+        case 0x90: g_fluidsynth->noteon(synth, channel, event.first, event.second); break;
+        case 0xA0: g_fluidsynth->key_pressure(synth, channel, event.first, event.second); break;
+        case 0xB0: g_fluidsynth->cc(synth, channel, event.first, event.second); break;
+        case 0xC0: g_fluidsynth->program_change(synth, channel, event.first); break;
+        case 0xD0: g_fluidsynth->channel_pressure(synth, channel, event.first); break;
+        case 0xE0: g_fluidsynth->pitch_bend(synth, channel, event.first | event.second << 7); break;
         default:
-            library_.sysex(synth, reinterpret_cast<const char*>(event.exclusive.data()),
-                           static_cast<int>(event.exclusive.size()), nullptr, nullptr, nullptr, 0);
+            g_fluidsynth->sysex(synth, reinterpret_cast<const char*>(event.exclusive.data()),
+                                static_cast<int>(event.exclusive.size()), nullptr, nullptr, nullptr, 0);
         }
     }
 
-    void EndNotes() { library_.all_notes_off(synth_.get(), -1); }
+    void EndNotes() { g_fluidsynth->all_notes_off(synth_.get(), -1); }
 
     void Render(std::span<float> frames) {
-        library_.write_float(synth_.get(), static_cast<int>(frames.size() / kChannels), frames.data(), 0,
-                             kChannels, frames.data(), 1, kChannels);
+        g_fluidsynth->write_float(synth_.get(), static_cast<int>(frames.size() / kChannels), frames.data(), 0,
+                                  kChannels, frames.data(), 1, kChannels);
     }
 
 private:
-    const FluidsynthLibrary& library_;
     std::unique_ptr<fluid_settings_t, decltype(&delete_fluid_settings)> settings_;
     std::unique_ptr<fluid_synth_t, decltype(&delete_fluid_synth)> synth_;
 };
@@ -92,13 +91,12 @@ private:
 /// synthesiser, for one that is reset keeps the state of its reverberation.
 class MidiReader final : public FrameReader {
 public:
-    MidiReader(const FluidsynthLibrary& library, std::vector<std::byte> file)
-        : library_(library), file_(std::move(file)) {
+    explicit MidiReader(std::vector<std::byte> file) : file_(std::move(file)) {
         layout_ = FloatLayout(kChannels, kMidiRate);
     }
 
     OSErr Begin() {
-        synthesiser_ = std::make_unique<Synthesiser>(library_);
+        synthesiser_ = std::make_unique<Synthesiser>();
         if (!synthesiser_->LoadBank()) return cantOpenHandler;
         events_.emplace(file_);
         next_ = events_->Next();
@@ -146,7 +144,6 @@ private:
         return rendered;
     }
 
-    const FluidsynthLibrary& library_;
     std::vector<std::byte> file_;
     std::unique_ptr<Synthesiser> synthesiser_;
     std::optional<MidiEvents> events_;
@@ -156,9 +153,8 @@ private:
 };
 
 OpenedReader OpenReader(DataSource& data) {
-    const FluidsynthLibrary* library = Fluidsynth();
-    if (library == nullptr) return {cantOpenHandler, nullptr};
-    auto reader = std::make_unique<MidiReader>(*library, ReadMidiFile(data));
+    if (!g_fluidsynth.Load()) return {cantOpenHandler, nullptr};
+    auto reader = std::make_unique<MidiReader>(ReadMidiFile(data));
     if (const OSErr code = reader->Begin(); code != noErr) return {code, nullptr};
     return {noErr, std::move(reader)};
 }

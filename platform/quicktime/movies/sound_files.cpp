@@ -1,9 +1,9 @@
 // Sound files that libsndfile knows. Of uncompressed ones it only reads the header: their samples are taken
 // from the file directly.
 
+#include "platform/quicktime/modules/sndfile_library.h"
 #include "platform/quicktime/movies/importers.h"
 #include "platform/quicktime/movies/sound_description.h"
-#include "platform/quicktime/movies/sound_module.h"
 
 #include <algorithm>
 #include <array>
@@ -13,7 +13,7 @@ namespace qt {
 namespace {
 
 struct SndfileCloser {
-    void operator()(SNDFILE* file) const { Sndfile()->close(file); }
+    void operator()(SNDFILE* file) const { g_sndfile->close(file); }
 };
 
 /// A data source as the library reads files. It also tells where the samples begin: the place that the
@@ -24,8 +24,8 @@ public:
 
     bool Open() {
         static SF_VIRTUAL_IO operations = {Length, Seek, Read, Write, Tell};
-        if (Sndfile() == nullptr) return false;
-        file_.reset(Sndfile()->open_virtual(&operations, SFM_READ, &info_, this));
+        if (!g_sndfile.Load()) return false;
+        file_.reset(g_sndfile->open_virtual(&operations, SFM_READ, &info_, this));
         return file_ != nullptr;
     }
 
@@ -33,7 +33,7 @@ public:
     [[nodiscard]] const SF_INFO& Info() const { return info_; }
 
     [[nodiscard]] std::optional<std::uint64_t> FirstSample() {
-        if (Sndfile()->seek(file_.get(), 0, SEEK_SET) != 0) return std::nullopt;
+        if (g_sndfile->seek(file_.get(), 0, SEEK_SET) != 0) return std::nullopt;
         return position_;
     }
 
@@ -77,12 +77,12 @@ public:
     }
 
     FramesRead Read(std::int64_t start, std::span<std::byte> frames) override {
-        if (start != position_ && Sndfile()->seek(file_->File(), start, SEEK_SET) != start) return {noErr, 0};
+        if (start != position_ && g_sndfile->seek(file_->File(), start, SEEK_SET) != start) return {noErr, 0};
         const auto wanted = static_cast<sf_count_t>(frames.size() / layout_.FrameBytes());
         const sf_count_t got =
             layout_.encoding == SampleEncoding::kSigned16
-                ? Sndfile()->readf_short(file_->File(), reinterpret_cast<short*>(frames.data()), wanted)
-                : Sndfile()->readf_float(file_->File(), reinterpret_cast<float*>(frames.data()), wanted);
+                ? g_sndfile->readf_short(file_->File(), reinterpret_cast<short*>(frames.data()), wanted)
+                : g_sndfile->readf_float(file_->File(), reinterpret_cast<float*>(frames.data()), wanted);
         position_ = start + std::max<sf_count_t>(got, 0);
         return {noErr, std::max<sf_count_t>(got, 0)};
     }

@@ -1,6 +1,6 @@
 #include "platform/quicktime/sound_output/sound_output.h"
 
-#include "platform/win32/modules.h"
+#include "platform/modules/modules.h"
 
 namespace qt {
 namespace {
@@ -73,7 +73,7 @@ void SoundOutput::Mix(void* context, float* samples, std::size_t frames) {
 }
 
 const SdlModule* SoundDevices() {
-    return win32::ModuleTable<SdlModule>("sdl");
+    return modules::Table<SdlModule>("sdl");
 }
 
 } // namespace qt

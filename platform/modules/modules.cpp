@@ -1,4 +1,4 @@
-#include "platform/win32/modules.h"
+#include "platform/modules/modules.h"
 
 #include <climits>
 #include <cstdlib>
@@ -7,7 +7,7 @@
 #include <map>
 #include <mutex>
 
-namespace win32 {
+namespace modules {
 namespace {
 
 // Folder of the library or program that this code was linked into, with a slash at its end.
@@ -30,7 +30,7 @@ std::string DynamicLinkerError() {
 
 } // namespace
 
-Module LoadModule(const std::string& name) {
+Module Load(const std::string& name) {
     static std::mutex mutex;
     static std::map<std::string, const void*> loaded;
     const std::lock_guard lock(mutex);
@@ -49,4 +49,4 @@ Module LoadModule(const std::string& name) {
     return {table, {}};
 }
 
-} // namespace win32
+} // namespace modules
