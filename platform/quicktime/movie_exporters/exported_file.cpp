@@ -5,8 +5,11 @@
 #include "platform/win32/temporary_names.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -48,6 +51,9 @@ OSErr ExportedFile::Create() {
     if (IsFolder(path_)) return dupFNErr;
     written_path_ = path_;
     if (replace_) {
+        // A link stays, and leads to the new file then.
+        std::array<char, PATH_MAX> resolved;
+        if (::realpath(path_.c_str(), resolved.data()) != nullptr) path_ = resolved.data();
         const std::string folder = path_.substr(0, path_.rfind('/') + 1);
         written_path_ = folder + win32::UnfinishedName();
         descriptor_ = CreateNameless(folder);

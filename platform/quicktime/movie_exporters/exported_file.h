@@ -12,8 +12,8 @@
 namespace qt {
 
 /// A new file, removed again unless it is completed. One that takes the place of another is written beside
-/// it, so that the other is whole until then. The first code of a write is kept: libraries that write through
-/// it answer codes of their own.
+/// it, so that the other is whole until then; behind a symbolic link, it is the file that the link leads to.
+/// The first code of a write is kept: libraries that write through it answer codes of their own.
 class ExportedFile {
 public:
     /// `replace`: takes the place of a file that is there, else such a file is dupFNErr; a folder always is.

@@ -178,6 +178,16 @@ TEST_F(SoundExporters, OfAFullDiskTellAndLeaveWhatWasThere) {
     }
 }
 
+TEST_F(SoundExporters, ReplaceTheFileThatALinkLeadsTo) {
+    ASSERT_TRUE(
+        Run("sox -R -r 44100 -n -c 1 -b 16 short.wav synth 1 sine 440; echo old >old; ln -s old link"));
+    const qt::OwnedMovie movie = Open("short.wav");
+    const qt::SoundExporterRow& row = qt::SoundExporters().front();
+    const qt::OpenComponent exporter = Exporter(row.subtype, row.choices, qt::UsualSettings(row.choices));
+    EXPECT_EQ(ExportTo("link", movie.get(), exporter.get()), noErr);
+    EXPECT_TRUE(Run("test -L link && test \"$(stat -c %s old)\" -gt 1000"));
+}
+
 TEST_F(SoundExporters, OfNoSamplesWriteAFileThatOpensOrNone) {
     ASSERT_TRUE(Run("sox -n -r 44100 -c 1 -b 16 empty.wav trim 0 0"));
     const qt::OwnedMovie movie = Open("empty.wav");
