@@ -75,7 +75,7 @@ def tagged(folder):
     """A tagged MP3 of 4 MB three times, and a short one 300 times."""
     if (folder / "tags300.txt").exists():
         return
-    for name, seconds in (("tagged.mp3", 240), ("tagged-short.mp3", 1)):
+    for name, seconds in (("tagged.mp3", 240), ("tagged-10s.mp3", 10), ("tagged-short.mp3", 1)):
         wave(folder, f"{name}.wav", seconds, "pinknoise")
         command(folder, "lame", "--quiet", "--add-id3v2", "--tt", "Title", "--ta", "Artist", "--tl", "Album",
                 "--ty", "2004", "--tg", "17", "--tc", "Comment", f"{name}.wav", name)
