@@ -19,7 +19,7 @@ namespace {
 constexpr std::int32_t kDeviceBusy = -227;
 
 std::int32_t StartRecorder(const XFileSpec& file, const SharedRecorder& recorder) {
-    if (const std::int32_t code = EmptyRecordingTarget(file); code != 0) return code;
+    if (const std::int32_t code = CheckRecordingTarget(file); code != 0) return code;
     qt::DataReference reference;
     std::int32_t code = DataReferenceOf(file, reference);
     if (code == 0) code = recorder->Create();

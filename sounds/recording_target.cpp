@@ -67,8 +67,8 @@ FM_Error ReadRecordingTarget(const FM_DataVect& parameters, RecordingTarget& tar
     }
 }
 
-std::int32_t EmptyRecordingTarget(const XFileSpec& file) {
-    const HANDLE handle = CreateFileW(file.GetNativePathW().c_str(), GENERIC_WRITE, 0, TRUNCATE_EXISTING);
+std::int32_t CheckRecordingTarget(const XFileSpec& file) {
+    const HANDLE handle = CreateFileW(file.GetNativePathW().c_str(), GENERIC_WRITE, 0, OPEN_EXISTING);
     if (handle != INVALID_HANDLE_VALUE) {
         CloseHandle(handle);
         return 0;

@@ -21,8 +21,8 @@ struct RecordingTarget {
 /// other number is no target. Makes the file when it is missing. On failure the record has code and message.
 FM_Error ReadRecordingTarget(const FM_DataVect& parameters, RecordingTarget& target, CVSError& error);
 
-/// Empties the target. -43 when it is gone or its disk can't be reached, -61 when it may not be written to or
-/// is being recorded into; else the platform's number.
-std::int32_t EmptyRecordingTarget(const XFileSpec& file);
+/// Whether the target can be recorded into. -43 when it is gone or its disk can't be reached, -61 when it may
+/// not be written to or is being recorded into; else the platform's number.
+std::int32_t CheckRecordingTarget(const XFileSpec& file);
 
 } // namespace corvane

@@ -38,7 +38,7 @@ public:
 
     /// Borrows what it records with; -1 while another recorder has it.
     std::int32_t Create();
-    /// The file to record into, which is emptied; the reference is copied.
+    /// The file to record into, which Start empties; the reference is copied.
     std::int32_t SetOutput(const qt::DataReference& output);
     std::int32_t Start();
     std::int32_t TogglePause();

@@ -92,7 +92,6 @@ DWORD Open(const win32::UnixPath& item, DWORD access, DWORD share, DWORD disposi
         if (const DWORD error = MayOpen(status, access)) return error; // it may be another one by now
     }
     if (!IsShared(status, access, share) || !Lock(file.get(), access, share)) return ERROR_SHARING_VIOLATION;
-    if (disposition == TRUNCATE_EXISTING && ftruncate(file.get(), 0) != 0) return win32::FromErrno(errno);
     handle = reinterpret_cast<HANDLE>(g_next_handle);
     g_files.emplace(g_next_handle++, OpenFile{std::move(file), status.st_dev, status.st_ino, access, share});
     return ERROR_SUCCESS;
@@ -112,8 +111,7 @@ bool IsOpenHere(const struct stat& status) {
 
 HANDLE CreateFileW(const WCHAR* path, DWORD access, DWORD share, DWORD disposition) {
     HANDLE handle = INVALID_HANDLE_VALUE;
-    const bool known =
-        disposition == CREATE_NEW || disposition == OPEN_EXISTING || disposition == TRUNCATE_EXISTING;
+    const bool known = disposition == CREATE_NEW || disposition == OPEN_EXISTING;
     const DWORD error = known ? Open(win32::ToUnixPath(path), SharingBits(access), share, disposition, handle)
                               : ERROR_INVALID_PARAMETER;
     if (error != ERROR_SUCCESS) SetLastError(error);

@@ -12,9 +12,8 @@ inline constexpr DWORD GENERIC_WRITE = 0x40000000;
 inline constexpr DWORD FILE_SHARE_READ = 1;
 inline constexpr DWORD FILE_SHARE_WRITE = 2;
 
-inline constexpr DWORD CREATE_NEW = 1;        ///< 80 when the file exists
-inline constexpr DWORD OPEN_EXISTING = 3;     ///< 2 when it does not
-inline constexpr DWORD TRUNCATE_EXISTING = 5; ///< as the former, and empties the file
+inline constexpr DWORD CREATE_NEW = 1;    ///< 80 when the file exists
+inline constexpr DWORD OPEN_EXISTING = 3; ///< 2 when it does not
 
 inline constexpr DWORD FILE_BEGIN = 0;
 inline constexpr DWORD FILE_CURRENT = 1;

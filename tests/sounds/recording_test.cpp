@@ -189,7 +189,10 @@ TEST_F(Recording, RefusesWhatIsNoTarget) {
               "Feature is not implemented yet. Hex settings are currently unimplemented.");
     EXPECT_EQ(test::CountEntries(temporary), 0);
     driver.Set("none such");
-    EXPECT_EQ(refused({}), "The required sound hardware is missing. Synchronous recording failed.");
+    scratch.MakeFile("work/old.mov", "what was recorded before");
+    EXPECT_EQ(refused({Path("old.mov")}),
+              "The required sound hardware is missing. Synchronous recording failed.");
+    EXPECT_EQ(test::ReadBytes(folder + "/old.mov"), "what was recorded before");
     EXPECT_EQ(refused({Text(""), Text("1")}),
               "The required sound hardware is missing. Could not start asynchronous recording.");
     EXPECT_EQ(test::CountEntries(temporary), 0);

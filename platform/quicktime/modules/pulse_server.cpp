@@ -17,11 +17,17 @@ struct Deleter {
 template <class Object>
 using Pulse = std::unique_ptr<Object, Deleter>;
 
-bool Connect(pa_mainloop* loop, pa_context* context) {
-    if (pa_context_connect(context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) return false;
-    while (pa_context_get_state(context) != PA_CONTEXT_READY) {
-        const bool can_be = PA_CONTEXT_IS_GOOD(pa_context_get_state(context)) != 0;
-        if (!can_be || pa_mainloop_iterate(loop, 1, nullptr) < 0) return false;
+using Clock = std::chrono::steady_clock;
+
+// Lets the connection work until `is_done`. False when time is up, or the connection's loop fails.
+template <class Condition>
+bool RunUntil(pa_mainloop* loop, Clock::time_point end, Condition&& is_done) {
+    while (!is_done()) {
+        const auto rest = std::chrono::duration_cast<std::chrono::microseconds>(end - Clock::now());
+        if (rest.count() <= 0) return false;
+        if (pa_mainloop_prepare(loop, static_cast<int>(rest.count())) < 0 || pa_mainloop_poll(loop) < 0 ||
+            pa_mainloop_dispatch(loop) < 0)
+            return false;
     }
     return true;
 }
@@ -34,14 +40,20 @@ void LookForDevices(pa_context*, const pa_server_info* server, void* is_bare) {
 
 } // namespace
 
-bool PulseServerIsBare() {
+bool PulseServerIsUnusable(std::chrono::milliseconds limit) {
+    const auto end = Clock::now() + limit;
     const Pulse<pa_mainloop> loop(pa_mainloop_new());
     if (loop == nullptr) return false;
     const Pulse<pa_context> context(pa_context_new(pa_mainloop_get_api(loop.get()), "Corvane"));
-    if (context == nullptr || !Connect(loop.get(), context.get())) return false;
+    if (context == nullptr || pa_context_connect(context.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
+        return false;
+    const auto state = [&] { return pa_context_get_state(context.get()); };
+    if (!RunUntil(loop.get(), end,
+                  [&] { return state() == PA_CONTEXT_READY || !PA_CONTEXT_IS_GOOD(state()); }))
+        return true;
+    if (state() != PA_CONTEXT_READY) return false;
     bool is_bare = false;
     const Pulse<pa_operation> asked(pa_context_get_server_info(context.get(), LookForDevices, &is_bare));
-    while (asked != nullptr && pa_operation_get_state(asked.get()) == PA_OPERATION_RUNNING)
-        if (pa_mainloop_iterate(loop.get(), 1, nullptr) < 0) break;
-    return is_bare;
+    const auto is_answered = [&] { return pa_operation_get_state(asked.get()) != PA_OPERATION_RUNNING; };
+    return asked != nullptr && (!RunUntil(loop.get(), end, is_answered) || is_bare);
 }

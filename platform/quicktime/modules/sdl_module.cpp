@@ -35,7 +35,7 @@ bool StartDriver(bool input, bool is_chosen) {
     constexpr auto kNone = std::string_view::npos;
     const bool may_be_pulse =
         !is_chosen || std::string_view(SDL_getenv("SDL_AUDIODRIVER")).find("pulse") != kNone;
-    if (may_be_pulse && PulseServerIsBare()) return false;
+    if (may_be_pulse && PulseServerIsUnusable()) return false;
     SDL_LogSetOutputFunction([](void*, int, SDL_LogPriority, const char*) {}, nullptr);
     if (SDL_AudioInit(nullptr) != 0) return false;
     return is_chosen || SDL_GetNumAudioDevices(input ? 1 : 0) != 0;

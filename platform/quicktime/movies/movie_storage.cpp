@@ -38,9 +38,11 @@ OSErr StorageFile::OpenForRecording(const std::string& path) {
     if (descriptor_ < 0) return WriteError(errno);
     path_ = path;
     room_ = kRecordingRoom;
-    if (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return wrPermErr;
-    if (::ftruncate(descriptor_, 0) != 0) return WriteError(errno);
-    return Begin();
+    return ::flock(descriptor_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK ? wrPermErr : noErr;
+}
+
+OSErr StorageFile::BeginRecording() {
+    return ::ftruncate(descriptor_, 0) == 0 ? Begin() : WriteError(errno);
 }
 
 OSErr StorageFile::Begin() {

@@ -17,10 +17,12 @@ public:
     OSErr Create(const std::string& path, bool replace);
     /// Takes a file that is there; what is appended goes behind its last byte.
     OSErr OpenForAppending(const std::string& path);
-    /// Takes a file that is there and empties it. The structure goes in front of the samples: whatever
-    /// happens while more of them are appended, the file has what it had when it was finished last. Nobody
-    /// else may write to the file meanwhile, as far as the file system's advisory locks tell them.
+    /// Takes a file that is there, for BeginRecording. Nobody else may write to it from now on, as far as the
+    /// file system's advisory locks tell them.
     OSErr OpenForRecording(const std::string& path);
+    /// Empties the file and begins its sample data. The structure goes in front of the samples: whatever
+    /// happens while more of them are appended, the file has what it had when it was finished last.
+    OSErr BeginRecording();
     /// Ends the sample data and writes the structure. Samples may follow; then it has to be finished anew.
     OSErr Finish(std::span<const std::byte> structure);
 

@@ -24,8 +24,12 @@ OSErr RecordingFile::Open(Handle data_reference, OSType type, const PcmLayout& l
     if (const OSErr code = PtrToHand(description.data(), &block, static_cast<Size>(description.size())))
         return code;
     description_ = MemoryHandle(block);
-    if (const OSErr code = BeginMediaEdits(media); code != noErr) return code;
-    return Finish();
+    return BeginMediaEdits(media);
+}
+
+OSErr RecordingFile::Begin() {
+    const OSErr code = storage_->BeginRecording();
+    return code == noErr ? Finish() : code;
 }
 
 OSErr RecordingFile::Append(std::span<const std::byte> samples) {

@@ -10,8 +10,10 @@ namespace qt {
 
 class RecordingFile {
 public:
-    /// Empties the file and makes it a movie without sound yet.
+    /// Takes a file that is there, and leaves it as it is.
     OSErr Open(Handle data_reference, OSType type, const PcmLayout& layout);
+    /// Empties the file and makes it a movie without sound yet.
+    OSErr Begin();
 
     /// Adds samples, and finishes the file when the last time is more than a second ago.
     OSErr Append(std::span<const std::byte> samples);

@@ -60,7 +60,12 @@ public:
             static_cast<CapturedSound*>(captured)->Take({static_cast<const std::byte*>(samples), bytes});
         };
         device_ = module_->open_input(&format, take, captured_.get());
-        return IsRecording() ? noErr : noHardwareErr;
+        const OSErr code = IsRecording() ? file_->Begin() : noHardwareErr;
+        if (code != noErr) {
+            CloseDevice();
+            captured_.reset();
+        }
+        return code;
     }
 
     ComponentResult Pause(bool pause) {
@@ -76,15 +81,14 @@ public:
     }
 
     ComponentResult Stop() {
-        if (IsRecording()) module_->close(device_);
-        device_ = nullptr;
+        CloseDevice();
         OSErr code = noErr;
-        if (captured_ != nullptr) code = WriteCaptured();
-        captured_.reset();
-        if (file_ != nullptr) {
+        if (captured_ != nullptr) {
+            code = WriteCaptured();
             const OSErr finished = file_->Finish();
             if (code == noErr) code = finished;
         }
+        captured_.reset();
         file_.reset();
         return code;
     }
@@ -102,6 +106,11 @@ public:
     [[nodiscard]] GrabberChannel* Channel() const { return channel_.get(); }
 
 private:
+    void CloseDevice() {
+        if (IsRecording()) module_->close(device_);
+        device_ = nullptr;
+    }
+
     OSErr WriteCaptured() {
         const bool complete = captured_->Give(block_);
         const OSErr code = file_->Append(block_);

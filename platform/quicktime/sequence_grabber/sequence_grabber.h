@@ -49,9 +49,9 @@ ComponentResult SGSetMaximumRecordTime(SeqGrabComponent grabber, std::uint32_t t
 /// The file of the recordings to come, an 'alis' reference to a file that is there; copied.
 ComponentResult SGSetDataRef(SeqGrabComponent grabber, Handle data_reference, OSType type,
                              std::uint32_t flags);
-/// Opens the file, which loses what it had.
+/// Opens the file.
 ComponentResult SGPrepare(SeqGrabComponent grabber, bool preview, bool record);
-/// Opens the input device. noHardwareErr (-200) without one.
+/// Opens the input device, and then empties the file. noHardwareErr (-200) without a device.
 ComponentResult SGStartRecord(SeqGrabComponent grabber);
 ComponentResult SGPause(SeqGrabComponent grabber, std::uint8_t pause);
 /// Writes what has come in. noHardwareErr when the device is gone, memFullErr when more has come in than
