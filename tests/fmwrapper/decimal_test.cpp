@@ -111,7 +111,7 @@ TEST(Decimal, TakesTheShortestDecimalOfADouble) {
 TEST(Decimal, GivesEveryDoubleBack) {
     std::mt19937_64 random(7);
     for (int i = 0; i < 20000; ++i) {
-        double value = std::bit_cast<double>(random());
+        const auto value = std::bit_cast<double>(random());
         if (!std::isfinite(value)) continue;
         const auto decimal = Decimal::FromDouble(value);
         ASSERT_TRUE(decimal.has_value()) << value;

@@ -10,7 +10,7 @@ std::string Bytes(const FM_Text* text, std::int32_t room, std::int32_t position 
     std::string buffer(static_cast<std::size_t>(room) + 1, '#'); // one more, to see an overrun
     Done(FM_Text_GetBytes, text, buffer.data(), room, position, size, encoding);
     EXPECT_EQ(buffer.back(), '#');
-    return buffer.c_str();
+    return buffer.substr(0, buffer.find('\0'));
 }
 
 const std::u16string kClef = u"\U0001D11E"; // one character, two units

@@ -52,8 +52,8 @@ ScratchDrives::~ScratchDrives() {
     std::filesystem::remove_all(folder_, error);
 }
 
-std::string ScratchDrives::Map(const std::string& root, const std::string& subfolder) {
-    const std::string folder = MakeFolder(subfolder);
+std::string ScratchDrives::Map(const std::string& root, const std::string& subfolder) const {
+    std::string folder = MakeFolder(subfolder);
     fm::CurrentSession().drives.push_back(*fm::ParseDrive(root + "=" + folder));
     return folder;
 }

@@ -46,7 +46,7 @@ public:
     ScratchDrives& operator=(const ScratchDrives&) = delete;
 
     /// Makes the folder's subfolder the drive ("C:") or share ("\\srv\share"); returns its Unix path.
-    std::string Map(const std::string& root, const std::string& subfolder);
+    std::string Map(const std::string& root, const std::string& subfolder) const;
 
     /// Unix path of an entry of the folder.
     [[nodiscard]] std::string Path(const std::string& relative) const;

@@ -51,11 +51,12 @@ public:
 
     void Scratches(double density) {
         for (int i = 0; i < Count(density, 12); ++i) {
-            const float top = NextY() - static_cast<float>(image_.height()) / 2;
-            const float bottom = top + static_cast<float>(image_.height()) * (0.3F + Next());
+            const auto height = static_cast<float>(image_.height());
+            float y = NextY() - height / 2;
+            const int rows = static_cast<int>(std::ceil(height * (0.3F + Next())));
             const float slant = (Next() - 0.5F) * 0.02F;
             float x = NextX();
-            for (float y = top; y < bottom; y += 1, x += slant)
+            for (int row = 0; row < rows; ++row, ++y, x += slant)
                 Dot(x, y, std::max(unit_ * 0.3F, 0.5F), kLight);
         }
     }

@@ -139,8 +139,8 @@ void TakeResolution(DataSource& source, const Box& box, Jpeg2000Header& header) 
     const auto dots = [&](std::size_t at, std::size_t exponent_at) {
         const std::uint32_t divisor = BigEndian16(&bytes[at + 2]);
         if (divisor == 0) return 0.0;
-        const int exponent = static_cast<signed char>(bytes[exponent_at]);
-        return BigEndian16(&bytes[at]) * std::pow(10.0, exponent) / divisor * kMetresPerInch;
+        const auto exponent = static_cast<std::int8_t>(bytes[exponent_at]);
+        return BigEndian16(&bytes[at]) * std::pow(10.0, int{exponent}) / divisor * kMetresPerInch;
     };
     header.vertical_dpi = dots(0, 8);
     header.horizontal_dpi = dots(4, 9);

@@ -38,11 +38,8 @@ void Toggle(std::vector<std::int32_t>& row, std::int32_t x) {
     }
 }
 
-struct Crossing {
-    std::int32_t y;
-    std::int32_t x;
-    auto operator<=>(const Crossing&) const = default;
-};
+/// Row and column.
+using Crossing = std::pair<std::int32_t, std::int32_t>;
 
 /// The rows whose middles an edge crosses.
 std::pair<std::int32_t, std::int32_t> EdgeRows(const Point& upper, const Point& lower, const Box& within) {
@@ -193,13 +190,14 @@ Region PolygonRegion(std::span<const Point> points, const Box& within) {
         if (expected > kMostCrossings) return {};
         for (std::int32_t y = first; y < end; ++y) {
             const double x = upper.x + (lower.x - upper.x) * (y + 0.5 - upper.y) / (lower.y - upper.y);
-            crossings.push_back({y, static_cast<std::int32_t>(std::ceil(x - 0.5))});
+            crossings.emplace_back(y, static_cast<std::int32_t>(std::ceil(x - 0.5)));
         }
     }
     std::ranges::sort(crossings);
     std::vector<Box> boxes;
     for (std::size_t i = 0; i + 1 < crossings.size(); i += 2) {
-        AddSpan(boxes, crossings[i].y, crossings[i].x, crossings[i + 1].x);
+        const auto [y, from] = crossings[i];
+        AddSpan(boxes, y, from, crossings[i + 1].second);
     }
     return Region(boxes);
 }

@@ -74,10 +74,12 @@ void PaintRow(const PsdHeader& header, const std::vector<Plane>& planes, std::in
         for (std::int32_t x = 0; x < count; ++x) pixels[x] = pixel_at(static_cast<std::size_t>(x));
     };
     const std::size_t colours = header.ColourChannels();
-    const std::uint8_t* const first = planes[0].data();
-    const std::uint8_t* const second = colours > 1 ? planes[1].data() : nullptr;
-    const std::uint8_t* const third = colours > 1 ? planes[2].data() : nullptr;
-    const std::uint8_t* const fourth = colours > 3 ? planes[3].data() : nullptr;
+    // One that is not there is not read either.
+    const auto plane = [&](std::size_t colour) { return planes[std::min(colour, colours - 1)].data(); };
+    const std::uint8_t* const first = plane(0);
+    const std::uint8_t* const second = plane(1);
+    const std::uint8_t* const third = plane(2);
+    const std::uint8_t* const fourth = plane(3);
     switch (colours) {
     case 1:
         if (header.mode == PsdHeader::kIndexed) {

@@ -34,7 +34,7 @@ public:
         const bool is_palette = layout.photometric == PHOTOMETRIC_PALETTE;
         const std::size_t count = layout.bits <= 16 ? std::size_t{1} << layout.bits : 0;
         if (layout.bits <= 8 || is_palette) TakeColours(tiff, count);
-        for (std::uint32_t value = 0; layout.bits < 8 && value < count; ++value) {
+        for (std::size_t value = 1; layout.bits < 8 && value < count; ++value) {
             scaled_[value] =
                 static_cast<std::byte>((std::size_t{255} * value + (count - 1) / 2) / (count - 1));
         }

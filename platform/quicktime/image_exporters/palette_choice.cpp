@@ -77,7 +77,8 @@ private:
     };
 
     [[nodiscard]] const Moments& At(int red, int green, int blue) const {
-        return cells_[static_cast<std::size_t>((red * kSide + green) * kSide + blue)];
+        const int cell = (red * kSide + green) * kSide + blue;
+        return cells_[static_cast<std::size_t>(cell)];
     }
 
     // A cell is small: its pixels count as if all had their mean colour.

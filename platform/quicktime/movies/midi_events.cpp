@@ -8,7 +8,7 @@ namespace qt {
 namespace {
 
 constexpr std::uint64_t kLargestFile = 16U << 20;
-constexpr std::uint64_t kLongestSeconds = 24 * 60 * 60;
+constexpr std::uint64_t kLongestSeconds = 86'400; ///< a day
 constexpr std::uint64_t kMicrosecondsPerSecond = 1'000'000;
 constexpr std::uint64_t kFirstTempo = 500'000; ///< microseconds of a beat
 constexpr std::size_t kChunkHeader = 8;

@@ -64,9 +64,9 @@ private:
 
 class MovieReader {
 public:
-    MovieReader(const std::shared_ptr<DataSource>& data, const DataReference& reference, std::string path,
+    MovieReader(std::shared_ptr<DataSource> data, const DataReference& reference, std::string path,
                 MovieRecord& movie)
-        : data_(data), reference_(reference), path_(std::move(path)), movie_(movie) {}
+        : data_(std::move(data)), reference_(reference), path_(std::move(path)), movie_(movie) {}
 
     OSErr Read(std::span<const std::byte> structure) {
         const Header header(FindAtom(structure, Code("mvhd")));

@@ -128,8 +128,11 @@ void GetMovieSelection(Movie movie, TimeValue* start, TimeValue* duration) {
 
 Movie CopyMovieSelection(Movie movie) {
     using namespace qt;
-    MoviesError(movie == nullptr ? invalidMovie : movie->selection_duration <= 0 ? invalidDuration : noErr);
-    if (GetMoviesError() != noErr) return nullptr;
+    const OSErr code = movie == nullptr                 ? invalidMovie
+                       : movie->selection_duration <= 0 ? invalidDuration
+                                                        : noErr;
+    MoviesError(code);
+    if (code != noErr) return nullptr;
     const TimeValue begin = movie->selection_start;
     const TimeValue end = begin + movie->selection_duration;
     OwnedMovie copy(NewMovie(0));

@@ -192,7 +192,10 @@ void CloseMovieStorage(DataHandler storage) {
 
 Movie FlattenMovieDataToDataRef(Movie movie, std::uint32_t, Handle data_reference, OSType type, OSType,
                                 std::int32_t, std::uint32_t create_flags) {
-    if (qt::MoviesError(movie == nullptr ? invalidMovie : noErr) != noErr) return nullptr;
+    if (movie == nullptr) {
+        qt::MoviesError(invalidMovie);
+        return nullptr;
+    }
     Movie flattened = nullptr;
     {
         const qt::CreatedStorage created = qt::CreateStorage(data_reference, type, create_flags);
