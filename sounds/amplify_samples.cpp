@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #ifdef __x86_64__
+#ifdef __clang__
+#define _Bool bool // NOLINT(bugprone-reserved-identifier): the header is C, and clang has no such type in C++
+#endif
 #include <sys/platform/x86.h>
 #endif
 
