@@ -1,7 +1,9 @@
 #include "platform/text/utf.h"
 
+#include <algorithm>
 #include <clocale>
 #include <cwctype>
+#include <type_traits>
 
 namespace utf {
 namespace {
@@ -32,6 +34,41 @@ private:
 locale_t UnicodeLocale() {
     static const UnicodeTables tables;
     return tables.get();
+}
+
+// Where the ASCII characters end that begin at `position`.
+template <class View>
+std::size_t FindAsciiEnd(View text, std::size_t position) {
+    const auto unit = [&](std::size_t at) {
+        return static_cast<std::make_unsigned_t<typename View::value_type>>(text[at]);
+    };
+    constexpr std::size_t kBlock = 16; // looked at together
+    for (; position + kBlock <= text.size(); position += kBlock) {
+        unsigned all = 0;
+        for (std::size_t i = 0; i < kBlock; ++i) all |= unit(position + i);
+        if (all >= 0x80) break;
+    }
+    while (position < text.size() && unit(position) < 0x80) ++position;
+    return position;
+}
+
+// Most texts are ASCII from end to end, and what is can be moved many characters at a time.
+template <class String, class View>
+String Convert(View text) {
+    String converted;
+    converted.reserve(text.size());
+    for (std::size_t position = 0; position < text.size();) {
+        const std::size_t end = FindAsciiEnd(text, position);
+        const std::size_t size = converted.size();
+        converted.resize(size + (end - position));
+        std::transform(text.begin() + static_cast<std::ptrdiff_t>(position),
+                       text.begin() + static_cast<std::ptrdiff_t>(end),
+                       converted.begin() + static_cast<std::ptrdiff_t>(size),
+                       [](auto unit) { return static_cast<typename String::value_type>(unit); });
+        position = end;
+        if (position < text.size()) Append(converted, Next(text, position));
+    }
+    return converted;
 }
 
 template <char32_t (*Map)(char32_t), class String, class View>
@@ -110,25 +147,15 @@ void Append(std::u16string& utf16, char32_t character) {
 }
 
 std::u16string ToUtf16(std::string_view utf8) {
-    std::u16string utf16;
-    utf16.reserve(utf8.size());
-    for (std::size_t position = 0; position < utf8.size();) {
-        const auto byte = static_cast<unsigned char>(utf8[position]);
-        if (byte < 0x80) {
-            utf16.push_back(byte);
-            ++position;
-        } else {
-            Append(utf16, Next(utf8, position));
-        }
-    }
-    return utf16;
+    return Convert<std::u16string>(utf8);
 }
 
 std::string ToUtf8(std::u16string_view utf16) {
-    std::string utf8;
-    utf8.reserve(utf16.size());
-    for (std::size_t position = 0; position < utf16.size();) Append(utf8, Next(utf16, position));
-    return utf8;
+    return Convert<std::string>(utf16);
+}
+
+bool IsAscii(std::string_view utf8) {
+    return FindAsciiEnd(utf8, 0) == utf8.size();
 }
 
 bool IsValid(std::string_view utf8) {

@@ -13,6 +13,8 @@ std::u16string ToUtf16(std::string_view utf8);
 /// A surrogate without its partner becomes U+FFFD.
 std::string ToUtf8(std::u16string_view utf16);
 
+bool IsAscii(std::string_view utf8);
+
 /// True when every sequence is well formed.
 bool IsValid(std::string_view utf8);
 

@@ -16,6 +16,7 @@ bool StandsForByte(char32_t character) {
 } // namespace
 
 std::u16string FromUnixName(std::string_view name) {
+    if (utf::IsAscii(name)) return utf::ToUtf16(name);
     std::u16string text;
     text.reserve(name.size());
     for (std::size_t position = 0; position < name.size();) {
