@@ -49,6 +49,7 @@ std::string Session::Start() {
     desk.application_file = ProgramFile();
     desk.application_version = options_.host_version;
     desk.windows = options_.windows;
+    desk.hidden_marks = options_.hidden_marks;
     desk.progress = options_.progress;
     desk.answers.assign(options_.answers.begin(), options_.answers.end());
 

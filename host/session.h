@@ -21,6 +21,7 @@ struct SessionOptions {
     std::int16_t interface_version = 51;
     std::string host_version = "10.0v1";
     bool windows = false;             ///< real windows; else dialogs take their answers from `answers`
+    bool hidden_marks = true;         ///< file servers' marks of hidden files count
     bool progress = false;            ///< show the progress of long work on standard error
     std::vector<std::string> answers; ///< "ok", "cancel", "file:PATH", "folder:PATH", "set:KEY=VALUE,…"
 };

@@ -20,6 +20,8 @@ ROWS = [
         why="both wait for the disk, whose times vary"),
     Row("list-tree", "200 folders of 100 names listed", call(TREE_LISTS), {"ls": "ls -U -R tree"}, make=media.tree,
         why=HIDDEN),
+    Row("list-tree-named", "the same, hidden by name only", [*call(TREE_LISTS), "--hidden", "named"],
+        {"ls": "ls -U -R tree"}, make=media.tree, why=START),
     Row("list-many", "a folder of 100,000 names listed", call('Media_ListFolder("/C:/many"; 1)'),
         {"ls": "ls -U many"}, make=media.tree, why=START + ", and the first 1,000 entries' hidden bit"),
     Row("export-1g", "1 GiB into a container and out to a file", through_container("1g.bin"),

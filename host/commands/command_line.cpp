@@ -42,6 +42,9 @@ options
   --drive ROOT=FOLDER      a drive: C:=/data, \\server\share=/mnt/s,
                            Z:=remote:/mnt/z; repeatable, beside those of
                            CORVANE_DRIVES (separated by ";"); default C:=/
+  --hidden marked|named    which files are hidden: those that a file server has
+                           marked and those whose names begin with a point, or
+                           the latter only, which lists faster (default marked)
   --interface-version N    plug-in interface version of the host (default 51)
   --host-version TEXT      version of the host (default 10.0v1)
   --ui auto|none|gtk       real windows, or none
@@ -72,6 +75,7 @@ enum Option : int {
     kPlugin = 256,
     kDatabase,
     kDrive,
+    kHidden,
     kInterfaceVersion,
     kHostVersion,
     kUi,
@@ -88,6 +92,7 @@ constexpr option kOptions[] = {
     {"plugin", required_argument, nullptr, kPlugin},
     {"database", required_argument, nullptr, kDatabase},
     {"drive", required_argument, nullptr, kDrive},
+    {"hidden", required_argument, nullptr, kHidden},
     {"interface-version", required_argument, nullptr, kInterfaceVersion},
     {"host-version", required_argument, nullptr, kHostVersion},
     {"ui", required_argument, nullptr, kUi},
@@ -154,6 +159,12 @@ std::string SetUi(SessionOptions& session, std::string_view value) {
     return {};
 }
 
+std::string SetHidden(SessionOptions& session, std::string_view value) {
+    if (value != "marked" && value != "named") return NotAChoice("--hidden", value, "marked or named");
+    session.hidden_marks = value == "marked";
+    return {};
+}
+
 std::string SetProgress(SessionOptions& session, std::string_view value) {
     if (value != "auto" && value != "always" && value != "never")
         return NotAChoice("--progress", value, "auto, always or never");
@@ -173,6 +184,7 @@ std::string SetOption(CommandLine& line, int option, const char* value) {
     case kPlugin: line.session.plugin = value; return {};
     case kDatabase: line.session.database = value; return {};
     case kDrive: return AddDrive(line.session.drives, value);
+    case kHidden: return SetHidden(line.session, value);
     case kInterfaceVersion: return SetInterfaceVersion(line.session, value);
     case kHostVersion: line.session.host_version = value; return {};
     case kUi: return SetUi(line.session, value);

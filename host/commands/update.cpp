@@ -50,6 +50,8 @@ std::vector<std::string> WorkerCommand(const CommandLine& line) {
                                         "--progress=never",
                                         "--interface-version=" + std::to_string(session.interface_version),
                                         "--host-version=" + session.host_version,
+                                        std::string("--hidden=") +
+                                            (session.hidden_marks ? "marked" : "named"),
                                         std::string("--ui=") + (session.windows ? "gtk" : "none"),
                                         "--where=" + line.table.where};
     if (!session.plugin.empty()) command.push_back("--plugin=" + session.plugin);

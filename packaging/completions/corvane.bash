@@ -2,12 +2,13 @@
 _corvane() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
     local commands='eval functions about help db import show update export sheet worker'
-    local options='--plugin --database --drive --interface-version --host-version --ui --answer --json --raw
+    local options='--plugin --database --drive --hidden --interface-version --host-version --ui --answer --json --raw
         --save-streams --strict --progress --where --to --name --name-field --as --by-reference --replace --jobs
         --resume --help'
     COMPREPLY=()
     case $before in
     --ui) COMPREPLY=($(compgen -W 'auto none gtk' -- "$word")) && return ;;
+    --hidden) COMPREPLY=($(compgen -W 'marked named' -- "$word")) && return ;;
     --progress) COMPREPLY=($(compgen -W 'auto always never' -- "$word")) && return ;;
     --answer) COMPREPLY=($(compgen -W 'ok cancel file: folder: set:' -- "$word")) && return ;;
     --as) COMPREPLY=($(compgen -W 'auto image file' -- "$word")) && return ;;

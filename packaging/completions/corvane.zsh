@@ -24,6 +24,7 @@ _arguments \
     '--raw[text results byte for byte]' \
     '--save-streams[write the streams of container results]:folder:_files -/' \
     '--strict[exit status 1 when a calculation fails]' \
+    '--hidden[which files are hidden]:which:(marked named)' \
     '--progress[progress of long work]:when:(auto always never)' \
     '--where[only records for which this is true]:calculation:' \
     '--to[where the files go]:folder:_files -/' \

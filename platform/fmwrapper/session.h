@@ -43,7 +43,8 @@ struct Session {
     std::string application_file;    ///< Unix path of the host program's executable
     std::string application_version; ///< as in an executable's version resource: "10.0v1"
     bool windows = false;            ///< real windows; else dialogs take `answers` and alerts go to stderr
-    bool progress = false;           ///< show the progress of long work on standard error
+    bool hidden_marks = true; ///< what a file server has marked as hidden is, beside names with a point
+    bool progress = false;    ///< show the progress of long work on standard error
     std::deque<std::string> answers; ///< "ok", "cancel", "file:PATH", "folder:PATH", "set:KEY=VALUE,…"
     Rectangle document_window;       ///< front document window, screen coordinates
     Point pointer;

@@ -1,5 +1,6 @@
 #include "platform/win32/attributes.h"
 
+#include "platform/fmwrapper/session.h"
 #include "platform/win32/errors.h"
 #include "platform/win32/paths.h"
 
@@ -24,6 +25,7 @@ bool IsHidden(const std::string& unix_path) {
 // As text ("0x22"), or, since version 3, as an empty text and a little-endian record with the version at byte
 // 2, flags of its valid fields at byte 8 and the attributes at byte 12.
 std::optional<DWORD> StoredAttributes(const std::string& unix_path) {
+    if (!fm::CurrentSession().hidden_marks) return std::nullopt;
     std::array<unsigned char, 128> value{};
     const ssize_t size = getxattr(unix_path.c_str(), "user.DOSATTRIB", value.data(), value.size());
     if (size <= 0) return std::nullopt;

@@ -1,5 +1,6 @@
 #include "platform/win32/find_files.h"
 
+#include "platform/fmwrapper/session.h"
 #include "platform/win32/attributes.h"
 #include "platform/win32/descriptor.h"
 #include "platform/win32/errors.h"
@@ -29,7 +30,8 @@ public:
     Search(win32::Descriptor folder, std::string path)
         : folder_(std::move(folder)),
           path_(std::move(path)),
-          is_served_(win32::StoredAttributes(path_).has_value()) {
+          is_served_(win32::StoredAttributes(path_).has_value()),
+          left_to_look_at_(fm::CurrentSession().hidden_marks ? kEntriesToLookAt : 0) {
         if (path_.back() != '/') path_ += '/';
         folder_length_ = path_.size();
     }
@@ -58,8 +60,7 @@ private:
 
     bool IsHidden(const char* name) {
         if (name[0] == '.') return true;
-        if (!is_served_ && looked_at_ == kEntriesToLookAt) return false;
-        if (!is_served_) ++looked_at_;
+        if (!is_served_ && left_to_look_at_-- <= 0) return false;
         path_.replace(folder_length_, std::string::npos, name);
         const std::optional<DWORD> stored = win32::StoredAttributes(path_);
         is_served_ |= stored.has_value();
@@ -76,7 +77,7 @@ private:
     std::string path_; // the folder's, then that of the entry at hand
     std::size_t folder_length_;
     bool is_served_; // a file server has left its notes here
-    int looked_at_ = 0;
+    int left_to_look_at_;
     win32::FolderReader reader_;
     std::span<const win32::FolderEntry> entries_;
 };

@@ -102,6 +102,7 @@ TEST_F(Program, RefusesWrongUse) {
              {"about more", "about does not take \"more\""},
              {"eval --nothing 1", "--nothing"},
              {"eval --ui x 1", "--ui takes"},
+             {"eval --hidden x 1", "--hidden takes"},
              {"eval --progress x 1", "--progress takes"},
              {"eval --interface-version 5x 1", "--interface-version takes"},
              {"eval --interface-version 99999 1", "--interface-version takes"},

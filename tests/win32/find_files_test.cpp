@@ -80,6 +80,12 @@ TEST_F(FindFiles, FileServersNotesInSmallAndLargeFolders) {
     };
     if (!note(drives.MakeFile("c/small/marked"))) GTEST_SKIP() << "no extended attributes here";
     EXPECT_EQ(All(u"C:\\small\\*.*").at(u"marked"), FILE_ATTRIBUTE_HIDDEN);
+    drives.MakeFile("c/small/.named");
+    fm::CurrentSession().hidden_marks = false;
+    EXPECT_EQ(All(u"C:\\small\\*.*").at(u"marked"), 0U);
+    EXPECT_EQ(All(u"C:\\small\\*.*").at(u".named"), FILE_ATTRIBUTE_HIDDEN);
+    EXPECT_EQ(GetFileAttributesW(u"C:\\small\\marked") & FILE_ATTRIBUTE_HIDDEN, 0U);
+    fm::CurrentSession().hidden_marks = true;
 
     constexpr int kCount = 3'000; // several blocks of entries
     for (int i = 0; i < kCount; ++i) drives.MakeFile("c/large/" + std::to_string(i));
