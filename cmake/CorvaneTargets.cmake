@@ -3,6 +3,7 @@
 option(CORVANE_TESTS "Build the tests" ON)
 option(CORVANE_BENCHMARKS "Build the benchmarks" OFF)
 option(CORVANE_FUZZERS "Build the fuzz targets (clang)" OFF)
+option(CORVANE_COVERAGE "Count which lines run (g++)" OFF)
 set(CORVANE_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
 
 set(CMAKE_CXX_STANDARD 20)
@@ -37,6 +38,10 @@ add_link_options(-Wl,--as-needed -Wl,-O1)
 if(CORVANE_SANITIZE)
   add_compile_options(-fsanitize=${CORVANE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${CORVANE_SANITIZE})
+endif()
+if(CORVANE_COVERAGE)
+  add_compile_options(--coverage)
+  add_link_options(--coverage)
 endif()
 
 # Links what a start of the program loads with a C++ library of its own: to load and bind the system's takes a fifth
