@@ -63,7 +63,6 @@ ComponentResult GraphicsImportGetSourceRect(GraphicsImportComponent importer, Re
 /// The mapping from the image to the drawing; null: the identity. The drawing fills the bounding box of the
 /// mapped source rectangle in whole pixels; what of that the image doesn't reach stays unpainted.
 ComponentResult GraphicsImportSetMatrix(GraphicsImportComponent importer, const MatrixRecord* matrix);
-ComponentResult GraphicsImportGetMatrix(GraphicsImportComponent importer, MatrixRecord* matrix);
 /// Pixels outside the region, which is copied, are white; null: none are. The drawing's corner is the
 /// region's origin.
 ComponentResult GraphicsImportSetClip(GraphicsImportComponent importer, RgnHandle region);

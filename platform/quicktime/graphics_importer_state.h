@@ -29,7 +29,6 @@ public:
     ComponentResult SetClip(RgnHandle region);
     void SetPort(GWorldPtr port) { port_ = port; }
     void SetMatrix(const MatrixRecord& matrix) { matrix_ = matrix; }
-    [[nodiscard]] const MatrixRecord& matrix() const { return matrix_; }
     ComponentResult Draw(PixelImage& image);
     ComponentResult DrawIntoPort();
     /// Whether a drawing shows the first image as it is.

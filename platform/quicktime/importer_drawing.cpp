@@ -232,13 +232,6 @@ ComponentResult GraphicsImportSetMatrix(GraphicsImportComponent instance, const 
     return noErr;
 }
 
-ComponentResult GraphicsImportGetMatrix(GraphicsImportComponent instance, MatrixRecord* matrix) {
-    auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
-    if (importer == nullptr) return kBadComponentInstance;
-    *matrix = importer->matrix();
-    return noErr;
-}
-
 ComponentResult GraphicsImportSetClip(GraphicsImportComponent instance, RgnHandle region) {
     auto* importer = dynamic_cast<qt::GraphicsImporter*>(instance);
     return importer != nullptr ? importer->SetClip(region) : kBadComponentInstance;

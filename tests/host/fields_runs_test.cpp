@@ -95,6 +95,22 @@ TEST_F(FieldRuns, SeveralWorkersDoWhatOneDoes) {
     EXPECT_EQ(Sql("SELECT count(*) FROM corvane_runs") + Sql("SELECT count(*) FROM corvane_done"), "00");
 }
 
+TEST_F(FieldRuns, WorkersHaveTheDrivesAndTheHostOfTheirParent) {
+    MakeTable(4);
+    std::filesystem::create_directories(folder_ + "/d");
+    std::ofstream(folder_ + "/d/x.bin") << "hello";
+    const std::string update =
+        "update m.corvane t 'name=Get(ApplicationVersion) & Media_ListDisks & "
+        "Media_ExtractInfo(Media_GetItemInfo(\"/D:/x.bin\"); \"Data size (b)\") & "
+        "Media_ExtractInfo(Media_GetItemInfo(\"//srv/s/x.bin\"); \"Data size (b)\")' "
+        "--drive C:=/ --drive D:=d --drive '\\\\srv\\s='$DIR/d --host-version 10.0v3 --jobs ";
+    for (const char* jobs : {"1", "2"}) {
+        Sql("UPDATE t SET name = ''");
+        ASSERT_EQ(Corvane(update + jobs).status, 0) << Contents(folder_ + "/stderr");
+        EXPECT_EQ(Sql("SELECT DISTINCT name FROM t"), "Pro 10.0v3C:\\|D:\\55") << jobs;
+    }
+}
+
 TEST_F(FieldRuns, AWorkerThatDiesCostsOneRecord) {
     MakeTable(30);
     const Finished run = Corvane("update m.corvane t 'n=If(id = 7 or id = 30; Test_Abort; id)' --jobs 2 "

@@ -58,11 +58,6 @@ std::unique_ptr<Resampler> OpenResampler(std::uint32_t channels, std::uint32_t f
         return nullptr;
     AVChannelLayout layout = {};
     av_channel_layout_default(&layout, static_cast<int>(channels));
-    if (layout.order == AV_CHANNEL_ORDER_UNSPEC) av_channel_layout_uninit(&layout);
-    if (layout.nb_channels == 0) {
-        layout.order = AV_CHANNEL_ORDER_UNSPEC;
-        layout.nb_channels = static_cast<int>(channels);
-    }
     SwrContext* made = nullptr;
     const int code = swr_alloc_set_opts2(&made, &layout, AV_SAMPLE_FMT_FLT, static_cast<int>(to), &layout,
                                          AV_SAMPLE_FMT_FLT, static_cast<int>(from), 0, nullptr);

@@ -62,8 +62,11 @@ OSType ImporterOf(std::string_view demuxer) {
     for (const ContainerRow& row : kContainers)
         if (row.demuxer == demuxer) return row.importer;
     OSType importer = 0;
-    for (std::size_t i = 0; i < 4; ++i)
-        importer = importer << 8 | static_cast<unsigned char>(i < demuxer.size() ? demuxer[i] & ~0x20 : ' ');
+    for (std::size_t i = 0; i < 4; ++i) {
+        const char letter = i < demuxer.size() ? demuxer[i] : ' ';
+        const bool is_lower = letter >= 'a' && letter <= 'z';
+        importer = importer << 8 | static_cast<unsigned char>(is_lower ? letter - 'a' + 'A' : letter);
+    }
     return importer;
 }
 

@@ -241,8 +241,3 @@ OSErr SetMediaInputMap(Media media, Handle input_map) {
     media->input_map.assign(bytes.begin(), bytes.end());
     return MoviesError(noErr);
 }
-
-OSErr GetMediaInputMap(Media media, Handle input_map) {
-    if (media == nullptr) return MoviesError(invalidMedia);
-    return MoviesError(qt::SetHandleBytes(input_map, media->input_map));
-}

@@ -55,5 +55,3 @@ OSErr GetMediaSample(Media media, TimeValue time, std::int64_t count, Handle dat
 /// atom 'in', 'ty' 3 (volume) and 'subi' n: the n-th 'ssrc' reference of the track is a track of tween
 /// samples that scale the volume, 256 being full.
 OSErr SetMediaInputMap(Media media, Handle input_map);
-/// A copy of it, empty when there is none.
-OSErr GetMediaInputMap(Media media, Handle input_map);

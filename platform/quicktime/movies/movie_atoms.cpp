@@ -190,8 +190,8 @@ private:
                 static_cast<TimeValue>(std::min<std::uint64_t>(BigEndian(entry, 0, wide ? 8 : 4), kLongest));
             const auto media_start = wide ? static_cast<std::int64_t>(BigEndian(entry, 8, 8))
                                           : std::int64_t{static_cast<std::int32_t>(BigEndian32(entry, 4))};
-            const TimeValue left = media_end - media_start;
-            if (media_start >= 0 && left > 0) {
+            if (media_start >= 0 && media_start < media_end) {
+                const TimeValue left = media_end - media_start;
                 segment.media_start = media_start;
                 segment.media_duration =
                     std::min(left, Scale(segment.duration, media.time_scale, movie_.time_scale));

@@ -138,7 +138,6 @@ struct MovieRecord {
     std::vector<std::unique_ptr<TrackRecord>> tracks;
     TimeValue selection_start = 0;
     TimeValue selection_duration = 0;
-    TimeValue time = 0;
     std::uint32_t created = 0;
     std::uint32_t modified = 0;
     std::int16_t volume = kFullVolume;

@@ -13,12 +13,10 @@
 
 namespace qt {
 
-/// The playing of a movie from a time on: its sound on the way from the renderer to a voice.
+/// The playing of a movie from its beginning on: its sound on the way from the renderer to a voice.
 class MoviePlayback {
 public:
-    explicit MoviePlayback(const MovieRecord& movie) : movie_(movie), start_(movie.time) {
-        g_all.push_back(this);
-    }
+    explicit MoviePlayback(const MovieRecord& movie) : movie_(movie) { g_all.push_back(this); }
     MoviePlayback(const MoviePlayback&) = delete;
     MoviePlayback& operator=(const MoviePlayback&) = delete;
     ~MoviePlayback() {
@@ -33,7 +31,6 @@ public:
         if (code != noErr && code != noSoundTrackInMovieErr) return code;
         left_ = Scale(GetDuration(), rate_, movie_.time_scale);
         if (renderer_ != nullptr) left_ = std::max(left_, renderer_->GetFrames());
-        if (code = SkipTo(Scale(start_, rate_, movie_.time_scale)); code != noErr) return code;
         voice_ = std::make_shared<Voice>(rate_);
         if (code = Feed(kFirstFrames); code != noErr) return code;
         return SoundOutput::Get().Add(voice_);
@@ -74,9 +71,6 @@ public:
     }
 
     [[nodiscard]] bool IsDone() const { return voice_->IsFinished(); }
-    [[nodiscard]] TimeValue Time() const {
-        return IsDone() ? GetDuration() : start_ + Scale(voice_->Position(), movie_.time_scale, rate_);
-    }
 
     static std::vector<MoviePlayback*>& All() { return g_all; }
 
@@ -113,22 +107,9 @@ private:
         return noErr;
     }
 
-    OSErr SkipTo(std::int64_t frame) {
-        std::vector<StereoFrame> skipped(static_cast<std::size_t>(std::min<std::int64_t>(frame, kBlock)));
-        while (frame > 0) {
-            const auto count = static_cast<std::size_t>(std::min<std::int64_t>(frame, kBlock));
-            if (const OSErr code = Read(std::span(skipped).first(count)); code != noErr) return code;
-            frame -= static_cast<std::int64_t>(count);
-            left_ -= static_cast<std::int64_t>(count);
-        }
-        left_ = std::max<std::int64_t>(left_, 0);
-        return noErr;
-    }
-
     static inline std::vector<MoviePlayback*> g_all;
 
     const MovieRecord& movie_;
-    TimeValue start_;        ///< of the playing, in the movie
     std::uint32_t rate_ = 0; ///< of the frames that are decoded
     std::int64_t left_ = 0;  ///< frames that are to be decoded
     double speed_ = 1;
@@ -137,12 +118,6 @@ private:
 };
 
 namespace {
-
-void StopPlayback(MovieRecord& movie) {
-    if (movie.playback == nullptr) return;
-    movie.time = movie.playback->Time();
-    movie.playback.reset();
-}
 
 /// Plays, pauses or goes on as the settings say.
 void UpdatePlayback(MovieRecord& movie) {
@@ -170,7 +145,8 @@ void StopMovie(Movie movie) {
 }
 
 void GoToBeginningOfMovie(Movie movie) {
-    SetMovieTimeValue(movie, 0);
+    movie->playback.reset();
+    qt::UpdatePlayback(*movie);
 }
 
 void MoviesTask(Movie movie, std::int32_t milliseconds) {
@@ -192,16 +168,12 @@ void MoviesTask(Movie movie, std::int32_t milliseconds) {
 
 bool IsMovieDone(Movie movie) {
     if (movie->rate < 0) return true;
-    return movie->playback != nullptr ? movie->playback->IsDone() : movie->time >= GetMovieDuration(movie);
+    return movie->playback != nullptr ? movie->playback->IsDone() : GetMovieDuration(movie) == 0;
 }
 
 void SetMovieActive(Movie movie, bool active) {
     movie->active = active;
     qt::UpdatePlayback(*movie);
-}
-
-bool GetMovieActive(Movie movie) {
-    return movie->active;
 }
 
 void SetMovieVolume(Movie movie, std::int16_t volume) {
@@ -241,18 +213,4 @@ float GetMovieAudioBalance(Movie movie) {
 
 void SetMoviePlayHints(Movie movie, std::uint32_t flags, std::uint32_t mask) {
     movie->play_hints = (movie->play_hints & ~mask) | (flags & mask);
-}
-
-std::uint32_t GetMoviePlayHints(Movie movie) {
-    return movie->play_hints;
-}
-
-void SetMovieTimeValue(Movie movie, TimeValue time) {
-    qt::StopPlayback(*movie);
-    movie->time = std::clamp<TimeValue>(time, 0, GetMovieDuration(movie));
-    qt::UpdatePlayback(*movie);
-}
-
-TimeValue GetMovieTime(Movie movie) {
-    return movie->playback != nullptr ? movie->playback->Time() : movie->time;
 }

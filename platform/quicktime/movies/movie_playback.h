@@ -23,7 +23,6 @@ void MoviesTask(Movie movie, std::int32_t milliseconds);
 bool IsMovieDone(Movie movie);
 
 void SetMovieActive(Movie movie, bool active);
-bool GetMovieActive(Movie movie);
 /// The volume's sign silences; 256 plays the sound as it is, more makes it louder up to clipping.
 void SetMovieVolume(Movie movie, std::int16_t volume);
 std::int16_t GetMovieVolume(Movie movie);
@@ -38,6 +37,3 @@ void SetMovieAudioBalance(Movie movie, float balance); ///< -1 left, 1 right
 float GetMovieAudioBalance(Movie movie);
 /// Kept; sounds are always interpolated.
 void SetMoviePlayHints(Movie movie, std::uint32_t flags, std::uint32_t mask);
-std::uint32_t GetMoviePlayHints(Movie movie);
-void SetMovieTimeValue(Movie movie, TimeValue time);
-TimeValue GetMovieTime(Movie movie);

@@ -108,14 +108,6 @@ TimeValue GetMovieDuration(Movie movie) {
     return end;
 }
 
-std::uint32_t GetMovieCreationTime(Movie movie) {
-    return movie->created;
-}
-
-std::uint32_t GetMovieModificationTime(Movie movie) {
-    return movie->modified;
-}
-
 std::int32_t GetMovieTrackCount(Movie movie) {
     return static_cast<std::int32_t>(movie->tracks.size());
 }
@@ -163,10 +155,6 @@ TimeValue GetTrackDuration(Track track) {
     return track->segments.empty() ? 0 : track->segments.back().End();
 }
 
-bool GetTrackEnabled(Track track) {
-    return track->enabled;
-}
-
 void SetTrackEnabled(Track track, bool enabled) {
     track->enabled = enabled;
 }
@@ -200,10 +188,4 @@ OSErr AddTrackReference(Track track, Track other, OSType type, std::int32_t* ind
         std::count_if(track->references.begin(), track->references.end(),
                       [&](const qt::TrackLink& link) { return link.type == type; }));
     return qt::MoviesError(noErr);
-}
-
-Track GetTrackReference(Track track, OSType type, std::int32_t index) {
-    for (const qt::TrackLink& link : track->references)
-        if (link.type == type && --index == 0) return link.track;
-    return nullptr;
 }

@@ -54,9 +54,7 @@ Movie NewMovie(std::int32_t flags);
 void DisposeMovie(Movie movie); ///< null is allowed
 
 TimeScale GetMovieTimeScale(Movie movie);
-TimeValue GetMovieDuration(Movie movie);         ///< to the end of the track that ends last
-std::uint32_t GetMovieCreationTime(Movie movie); ///< seconds since 1 January 1904, GMT
-std::uint32_t GetMovieModificationTime(Movie movie);
+TimeValue GetMovieDuration(Movie movie); ///< to the end of the track that ends last
 
 /// Tracks. Indices count from 1; the order is that of making.
 std::int32_t GetMovieTrackCount(Movie movie);
@@ -68,7 +66,6 @@ void DisposeMovieTrack(Track track);
 Movie GetTrackMovie(Track track);
 Media GetTrackMedia(Track track);        ///< null, with invalidMedia, for a track without media
 TimeValue GetTrackDuration(Track track); ///< in the movie's units, from the movie's beginning
-bool GetTrackEnabled(Track track);
 void SetTrackEnabled(Track track, bool enabled);
 std::int16_t GetTrackVolume(Track track);
 void SetTrackVolume(Track track, std::int16_t volume);
@@ -77,8 +74,6 @@ std::uint32_t GetTrackCreationTime(Track track);
 std::uint32_t GetTrackModificationTime(Track track);
 /// Refers from `track` to `other` of the same movie; `index` counts the references of this type, from 1.
 OSErr AddTrackReference(Track track, Track other, OSType type, std::int32_t* index);
-/// The track referred to; null when there is none.
-Track GetTrackReference(Track track, OSType type, std::int32_t index);
 
 /// Puts `duration` units of the track's media, from `media_time` on, at `track_time` (movie units; -1: behind
 /// what is there). `rate` 0x10000 plays at the media's own speed. What the track held there is replaced.

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+
 namespace {
 
 using namespace corvane::test;
@@ -27,6 +31,47 @@ TEST(Jpeg2000Codec, SurvivesDamage) {
         SCOPED_TRACE(sample.file);
         ExpectDamageIsSurvived(qt::kJpeg2000Codec, images.MakeBytes(sample.arguments, sample.file), 60);
     }
+}
+
+/// Where the first box of this type begins.
+std::size_t FindBox(const Bytes& bytes, std::string_view type) {
+    const auto wanted = std::as_bytes(std::span(type));
+    return static_cast<std::size_t>(std::ranges::search(bytes, wanted).begin() - bytes.begin()) - 4;
+}
+
+TEST(Jpeg2000Codec, InksAndBoxesToSkip) {
+    const MadeImages images;
+    const Bytes colours = images.MakeBytes(
+        "-size 67x41 plasma: -depth 8 -alpha set -channel A -fx u.r -quality 100", "rgba.jp2");
+    const qt::PixelImage plain = DecodeWhole(qt::kJpeg2000Codec, colours);
+
+    Bytes inks = colours;
+    constexpr std::byte kInks{12};
+    const std::size_t space = FindBox(inks, "colr") + 14; // the last byte of the number
+    ASSERT_EQ(inks[space], std::byte{16});
+    inks[space] = kInks;
+    const qt::PixelImage printed = DecodeWhole(qt::kJpeg2000Codec, inks);
+    EXPECT_FALSE(printed.has_alpha);
+    for (std::int32_t x = 0; x < plain.width(); ++x) {
+        const std::uint32_t ink = plain.Row(20)[x];
+        const auto light = [&](std::uint32_t value) {
+            return std::round((255 - value) * (255 - qt::Alpha(ink)) / 255.0);
+        };
+        const std::uint32_t pixel = printed.Row(20)[x];
+        ASSERT_EQ(qt::Alpha(pixel), 255U);
+        ASSERT_NEAR(qt::Red(pixel), light(qt::Red(ink)), 1);
+        ASSERT_NEAR(qt::Green(pixel), light(qt::Green(ink)), 1);
+        ASSERT_NEAR(qt::Blue(pixel), light(qt::Blue(ink)), 1);
+    }
+
+    Bytes padded = colours; // with something of another program in front of the picture
+    constexpr std::uint32_t kPadding = 3U << 20;
+    Bytes box(kPadding);
+    for (std::size_t i = 0; i < 4; ++i) box[i] = static_cast<std::byte>(kPadding >> (24 - 8 * i));
+    std::ranges::copy(std::as_bytes(std::span(std::string_view("uuid"))), box.begin() + 4);
+    padded.insert(padded.begin() + static_cast<std::ptrdiff_t>(FindBox(padded, "jp2c")), box.begin(),
+                  box.end());
+    EXPECT_EQ(RgbaOf(DecodeWhole(qt::kJpeg2000Codec, padded)), RgbaOf(plain));
 }
 
 TEST(Jpeg2000Codec, RefusesWhatIsTooLarge) {

@@ -59,6 +59,9 @@ TEST(PcxCodec, PlanesAndPackedIndices) {
         EXPECT_EQ(image->Row(0)[2], 0xFF00FF00);
         EXPECT_EQ(image->Row(0)[3], 0xFF0000FF);
     }
+    const auto black_and_white = DecodeWhole(qt::kPcxCodec, MadePcx(1, 1, 4, 1, {0x50, 0}));
+    EXPECT_EQ(black_and_white.Row(0)[0], 0xFF000000);
+    EXPECT_EQ(black_and_white.Row(0)[1], 0xFFFFFFFF) << "whatever colours the header has";
     // A run over three rows, then the end of the data.
     const auto runs = DecodeWhole(qt::kPcxCodec, MadePcx(8, 1, 2, 4, {0xC5, 7}));
     EXPECT_EQ(runs.Row(1)[1], 0xFF070707);

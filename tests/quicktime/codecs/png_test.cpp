@@ -78,6 +78,25 @@ TEST(PngCodec, ReadsItsTextItems) {
                                       "cmt"));
     EXPECT_EQ(items[1].text.size(), 2999U);
     EXPECT_EQ(items[2].text, "gr\xF6\xDF");
+
+    // International text, plain, compressed and breaking off, of which nothing comes.
+    Bytes more = images.MakeBytes("-size 8x8 xc:red", "png24:b.png");
+    const auto add = [&](std::string_view content) {
+        std::string chunk{'\0', '\0', '\0', static_cast<char>(content.size())};
+        chunk.append("iTXt").append(content).append(4, '\0');
+        const auto bytes_of = std::as_bytes(std::span(chunk));
+        more.insert(more.begin() + 33, bytes_of.begin(), bytes_of.end()); // behind the header
+    };
+    using namespace std::string_view_literals;
+    add("Title\0\0\0de\0Titel\0gr\xC3\xB6\xC3\x9F"sv);
+    add("Author\0\1\0\0\0\x78\x9C\x73\xCC\xCB\x03\x00\x02\x10\x01\x1E"sv);
+    add("Comment\0\1\0\0\0\x78\x9C\x73"sv);
+    add("Title\0"sv);
+    items.clear();
+    ASSERT_EQ(qt::kPngCodec.read_metadata(*qt::MemorySource(std::span(more)), items), noErr);
+    ASSERT_EQ(items.size(), 2U);
+    EXPECT_EQ(items[0].text, "Ann");
+    EXPECT_EQ(items[1].text, "gr\xF6\xDF");
 }
 
 TEST(PngExporter, KeepsEveryPixel) {

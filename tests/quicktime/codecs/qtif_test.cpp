@@ -83,6 +83,13 @@ TEST(Qtif, DataOfOtherFormats) {
     EXPECT_EQ(facts.description.hRes, 150 << 16);
     EXPECT_EQ(facts.data_offset, 8U);
     EXPECT_EQ(facts.data_size, png.size());
+    Bytes wide; // the same with a size of 64 bits
+    Put(wide, 1, 4);
+    Put(wide, qt::Code("idat"), 4);
+    Put(wide, 16 + png.size(), 8);
+    wide.insert(wide.end(), file.begin() + 8, file.end());
+    EXPECT_EQ(FirstRow(wide), FirstRow(file));
+    EXPECT_EQ(FactsOf(qt::kQuickTimeImageCodec, wide).data_offset, 16U);
     // An image file inside an image file, and a format that nobody has.
     qt::PixelImage image;
     for (const OSType type : {kQtif, qt::Code("????")}) {

@@ -65,6 +65,9 @@ TEST(TgaCodec, OriginsDepthsAndRunsOverRows) {
     // A palette that begins at 5, of 32-bit colours.
     EXPECT_EQ(read({0, 1, 1, 5, 0, 2, 0, 32, 0, 0, 0, 0, 3, 0, 1, 0, 8, 0, 1, 2, 3, 4, 5, 6, 7, 8, 5, 6, 7}),
               (Pixels{0x04030201, 0x08070605, 0xFF000000}));
+    // Grey with alpha.
+    EXPECT_EQ(read({0, 0, 3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 0, 1, 0, 16, 8, 0x40, 0x80, 0xFE, 0xFF}),
+              (Pixels{0x80404040, 0xFFFEFEFE}));
 }
 
 TEST(TgaCodec, RefusesWhatDoesNotFit) {

@@ -37,6 +37,12 @@ constexpr Sample kSamples[] = {
     {"-size 67x41 plasma: -depth 8 -type TrueColor -define tiff:tile-geometry=32x16", "tiles.tif", 24},
     {"-size 67x41 plasma: -depth 8 -type TrueColor -interlace Plane", "planes.tif", 24},
     {"-size 67x41 plasma: -depth 8 -colorspace YCbCr -compress JPEG", "ycbcr.tif", 24, 3},
+    {"-size 67x41 plasma: -depth 8 -colorspace YCbCr -compress LZW", "plainycbcr.tif", 24, 3},
+    {"-size 67x41 plasma: -depth 8 -colorspace YCbCr -compress Zip -define tiff:tile-geometry=32x16",
+     "ycbcrtiles.tif", 24, 3},
+    {"-size 67x41 gradient:#604020-#90A0B0 -depth 8 -colorspace Lab -compress Zip", "lab.tif", 24, 8},
+    {"-size 67x41 plasma: -depth 8 -colors 200 -type PaletteAlpha -alpha set -interlace Plane",
+     "palettealpha.tif", 8},
     {"-size 1x1 xc:red -depth 8 -type TrueColor", "one.tif", 24},
 };
 

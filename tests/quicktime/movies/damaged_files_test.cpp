@@ -95,6 +95,23 @@ TEST_F(DamagedFiles, HeadersThatClaimMoreThanThereIs) {
     EXPECT_EQ(corvane::test::ReadBytes(Path("exported.wav")).size(), 44U);
 }
 
+TEST_F(DamagedFiles, AnEditListCannotBeginBeforeAllTime) {
+    ASSERT_TRUE(Run(
+        "sox -R -r 44100 -n -c 2 -b 16 s.wav synth 1000s pinknoise && ffmpeg -i s.wav -c:a pcm_s16le s.mov"));
+    std::string movie = corvane::test::ReadBytes(Path("s.mov"));
+    const std::size_t edits = movie.find("elst");
+    ASSERT_NE(edits, std::string::npos);
+    movie[edits + 4] = 1; // the wide kind of list, whose entries are 8 bytes longer
+    movie.replace(edits + 12, 12, std::string("\0\0\0\0\0\0\3\xE8\x80\0\0\0\0\0\0\0\0\1\0\0", 20));
+    for (const char* atom : {"moov", "trak", "edts", "elst"}) {
+        char& size = movie[movie.find(atom) - 1];
+        ASSERT_LT(static_cast<unsigned char>(size), 248) << atom;
+        size = static_cast<char>(size + 8);
+    }
+    corvane::test::WriteBytes(Path("early.mov"), movie);
+    EXPECT_EQ(GetMovieDuration(Open("early.mov").get()), 0) << "nothing of the media is before its beginning";
+}
+
 TEST_F(DamagedFiles, ASampleTableCannotClaimMoreThanItsFileHolds) {
     ASSERT_TRUE(Run(
         "sox -R -r 44100 -n -c 2 -b 16 s.wav synth 1000s pinknoise && ffmpeg -i s.wav -c:a pcm_s16le s.mov"));

@@ -47,6 +47,15 @@ constexpr Format kFormats[] = {
     {"ima.mov", "ffmpeg -i source.wav -c:a adpcm_ima_qt ima.mov", "MooV", "ima4", 1379 * 64, false},
     {"s.mp2", "ffmpeg -i source.wav s.mp2", "MPGA", ".mp2", 77 * 1152, false},
     {"s.aac", "ffmpeg -i source.wav s.aac", "ADTS", "mp4a", 88 * 1024, false},
+    {"s.ac3", "ffmpeg -i source.wav s.ac3", "AC3 ", "ac-3", 58 * 1536, false},
+    {"fragments.m4a", "ffmpeg -i source.wav -c:a aac -movflags frag_keyframe+empty_moov fragments.m4a",
+     "M4A ", "mp4a", 88217 + 1024, false},
+    // The encoder's delay in the item list alone, as some players' own files have it.
+    {"gapless.m4a",
+     "ffmpeg -i source.wav -c:a aac -use_editlist 0 gapless.m4a && python3 -c 'import mutagen.mp4 as m; "
+     "f = m.MP4(\"gapless.m4a\"); f[\"----:com.apple.iTunes:iTunSMPB\"] = "
+     "m.MP4FreeForm(b\" 00000000 00000400 00000000 0000000000015899\"); f.save()'",
+     "M4A ", "mp4a", 88217, false},
 };
 
 void PrintTo(const Format& format, std::ostream* out) {
@@ -136,8 +145,8 @@ TEST_F(OpeningOther, WhatNothingReads) {
 
 TEST_F(OpeningOther, ReadsBlocksAnywhereAsOneRunOfSamples) {
     ASSERT_TRUE(Run(kMakeSource));
-    ASSERT_TRUE(Run("lame -V 4 source.wav s.mp3"));
-    for (const char* name : {"source.wav", "s.mp3"}) {
+    ASSERT_TRUE(Run("lame -V 4 source.wav s.mp3 && ffmpeg -i source.wav s.ac3"));
+    for (const char* name : {"source.wav", "s.mp3", "s.ac3"}) {
         const qt::OwnedMovie movie = Open(name);
         const std::vector<std::int16_t> whole = Exported(movie.get());
         for (const TimeValue start : {0, 1, 40'000, 88'000}) {
@@ -148,7 +157,25 @@ TEST_F(OpeningOther, ReadsBlocksAnywhereAsOneRunOfSamples) {
             EXPECT_TRUE(std::equal(samples.begin(), samples.end(), whole.begin() + 2 * start))
                 << name << start;
         }
+        const Track track = corvane::test::FirstSoundTrack(movie.get()); // once more behind its end
+        ASSERT_EQ(InsertMediaIntoTrack(track, -1, 1000, 5000, 0x10000), noErr);
+        const std::vector<std::int16_t> longer = Exported(movie.get());
+        ASSERT_EQ(longer.size(), whole.size() + 10'000);
+        const auto end = longer.begin() + static_cast<std::ptrdiff_t>(whole.size());
+        EXPECT_TRUE(std::equal(whole.begin(), whole.end(), longer.begin()));
+        EXPECT_TRUE(std::equal(end, longer.end(), whole.begin() + 2000)) << name;
     }
+}
+
+TEST_F(OpeningOther, OpusInAMovie) {
+    ASSERT_TRUE(Run(std::string(kMakeSource) + " && ffmpeg -i source.wav -c:a libopus s.mp4"));
+    const std::vector<std::int16_t> samples = Exported(Open("s.mp4").get());
+    const std::vector<std::int16_t> expected = DecodedByFfmpeg("s.mp4");
+    ASSERT_GE(samples.size(), 2 * 88217U);
+    ASSERT_LE(samples.size(), expected.size() + 4);
+    double difference = 0; // two ways to convert the rate
+    for (std::size_t i = 0; i < 2 * 88217; ++i) difference += std::abs(samples[i] - expected[i]);
+    EXPECT_LT(difference / (2 * 88217), 60);
 }
 
 TEST_F(OpeningOther, MonoFillsBothChannels) {
