@@ -40,7 +40,7 @@ std::string Duration(TimeValue time, TimeScale scale) {
     constexpr TimeValue kMost = std::numeric_limits<std::int32_t>::max();
     constexpr TimeScale kMilliseconds = 1000;
     if (time > kMost && scale > 0) {
-        time = time / scale * kMilliseconds + time % scale * kMilliseconds / scale;
+        time = std::min(time / scale, kMost) * kMilliseconds + time % scale * kMilliseconds / scale;
         scale = kMilliseconds;
     }
     return FormatDuration(static_cast<std::int32_t>(std::min(time, kMost)), scale);

@@ -18,7 +18,6 @@ public:
     /// begins a new one, over the records up to `last_record`. The text says what failed.
     [[nodiscard]] std::string Begin(const Table& table, const std::string& work, std::int64_t last_record,
                                     bool resume);
-    [[nodiscard]] bool IsResumed() const { return resumed_; }
     /// The last record that the run goes over, and how many have failed in it so far.
     [[nodiscard]] std::int64_t LastRecord() const { return last_record_; }
     [[nodiscard]] std::int64_t FailedCount() const { return failed_; }

@@ -6,6 +6,7 @@
 #include "platform/win32/settings_dialog.h"
 #include "platform/win32/windows_module.h"
 #include "tests/support/fake_host.h"
+#include "tests/ui/managed_window.h"
 #include "tests/ui/virtual_display.h"
 #include "ui/standard_alert.h"
 
@@ -286,6 +287,21 @@ TEST_F(Windows, PointerAndWindowInFront) {
     EXPECT_EQ(desk->window->top, top);
     EXPECT_EQ(desk->window->right, left + width);
     EXPECT_EQ(desk->window->bottom, top + height);
+}
+
+TEST_F(Windows, TheWindowInFrontHasItsFrame) {
+    const win32::WindowsModule* windows = win32::OpenWindows();
+    ASSERT_NE(windows, nullptr);
+    {
+        const corvane::test::ManagedWindow window({100, 80, 400, 280}, {3, 25, 4, 6});
+        const auto frame = windows->pointer_and_window().value().window;
+        ASSERT_TRUE(frame);
+        EXPECT_EQ(frame->left, 97);
+        EXPECT_EQ(frame->top, 55);
+        EXPECT_EQ(frame->right, 404);
+        EXPECT_EQ(frame->bottom, 286);
+    }
+    EXPECT_FALSE(windows->pointer_and_window().value().window);
 }
 
 TEST_F(Windows, KeysAndButtonsThatAreDown) {
