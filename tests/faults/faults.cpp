@@ -186,6 +186,7 @@ void operator delete[](void* block, std::size_t) noexcept {
 }
 
 // Libraries that bring the two together on their own are none of this test's business.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer looks for this name
 extern "C" const char* __asan_default_options() {
     return "alloc_dealloc_mismatch=0:allocator_may_return_null=1";
 }
