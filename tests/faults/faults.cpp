@@ -66,8 +66,9 @@ bool IsFaulty(const void* caller) {
     Dl_info info;
     if (dladdr(caller, &info) == 0 || info.dli_fname == nullptr) return false;
     const std::string_view library(info.dli_fname);
-    return std::ranges::any_of(kFaultyLibraries,
-                               [&](std::string_view name) { return library.find(name) != library.npos; });
+    return std::ranges::any_of(kFaultyLibraries, [&](std::string_view name) {
+        return library.find(name) != std::string_view::npos;
+    });
 }
 
 bool NoMemory(const void* caller) {
@@ -89,25 +90,28 @@ ssize_t Write(int file, long call, Arguments... arguments) {
 
 using corvane::test::NoMemory;
 
+// Parameters are called as in the C library's headers.
 extern "C" {
 
 #ifndef __SANITIZE_ADDRESS__
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the C library's own names for what is replaced here
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* block, std::size_t size);
 void* __libc_memalign(std::size_t alignment, std::size_t size);
+// NOLINTEND(bugprone-reserved-identifier)
 
 void* malloc(std::size_t size) noexcept {
     return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_malloc(size);
 }
 
-void* calloc(std::size_t count, std::size_t size) noexcept {
-    return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_calloc(count, size);
+void* calloc(std::size_t nmemb, std::size_t size) noexcept {
+    return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_calloc(nmemb, size);
 }
 
-void* realloc(void* block, std::size_t size) noexcept {
-    return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_realloc(block, size);
+void* realloc(void* ptr, std::size_t size) noexcept {
+    return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_realloc(ptr, size);
 }
 
 void* memalign(std::size_t alignment, std::size_t size) noexcept {
@@ -118,36 +122,36 @@ void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
     return NoMemory(__builtin_return_address(0)) ? nullptr : __libc_memalign(alignment, size);
 }
 
-int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept {
-    *block = NoMemory(__builtin_return_address(0)) ? nullptr : __libc_memalign(alignment, size);
-    return *block == nullptr ? ENOMEM : 0;
+int posix_memalign(void** memptr, std::size_t alignment, std::size_t size) noexcept {
+    *memptr = NoMemory(__builtin_return_address(0)) ? nullptr : __libc_memalign(alignment, size);
+    return *memptr == nullptr ? ENOMEM : 0;
 }
 
 #endif
 
-ssize_t write(int file, const void* bytes, std::size_t size) {
-    return corvane::test::Write(file, SYS_write, file, bytes, size);
+ssize_t write(int fd, const void* buf, std::size_t n) {
+    return corvane::test::Write(fd, SYS_write, fd, buf, n);
 }
 
-ssize_t writev(int file, const iovec* pieces, int count) {
-    return corvane::test::Write(file, SYS_writev, file, pieces, count);
+ssize_t writev(int fd, const iovec* iovec, int count) {
+    return corvane::test::Write(fd, SYS_writev, fd, iovec, count);
 }
 
-ssize_t pwrite(int file, const void* bytes, std::size_t size, off_t offset) {
-    return corvane::test::Write(file, SYS_pwrite64, file, bytes, size, offset);
+ssize_t pwrite(int fd, const void* buf, std::size_t n, off_t offset) {
+    return corvane::test::Write(fd, SYS_pwrite64, fd, buf, n, offset);
 }
 
-ssize_t pwrite64(int file, const void* bytes, std::size_t size, off64_t offset) {
-    return corvane::test::Write(file, SYS_pwrite64, file, bytes, size, offset);
+ssize_t pwrite64(int fd, const void* buf, std::size_t n, off64_t offset) {
+    return corvane::test::Write(fd, SYS_pwrite64, fd, buf, n, offset);
 }
 
-ssize_t copy_file_range(int from, off64_t* from_offset, int to, off64_t* to_offset, std::size_t size,
+ssize_t copy_file_range(int infd, off64_t* pinoff, int outfd, off64_t* poutoff, std::size_t length,
                         unsigned flags) {
-    return corvane::test::Write(to, SYS_copy_file_range, from, from_offset, to, to_offset, size, flags);
+    return corvane::test::Write(outfd, SYS_copy_file_range, infd, pinoff, outfd, poutoff, length, flags);
 }
 
-ssize_t sendfile(int to, int from, off_t* offset, std::size_t size) noexcept {
-    return corvane::test::Write(to, SYS_sendfile, to, from, offset, size);
+ssize_t sendfile(int out_fd, int in_fd, off_t* offset, std::size_t count) noexcept {
+    return corvane::test::Write(out_fd, SYS_sendfile, out_fd, in_fd, offset, count);
 }
 
 } // extern "C"
@@ -182,6 +186,7 @@ void operator delete[](void* block, std::size_t) noexcept {
 }
 
 // Libraries that bring the two together on their own are none of this test's business.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer looks for this name
 extern "C" const char* __asan_default_options() {
     return "alloc_dealloc_mismatch=0:allocator_may_return_null=1";
 }

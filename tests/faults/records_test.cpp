@@ -53,12 +53,12 @@ TEST_F(StarvedRecords, StaySound) {
     ASSERT_EQ(Corvane("import m.corvane t data in --name-field name").status, 0);
     Shell("cp m.corvane whole");
 
-    const char* const kStreams =
+    const char* const streams =
         "SELECT count(*) = count(DISTINCT record), sum(length(bytes)) = 20000 * count(*), "
         "count(*) >= 6 FROM corvane_streams WHERE type = 'FILE'";
-    Sweep("import m.corvane t data in --name-field name", [&] { EXPECT_EQ(Sql(kStreams), "1|1|1\n"); });
+    Sweep("import m.corvane t data in --name-field name", [&] { EXPECT_EQ(Sql(streams), "1|1|1\n"); });
     Sweep("update m.corvane t 'n=Length(HostStream(data;\"FILE\"))' data=data", [&] {
-        EXPECT_EQ(Sql(kStreams), "1|1|1\n");
+        EXPECT_EQ(Sql(streams), "1|1|1\n");
         EXPECT_EQ(Sql("SELECT count(*) FROM t WHERE n IS NOT NULL AND n <> 40000"), "0\n");
     });
 }

@@ -78,7 +78,7 @@ TEST_F(FileFunctions, OpenItemFollowsTheAliasThatCreateAliasMade) {
         drives.MakeFile("opener", "#!/bin/sh\nprintf %s \"$1\" > '" + drives.Path("opened") + "'\n");
     chmod(opener.c_str(), 0755);
     const test::EnvironmentVariable variable("CORVANE_OPENER", opener);
-    drives.Map("\\\\srv\\share", "s");
+    drives.Map(R"(\\srv\share)", "s");
     for (const auto& [path, file] :
          {std::pair("/C:/Ünï.txt", "c/Ünï.txt"), std::pair("//srv/share/b.txt", "s/b.txt")}) {
         const std::string target = drives.MakeFile(file);

@@ -12,7 +12,7 @@ struct FileSpec : testing::Test {
     FileSpec() {
         drives.Map("C:", "c");
         drives.Map("D:", "d");
-        drives.Map("\\\\srv\\share", "s");
+        drives.Map(R"(\\srv\share)", "s");
         drives.MakeFile("c/Data/Märchen/ü.wav");
         drives.MakeFile("c/Db/Media.fp7");
         drives.MakeFile("c/Db/img/x.jpg");
@@ -53,8 +53,8 @@ TEST(VxObjects, DestroyThemselvesWithTheLastReference) {
 }
 
 TEST_F(FileSpec, NativePathsOfFoldersEndWithASeparator) {
-    for (const auto* path : {"C:\\", "C:\\Data\\", "C:\\Data\\Märchen\\ü.wav", "C:\\none", "\\\\srv\\share\\",
-                             "\\\\srv\\share\\dir\\x.txt"})
+    for (const auto* path : {"C:\\", "C:\\Data\\", "C:\\Data\\Märchen\\ü.wav", "C:\\none", R"(\\srv\share\)",
+                             R"(\\srv\share\dir\x.txt)"})
         EXPECT_EQ(At(path).GetNativePath(), path);
     EXPECT_EQ(At("C:\\Data").GetNativePathW(), u"C:\\Data\\");
     EXPECT_EQ(At("C:\\None\\").GetNativePath(), "C:\\None");

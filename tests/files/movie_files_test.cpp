@@ -108,7 +108,7 @@ TEST_F(MovieFiles, LocalFilesAreJudgedByTheirContentAndOthersByTheirName) {
     EXPECT_EQ(use_of("C:\\text.wav"), "0");
     EXPECT_EQ(use_of("C:\\none.wav"), "0");
 
-    drives.Map("\\\\srv\\share", "s");
+    drives.Map(R"(\\srv\share)", "s");
     for (fm::Drive& drive : fm::CurrentSession().drives) drive.remote = drive.root != "C:";
     for (const auto& [name, expected] :
          std::initializer_list<std::pair<const char*, const char*>>{{"a.MOV", "0 movie"},

@@ -17,12 +17,12 @@ namespace {
 struct PathParameter : testing::Test {
     PathParameter() {
         c = drives.Map("C:", "c");
-        drives.Map("\\\\srv\\share", "s");
+        drives.Map(R"(\\srv\share)", "s");
         drives.MakeFile("c/Pics/a.jpg");
         drives.MakeFile("c/A/B/日本.txt");
         drives.MakeFolder("c/tmp/sub");
         temporary.Set(c + "/tmp");
-        DefaultFolder().SetFromNativePath("C:\\A\\B\\");
+        DefaultFolder().SetFromNativePath(R"(C:\A\B\)");
     }
     ~PathParameter() override {
         DiscardResultBuffer();

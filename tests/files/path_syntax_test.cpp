@@ -20,12 +20,12 @@ struct PathSyntax : testing::Test {
     PathSyntax() {
         drives.Map("C:", "c");
         drives.Map("D:", "d");
-        drives.Map("\\\\srv\\share", "s");
+        drives.Map(R"(\\srv\share)", "s");
         drives.MakeFile("c/Data/Pics/a.jpg");
         drives.MakeFile("d/x.txt");
         drives.MakeFile("s/dir/x.txt");
         base.SetFromNativePath("C:\\Data");
-        share_base.SetFromNativePath("\\\\srv\\share\\dir");
+        share_base.SetFromNativePath(R"(\\srv\share\dir)");
     }
 
     std::string Host(std::string_view text, bool has_prefix) {

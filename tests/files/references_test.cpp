@@ -18,14 +18,14 @@ struct References : testing::Test {
     References() {
         drives.Map("C:", "c");
         drives.Map("D:", "d");
-        drives.Map("\\\\srv\\share", "s");
+        drives.Map(R"(\\srv\share)", "s");
         for (const char* file :
              {"c/Db/img/x.jpg", "c/Other/x.jpg", "d/Pics/x.jpg", "s/dir/x.jpg", "c/Db/Media.fp7"})
             drives.MakeFile(file);
         host.file_path = u"file:/C:/Db/Media.fp7";
     }
 
-    std::string Put(const char* native_path, std::uint16_t width = 0, std::uint16_t height = 0) {
+    static std::string Put(const char* native_path, std::uint16_t width = 0, std::uint16_t height = 0) {
         XFileSpec file;
         file.SetFromNativePath(native_path);
         FM_Data result;
@@ -33,7 +33,7 @@ struct References : testing::Test {
         return code == 0 ? utf::ToUtf8(result.AsText().units) : std::to_string(code);
     }
 
-    std::string Resolve(std::string_view text) {
+    static std::string Resolve(std::string_view text) {
         XFileSpec file;
         const std::int32_t code = ResolveReferenceText(text, file);
         return code == 0 ? file.GetNativePath() : std::to_string(code);
@@ -73,7 +73,7 @@ TEST_F(References, ResolveThroughTheFirstLineThatLeadsToAFile) {
 }
 
 TEST_F(References, FollowADatabaseThatMoved) {
-    const std::string text = Put("C:\\Db\\img\\x.jpg");
+    const std::string text = Put(R"(C:\Db\img\x.jpg)");
     std::filesystem::rename(drives.Path("c/Db"), drives.Path("c/New"));
     host.file_path = u"file:/C:/New/Media.fp7";
     EXPECT_EQ(Resolve(text), "C:\\New\\img\\x.jpg");
@@ -146,9 +146,9 @@ TEST_F(References, TellLocalFromRemoteFiles) {
     EXPECT_TRUE(IsLocalFile("C:\\Db\\Media.fp7").local);
     EXPECT_TRUE(IsLocalFile("c:\\none").local);
     for (const char* invalid :
-         {"", "C", "C:", "C:/x", "x.txt", "\\\\srv", "\\\\srv\\share", "\\\\\\share\\x", "Z:\\x"})
+         {"", "C", "C:", "C:/x", "x.txt", "\\\\srv", R"(\\srv\share)", R"(\\\share\x)", "Z:\\x"})
         EXPECT_EQ(IsLocalFile(invalid).code, -35) << invalid;
-    const FileLocality share = IsLocalFile("\\\\srv\\share\\dir\\x.jpg");
+    const FileLocality share = IsLocalFile(R"(\\srv\share\dir\x.jpg)");
     EXPECT_EQ(share.code, 0);
     EXPECT_FALSE(share.local);
 }

@@ -64,18 +64,18 @@ TEST(Engine, NumbersWithoutAValueAreQuestionMarks) {
 }
 
 TEST(Engine, ComparesAsTheValuesAre) {
-    Check({{"\"abc\" = \"ABC\"", "#1"},
+    Check({{R"("abc" = "ABC")", "#1"},
            {"\"É\" = \"é\"", "#1"},
-           {"\"a\" < \"B\"", "#1"},
-           {"\"ab\" > \"a\"", "#1"},
-           {"\"10\" < \"9\"", "#1"},
+           {R"("a" < "B")", "#1"},
+           {R"("ab" > "a")", "#1"},
+           {R"("10" < "9")", "#1"},
            {"10 < \"9\"", "#0"},
            {"\"12 px\" = 12", "#1"},
            {"\"\" = 0", "#0"},
            {"\"x\" ≠ 0", "#1"},
            {"1 ≤ 1 and 1 ≥ 1 and 1 <= 2 and 2 >= 1 and 1 <> 2", "#1"},
            {"HostContainer = HostContainer()", "#1"},
-           {"HostReference(\"a\") = HostReference(\"b\")", "#0"}});
+           {R"(HostReference("a") = HostReference("b"))", "#0"}});
 }
 
 TEST(Engine, LogicTakesOneBranchOnly) {
@@ -83,22 +83,22 @@ TEST(Engine, LogicTakesOneBranchOnly) {
            {"If(1; \"yes\")", "yes"},
            {"If(\"\"; 1)", ""},
            {"If(HostReference(\"x\"); 1; 2) & If(HostContainer; 1; 2)", "12"},
-           {"Case(0; \"a\"; 1; \"b\"; \"c\")", "b"},
-           {"Case(0; \"a\"; \"c\")", "c"},
+           {R"(Case(0; "a"; 1; "b"; "c"))", "b"},
+           {R"(Case(0; "a"; "c"))", "c"},
            {"Case(0; \"a\")", ""},
-           {"Choose(1; \"a\"; \"b\")", "b"},
-           {"Choose(2; \"a\"; \"b\") & Choose(-1; \"a\")", ""},
+           {R"(Choose(1; "a"; "b"))", "b"},
+           {R"(Choose(2; "a"; "b") & Choose(-1; "a"))", ""},
            {"Let([$n = 0; x = If(1; 1; Let($n = 5; 1)); y = 1 or Let($n = 6; 1); z = 0 and Let($n = 7; 1)]; "
             "$n)",
             "#0"},
-           {"GetAsBoolean(\"0 1\") & GetAsBoolean(\"none\") & GetAsBoolean(-0.5)", "101"},
-           {"IsEmpty(\"\") & IsEmpty(0) & IsEmpty(HostContainer) & IsEmpty(HostReference(\"a\"))", "1010"}});
+           {R"(GetAsBoolean("0 1") & GetAsBoolean("none") & GetAsBoolean(-0.5))", "101"},
+           {R"(IsEmpty("") & IsEmpty(0) & IsEmpty(HostContainer) & IsEmpty(HostReference("a")))", "1010"}});
 }
 
 TEST(Engine, LetNamesAreLocalAndNested) {
     Check({{"Let([a = 1; b = a + 1; a = b * 10]; a & b)", "202"},
            {"Let(a = 1; Let(a = a + 1; a) & a)", "21"},
-           {"Let(A = \"x\"; a & Let([b = \"y\"; c = Let(d = b; d & a)]; c))", "xyx"},
+           {R"(Let(A = "x"; a & Let([b = "y"; c = Let(d = b; d & a)]; c)))", "xyx"},
            {"Let(length = 3; length & Length(\"ab\"))", "32"},
            {"Let(ö = 2; Ö * ö)", "#4"}});
 }
@@ -119,17 +119,15 @@ TEST(Engine, TextFunctionsCountCharacters) {
          {"Right(\"ab😀\"; 1) & Right(\"ab\"; 0) & Right(\"ab\"; 5)", "😀ab"},
          {"Middle(\"a😀bc\"; 2; 2) & Middle(\"abc\"; 0; 1) & Middle(\"abc\"; 9; 1)", "😀ba"},
          {"Position(\"x😀aBab\"; \"AB\"; 1; 1) & Position(\"x😀aBab\"; \"AB\"; 1; 2)", "35"},
-         {"Position(\"abab\"; \"ab\"; 2; 1) & Position(\"abab\"; \"ab\"; 4; -1) & Position(\"abab\"; \"ab\"; "
-          "4; -2)",
+         {R"(Position("abab"; "ab"; 2; 1) & Position("abab"; "ab"; 4; -1) & Position("abab"; "ab"; 4; -2))",
           "331"},
-         {"Position(\"abab\"; \"ab\"; 4; -3) & Position(\"ab\"; \"\"; 1; 1) & Position(\"ab\"; \"a\"; 1; 0)",
-          "000"},
-         {"PatternCount(\"aAaa\"; \"aa\") & PatternCount(\"abc\"; \"\")", "20"},
-         {"Substitute(\"aAa\"; \"a\"; \"bb\")", "bbAbb"},
-         {"Substitute(\"abc\"; [\"a\"; \"b\"]; [\"b\"; \"x\"])", "xxc"},
-         {"Substitute(\"abc\"; \"\"; \"x\")", "abc"},
+         {R"(Position("abab"; "ab"; 4; -3) & Position("ab"; ""; 1; 1) & Position("ab"; "a"; 1; 0))", "000"},
+         {R"(PatternCount("aAaa"; "aa") & PatternCount("abc"; ""))", "20"},
+         {R"(Substitute("aAa"; "a"; "bb"))", "bbAbb"},
+         {R"(Substitute("abc"; ["a"; "b"]; ["b"; "x"]))", "xxc"},
+         {R"(Substitute("abc"; ""; "x"))", "abc"},
          {"Upper(\"aßé\") & Lower(\"AÉ\")", "AßÉaé"},
-         {"\"[\" & Trim(\"  a b \") & Trim(\"   \") & \"]\"", "[a b]"},
+         {R"("[" & Trim("  a b ") & Trim("   ") & "]")", "[a b]"},
          {"GetValue(\"a¶b¶\"; 2) & GetValue(\"a¶b\"; 3) & GetValue(\"a\"; 0) & GetValue(\"a\"; 1)", "ba"},
          {"ValueCount(\"\") & ValueCount(\"a\") & ValueCount(\"a¶b\") & ValueCount(\"a¶b¶\") & ValueCount(¶)",
           "01221"},
@@ -142,11 +140,11 @@ TEST(Engine, NumberFunctions) {
            {"Round(2.345; 2) & \" \" & Round(-2.5; 0) & \" \" & Round(1234; -2) & \" \" & Round(1; "
             "-99999999999)",
             "2.35 -3 1200 0"},
-           {"Mod(7; 3) & \" \" & Mod(-7; 3) & \" \" & Mod(7; -3) & \" \" & Mod(5.5; 2)", "1 2 -2 1.5"},
+           {R"(Mod(7; 3) & " " & Mod(-7; 3) & " " & Mod(7; -3) & " " & Mod(5.5; 2))", "1 2 -2 1.5"},
            {"Mod(2999999999999999999999999999999999999999; 3)", "#2"},
            {"Mod(2.99999999999999999999; 3)", "#2.99999999999999999999"},
            {"Mod(-2.99999999999999999999; -3)", "#-2.99999999999999999999"},
-           {"Min(3; \"2\"; 10) & Max(3; \"2\"; 10)", "210"},
+           {R"(Min(3; "2"; 10) & Max(3; "2"; 10))", "210"},
            {"GetAsNumber(\"a-1.5b2\")", "#-1.52"},
            {"GetAsNumber(\"none\")", ""}});
 }
@@ -178,8 +176,8 @@ TEST(Engine, TextHasBounds) {
         return text + "]; Length(a))";
     };
     EXPECT_EQ(Value(engine, doubled(";a=a&a", 10)), "#10240");
-    const std::string kHundred = "\"0123456789012345678901234567890123456789\"";
-    for (const std::string& step : {std::string(";a=a&a"), ";a=Substitute(a;\"0\";" + kHundred + ")"}) {
+    const std::string digits = "\"0123456789012345678901234567890123456789\"";
+    for (const std::string& step : {std::string(";a=a&a"), ";a=Substitute(a;\"0\";" + digits + ")"}) {
         const Outcome outcome = engine.Evaluate(doubled(step, 60));
         EXPECT_EQ(outcome.error, kFM_ErrorOutOfMemory) << step;
         EXPECT_EQ(outcome.message, "the calculation makes too much text");

@@ -196,7 +196,7 @@ TEST_F(FieldStore, ChangesThatAreNotCommittedAreGone) {
 TEST_F(FieldStore, OpensOnlyItsOwnFiles) {
     EXPECT_NE(Store::Create(file_), "") << "a file that is there stays";
     std::ofstream(folder_ + "/garbage") << std::string(5000, 'x');
-    std::ofstream(folder_ + "/empty");
+    const std::ofstream empty(folder_ + "/empty");
     for (const char* name : {"/garbage", "/empty", "/nothing", ""}) {
         Store other;
         EXPECT_NE(other.Open(folder_ + name), "") << name;

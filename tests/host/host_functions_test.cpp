@@ -21,7 +21,7 @@ protected:
         ASSERT_NE(mkdtemp(folder.data()), nullptr);
         folder_ = folder;
         std::ofstream(File("a"), std::ios::binary) << std::string("\x00\x9F\xFF", 3);
-        std::ofstream(File("empty"));
+        const std::ofstream empty(File("empty"));
         fm::CurrentSession() = {};
     }
     void TearDown() override {
@@ -39,8 +39,8 @@ protected:
 };
 
 TEST_F(HostFunctions, ContainersHoldTheBytesOfFiles) {
-    const Outcome outcome = engine_.Evaluate("Let($c = HostContainer(\"JPEG\";\"" + File("a") +
-                                             "\";\"snd \";\"" + File("empty") + "\"); $c)");
+    const Outcome outcome = engine_.Evaluate(R"(Let($c = HostContainer("JPEG";")" + File("a") +
+                                             R"(";"snd ";")" + File("empty") + "\"); $c)");
     ASSERT_EQ(outcome.error, 0) << outcome.message;
     const auto& streams = outcome.value.AsContainer().streams;
     ASSERT_EQ(streams.size(), 2U);
@@ -112,7 +112,7 @@ TEST_F(HostFunctions, TemporaryPathGoesThroughTheDrives) {
     setenv("TMPDIR", (folder_ + "/").c_str(), 1);
     fm::CurrentSession().drives = {{"T:", folder_, false}};
     EXPECT_EQ(Text("Get(TemporaryPath)"), "/T:/");
-    fm::CurrentSession().drives = {{"C:", "", false}, {"\\\\server\\share", folder_, true}};
+    fm::CurrentSession().drives = {{"C:", "", false}, {R"(\\server\share)", folder_, true}};
     EXPECT_EQ(Text("Get(TemporaryPath)"), "//server/share/");
     fm::CurrentSession().drives = {{"X:", "/nowhere", false}};
     EXPECT_EQ(Text("Get(TemporaryPath)"), "");

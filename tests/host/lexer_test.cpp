@@ -43,7 +43,7 @@ TEST(Lexer, CutsTokens) {
         {"x¶y", "name:x return:¶ name:y"},
         {"x\u00A0y", "name:x name:y"},
         {"\"open", "invalid:this text has no closing quote"},
-        {"\"open\\\"", "invalid:this text has no closing quote"},
+        {R"("open\")", "invalid:this text has no closing quote"},
         {"1 /* open", "number:1 invalid:this comment has no end"},
         {"/*/", "invalid:this comment has no end"},
         {"$ x", "invalid:a variable needs a name"},

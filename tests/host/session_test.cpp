@@ -47,7 +47,7 @@ TEST(Session, HandlersAnswerCodesAndLeaveValues) {
     Outcome outcome = session.Evaluate("Test_Answer(-50; \"left\")");
     EXPECT_EQ(outcome.error, -50);
     EXPECT_EQ(outcome.value.AsText().units, u"left");
-    outcome = session.Evaluate("Test_Answer(-1) & Test_Answer(-2; \"b\") & Test_Answer(0; \"c\")");
+    outcome = session.Evaluate(R"(Test_Answer(-1) & Test_Answer(-2; "b") & Test_Answer(0; "c"))");
     EXPECT_EQ(outcome.error, -1) << "the first code stands";
     EXPECT_EQ(outcome.value.AsText().units, u"bc");
     EXPECT_EQ(session.Evaluate("Test_Answer(0)").error, 0);

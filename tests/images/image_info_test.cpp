@@ -27,14 +27,14 @@ protected:
     }
     void TearDown() override { TerminateQTML(); }
 
-    std::string Info(const FM_Data& value) {
+    static std::string Info(const FM_Data& value) {
         const corvane::test::Outcome outcome = corvane::test::Call(GetImageInfo, {value});
         EXPECT_EQ(outcome.error, 0);
         EXPECT_EQ(outcome.type, kFM_TypeText);
         return outcome.text;
     }
 
-    FM_Data Embedded(const char (&type)[5], const corvane::test::Bytes& bytes) {
+    static FM_Data Embedded(const char (&type)[5], const corvane::test::Bytes& bytes) {
         const BinaryData container(Host(FM_BinaryData_Constructor1));
         Host(FM_BinaryData_Add, container.get(), NewQuadChar(FourCC(type)).get(),
              static_cast<std::uint32_t>(bytes.size()), bytes.data());

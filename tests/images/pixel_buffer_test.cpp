@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstddef>
 #include <set>
 #include <utility>
 
@@ -22,7 +23,8 @@ PixelBufferHandle Create(std::uint32_t width, std::uint32_t height) {
 }
 
 std::array<int, 4> PixelAt(IPixelBuffer& buffer, std::uint32_t x, std::uint32_t y) {
-    const std::byte* address = buffer.GetBaseAddress() + y * buffer.GetRowBytes() + 4 * x;
+    const std::byte* address =
+        buffer.GetBaseAddress() + std::size_t{y} * buffer.GetRowBytes() + std::size_t{4} * x;
     std::array<int, 4> bytes{};
     for (std::size_t i = 0; i < 4; ++i) bytes[i] = std::to_integer<int>(address[i]);
     return bytes;
@@ -52,7 +54,9 @@ TEST(PixelBuffer, BeginsWhiteWithAlignedRows) {
                 EXPECT_EQ(PixelAt(*buffer, x, y), (std::array{255, 255, 255, 0}));
             }
         }
-        std::uint8_t red = 9, green = 9, blue = 9;
+        std::uint8_t red = 9;
+        std::uint8_t green = 9;
+        std::uint8_t blue = 9;
         buffer->GetColor(red, green, blue);
         EXPECT_EQ(red + green + blue, 0);
     }

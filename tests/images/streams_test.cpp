@@ -43,7 +43,7 @@ protected:
     void TearDown() override { DiscardResultBuffer(); }
 
     /// The text that the call would deliver now.
-    std::string Reported() {
+    static std::string Reported() {
         FM_Data result;
         FinishResult(result);
         return utf::ToUtf8(result.AsText().units);

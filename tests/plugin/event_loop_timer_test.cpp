@@ -47,7 +47,7 @@ struct Timers : testing::Test {
             if (fm::CurrentSession().wait_for_messages) fm::CurrentSession().wait_for_messages(end);
         }
     }
-    void PumpUntil(std::size_t count) {
+    void PumpUntil(std::size_t count) const {
         const auto limit = Clock::now() + std::chrono::seconds(20);
         while (fired.size() < count && Clock::now() < limit) Pump(milliseconds(1));
         EXPECT_GE(fired.size(), count);

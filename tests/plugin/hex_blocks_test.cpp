@@ -56,7 +56,7 @@ TEST(HexBlocks, RefusesOtherTexts) {
 
 TEST(HexBlocks, RefusesLengthsThatLie) {
     const std::string payload = CompressSettings(std::string(100'000, 'x')).bytes;
-    const auto with_length = [&](std::string length) {
+    const auto with_length = [&](const std::string& length) {
         return ExpandSettings(length + payload.substr(4)).code;
     };
     EXPECT_EQ(with_length({'\0', '\1', '\x86', '\xA0'}), 0);

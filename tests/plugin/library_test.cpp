@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstddef>
 #include <dlfcn.h>
 #include <thread>
 
@@ -59,8 +60,9 @@ std::string Wave() {
         return std::string(reinterpret_cast<const char*>(&value), sizeof(value));
     };
     constexpr std::uint32_t kRate = 44'100;
+    const std::string samples(std::size_t{2} * kRate, '\0');
     return "RIFF" + number(36 + 2 * kRate) + "WAVEfmt " + number(16) + number(0x00010001) + number(kRate) +
-           number(2 * kRate) + number(0x00100002) + "data" + number(2 * kRate) + std::string(2 * kRate, '\0');
+           number(2 * kRate) + number(0x00100002) + "data" + number(2 * kRate) + samples;
 }
 
 TEST_F(Library, IsUnloadedWhileItPlaysAndRecords) {

@@ -11,7 +11,7 @@ namespace {
 
 class Results : public testing::Test {
 protected:
-    std::string Finish() {
+    static std::string Finish() {
         FM_Data result;
         FinishResult(result);
         return utf::ToUtf8(result.AsText().units);

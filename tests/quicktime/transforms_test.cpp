@@ -322,7 +322,7 @@ TEST_F(Transforms, RefusesWhatHasNoDrawing) {
 // For the sanitizers: mappings of all kinds, most of them of no use to anybody.
 TEST_F(Transforms, AnyMatrixEndsInADrawingOrACode) {
     Open("-seed 5 -size 40x30 xc:gray +noise Random", "png32:a.png");
-    std::mt19937 random(1); // NOLINT: the same numbers each time
+    std::mt19937 random(1); // the same numbers each time
     int drawn = 0;
     for (int i = 0; i < 1500; ++i) {
         for (auto& row : matrix_.matrix) {

@@ -27,11 +27,19 @@ public:
     /// Runs convert with these arguments and the output file `name`; returns the file's path. What convert
     /// makes at random is the same in every run.
     [[nodiscard]] std::string Make(const std::string& arguments, const std::string& name) const {
-        const std::string path = folder.Path(name.substr(name.find(':') + 1));
+        std::string path = folder.Path(name.substr(name.find(':') + 1));
         const std::string prefix = name.substr(0, name.find(':') + 1); // "png8:x.png"
         const std::string command = "/usr/bin/convert -seed 7 " + arguments + " '" + prefix + path + "'";
         if (std::system(command.c_str()) != 0) throw std::runtime_error(command);
         return path;
+    }
+
+    /// Runs tiffcp with these options; returns the path of the copy.
+    [[nodiscard]] std::string CopyTiff(const std::string& options, const std::string& source) const {
+        std::string copy = folder.Path("copy.tif");
+        const std::string command = "tiffcp " + options + " '" + source + "' '" + copy + "'";
+        if (std::system(command.c_str()) != 0) throw std::runtime_error(command);
+        return copy;
     }
 
     [[nodiscard]] Bytes MakeBytes(const std::string& arguments, const std::string& name) const {

@@ -52,7 +52,7 @@ Bytes InksAsDifferences(const std::vector<JSAMPLE>& inks, int width, int height)
     jpeg_finish_compress(&jpeg);
     jpeg_destroy_compress(&jpeg);
     const auto* first = reinterpret_cast<const std::byte*>(written);
-    const Bytes bytes(first, first + size);
+    Bytes bytes(first, first + size);
     std::free(written);
     return bytes;
 }

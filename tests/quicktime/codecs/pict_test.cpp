@@ -151,7 +151,7 @@ TEST(PictQuickTime, EmbeddedImages) {
                                  "............\n"
                                  "............\n";
     EXPECT_EQ(Drawn(with(qt::Code("jpeg"), 24, 8, jpeg)), expected);
-    EXPECT_EQ(Drawn(with(qt::Code("raw "), 24, 8, Bytes(3 * 64))), expected);
+    EXPECT_EQ(Drawn(with(qt::Code("raw "), 24, 8, Bytes(std::size_t{3} * 64))), expected);
     // A picture inside is not followed: the words in its place show.
     EXPECT_NE(Drawn(with(qt::Code("qdrw"), 24, 8, MadePicture(8, 8).End())).find('#'), std::string::npos);
 
@@ -185,7 +185,7 @@ TEST(PictCodec, SurvivesDamage) {
 
 /// What is written is read alike by ImageMagick and here.
 Bytes ReadByBoth(const MadeImages& images, const Bytes& written) {
-    const Bytes ours = RgbaOf(DecodeWhole(qt::kPictCodec, written));
+    Bytes ours = RgbaOf(DecodeWhole(qt::kPictCodec, written));
     EXPECT_EQ(Difference(Opaque(ours), MagickReads(images, written, "written.pict")), 0);
     return ours;
 }

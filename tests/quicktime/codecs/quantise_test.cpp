@@ -26,7 +26,8 @@ qt::IndexedImage Quantised(const qt::PixelImage& image, std::int32_t depth) {
 }
 
 std::uint32_t ColourAt(const qt::IndexedImage& image, std::int32_t x, std::int32_t y) {
-    return image.palette[image.indices[static_cast<std::size_t>(y * image.width + x)]];
+    const std::int32_t place = y * image.width + x;
+    return image.palette[image.indices[static_cast<std::size_t>(place)]];
 }
 
 /// The mean difference between the mean colours of blocks: what an eye sees from afar.

@@ -17,7 +17,8 @@ qt::PixelImage MadeImage(std::int32_t width, std::int32_t height, bool has_alpha
     std::mt19937 random(7);
     for (std::int32_t y = 0; y < height; ++y) {
         for (std::int32_t x = 0; x < width; ++x) {
-            const auto across = static_cast<std::uint32_t>(x), down = static_cast<std::uint32_t>(y);
+            const auto across = static_cast<std::uint32_t>(x);
+            const auto down = static_cast<std::uint32_t>(y);
             const std::uint32_t alpha = has_alpha ? (across * 5 + down) & 255 : 255;
             const bool is_run = y % 4 == 1 && x > width / 3;
             image.Row(y)[x] = is_run ? qt::Pixel(200, 100, 50, has_alpha ? 90 : 255)
@@ -155,7 +156,8 @@ TEST(RoundTrip, FewColoursStayExact) {
 }
 
 double SquareError(const qt::PixelImage& left, const qt::PixelImage& right) {
-    const Bytes a = RgbaOf(left), b = RgbaOf(right);
+    const Bytes a = RgbaOf(left);
+    const Bytes b = RgbaOf(right);
     double sum = 0.0;
     for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
         const int difference = std::to_integer<int>(a[i]) - std::to_integer<int>(b[i]);

@@ -63,13 +63,11 @@ TEST(TiffCodec, LayoutsOfLibtiff) {
     const std::string source =
         images.Make("-size 67x41 plasma: -depth 8 -type TrueColor -compress None", "source.tif");
     const Bytes expected = MagickRgba(images, source);
-    const std::string copy = images.folder.Path("copy.tif");
     for (const char* options :
          {"-s -r 1", "-s -r 41 -c none", "-t -w 16 -l 32 -c lzw:2", "-p separate -c zip:2",
           "-p separate -t -w 32 -l 32", "-B -c packbits", "-L -f lsb2msb", "-8"}) {
         SCOPED_TRACE(options);
-        ASSERT_EQ(
-            std::system(("tiffcp " + std::string(options) + " '" + source + "' '" + copy + "'").c_str()), 0);
+        const std::string copy = images.CopyTiff(options, source);
         EXPECT_EQ(Difference(RgbaOf(DecodeWhole(qt::kTiffCodec, FileBytes(copy))), expected), 0);
         ExpectDamageIsSurvived(qt::kTiffCodec, FileBytes(copy), 60);
     }
@@ -102,15 +100,13 @@ Bytes WithCutStrip(Bytes bytes, std::size_t kept) {
 TEST(TiffCodec, GivesTheRowsOfAnOnlyStripThatBreaksOff) {
     constexpr std::size_t kRows = 20;
     const MadeImages images;
-    const std::string copy = images.folder.Path("copy.tif");
     for (const char* options : {"-L", "-B", "-L -f lsb2msb"}) {
         for (const std::size_t sample : {1U, 2U}) {
             SCOPED_TRACE(options + std::to_string(sample));
             const std::string source = images.Make(
                 "-size 67x41 plasma: -type TrueColor -compress None -depth " + std::to_string(8 * sample),
                 "source.tif");
-            const std::string command = std::string("tiffcp -r 41 ") + options + " " + source + " " + copy;
-            ASSERT_EQ(std::system(command.c_str()), 0);
+            const std::string copy = images.CopyTiff(std::string("-r 41 ") + options, source);
             const Bytes whole = RgbaOf(DecodeWhole(qt::kTiffCodec, FileBytes(copy)));
             const Bytes cut = WithCutStrip(FileBytes(copy), (kRows * 67 + 5) * 3 * sample);
             const Bytes read = RgbaOf(DecodeWhole(qt::kTiffCodec, cut));

@@ -166,7 +166,7 @@ TEST(Combinations, GradientWipeAndDissolveGoByBrightnessAndByChance) {
     int replaced = 0;
     for (std::int32_t y = 0; y < 100; ++y) {
         for (std::int32_t x = 0; x < 100; ++x) {
-            EXPECT_EQ(half.Row(y)[x], half.Row(y / 2 * 2)[x / 2 * 2]);
+            EXPECT_EQ(half.Row(y)[x], half.Row(y / 2 * 2)[x - x % 2]);
             replaced += half.Row(y)[x] == kBlue ? 1 : 0;
         }
     }

@@ -20,21 +20,23 @@ std::vector<double> ExactGreen(const qt::PixelImage& image, double sigma) {
     }
     const std::int32_t width = image.width();
     const std::int32_t height = image.height();
-    const auto at = [=](std::int32_t x, std::int32_t y) { return static_cast<std::size_t>(y * width + x); };
+    const auto at = [=](std::int32_t x, std::int32_t y) {
+        const std::int32_t place = y * width + x;
+        return static_cast<std::size_t>(place);
+    };
+    const double* const middle = weights.data() + reach;
     std::vector<double> rows(at(0, height));
     std::vector<double> blurred(rows.size());
     for (std::int32_t y = 0; y < height; ++y) {
         for (std::int32_t x = 0; x < width; ++x) {
             for (int i = -reach; i <= reach; ++i)
-                rows[at(x, y)] += weights[static_cast<std::size_t>(i + reach)] / sum *
-                                  qt::Green(image.Row(y)[std::clamp(x + i, 0, width - 1)]);
+                rows[at(x, y)] += middle[i] / sum * qt::Green(image.Row(y)[std::clamp(x + i, 0, width - 1)]);
         }
     }
     for (std::int32_t y = 0; y < height; ++y) {
         for (std::int32_t x = 0; x < width; ++x) {
             for (int i = -reach; i <= reach; ++i)
-                blurred[at(x, y)] += weights[static_cast<std::size_t>(i + reach)] / sum *
-                                     rows[at(x, std::clamp(y + i, 0, height - 1))];
+                blurred[at(x, y)] += middle[i] / sum * rows[at(x, std::clamp(y + i, 0, height - 1))];
         }
     }
     return blurred;

@@ -7,6 +7,7 @@
 #include <cstdio>
 
 /// libsndfile 1.2.0 forgets a block of some KB when it gives up on a damaged Ogg file.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer looks for this name
 extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() {
     return "leak:vorbis_info_init\n";
 }

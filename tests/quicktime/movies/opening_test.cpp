@@ -7,6 +7,8 @@
 
 namespace {
 
+using namespace std::string_literals;
+
 using corvane::test::MovieTest;
 
 /// A sound of 2 seconds and 17 frames that uses the whole range of levels.
@@ -136,7 +138,7 @@ TEST_F(OpeningOther, WhatNothingReads) {
     };
     EXPECT_EQ(code_of("empty.wav", ""), noMovieFound);
     EXPECT_EQ(code_of("text.txt", std::string(5000, 'a')), noMovieFound);
-    EXPECT_EQ(code_of("riff.wav", "RIFF\x10\0\0\0WAVEfmt "), badFileFormat);
+    EXPECT_EQ(code_of("riff.wav", "RIFF\x10\0\0\0WAVEfmt "s), badFileFormat);
     const qt::DataReference missing = Reference("missing.wav");
     Movie movie = nullptr;
     EXPECT_EQ(NewMovieFromDataRef(&movie, missing.handle.get(), missing.type), fnfErr);
