@@ -36,7 +36,9 @@ TEST(Jpeg2000Codec, SurvivesDamage) {
 /// Where the first box of this type begins.
 std::size_t FindBox(const Bytes& bytes, std::string_view type) {
     const auto wanted = std::as_bytes(std::span(type));
-    return static_cast<std::size_t>(std::ranges::search(bytes, wanted).begin() - bytes.begin()) - 4;
+    return static_cast<std::size_t>(std::search(bytes.begin(), bytes.end(), wanted.begin(), wanted.end()) -
+                                    bytes.begin()) -
+           4;
 }
 
 TEST(Jpeg2000Codec, InksAndBoxesToSkip) {
