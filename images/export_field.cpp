@@ -133,9 +133,8 @@ void WriteTarget(const Content& content, XFileSpec folder) {
         const OpenTarget file(opened.number);
         code = WriteContent(content, file);
     }
-    if (code == 0) return;
-    native::DeleteFile(created.path); // unfinished, or empty
-    ReportError(code, "Could not write to file (disk space, permissions)");
+    // What was written stays: the person may look at how far it came.
+    if (code != 0) ReportError(code, "Could not write to file (disk space, permissions)");
 }
 
 void Export(const FM_DataVect& parameters) {
