@@ -18,9 +18,9 @@ struct FilePart {
 
 /// Writes the parts one behind the other into a file beside the one at the native path, which takes its place
 /// once it is complete: when the machine loses its power, either the old contents or the new ones are on the
-/// disk. What belongs to the file stays, as far as the file system can hold it: owner, permissions, extended
-/// attributes, time of the last access; a symbolic link still leads to it. Its other hard links keep the old
-/// contents.
+/// disk (but not on an ext4 that was made without a journal). What belongs to the file stays, as far as the
+/// file system can hold it: owner, permissions, extended attributes, time of the last access; a symbolic link
+/// still leads to it. Its other hard links keep the old contents.
 ///
 /// 0 or the platform's number: 32 when somebody else has changed the file meanwhile, 50 for what is no
 /// ordinary file, 112 for a full disk… With one the file is as it was, and none is left beside it.
