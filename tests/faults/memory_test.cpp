@@ -16,8 +16,6 @@ std::int64_t Step(std::int64_t allocations) {
                                                           : std::max<std::int64_t>(1, allocations / kTries);
 }
 
-// Not among them: TIFF and JPEG 2000. libtiff 4.5.0 and OpenJPEG 2.5.0 follow null pointers when they get no
-// memory.
 // A fact about a sound that can't be found out for want of memory is left out further down.
 std::string FirstLine(const std::string& text) {
     return text.substr(0, text.find('\r'));
