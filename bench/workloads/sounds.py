@@ -55,7 +55,8 @@ def conversion(name, code, settings, encoder, extension, source="a.wav"):
     return Row(f"sound-to-{name}", f"{minutes} minutes to {name}",
                [*call(answers=[f"set:{settings}"]),
                 f'Media_ConvertSound("/C:/{source}"; "/C:/temporary/ours.{extension}"; "{code}")'],
-               {"ffmpeg": f"{FFMPEG}-i {source} -c:a {encoder} temporary/peer.{extension}"}, make=media.waves)
+               {"ffmpeg": f"{FFMPEG}-i {source} -c:a {encoder} temporary/peer.{extension}"}, make=media.waves,
+               why="nearly all of it is the same encoder's work")
 
 
 CONVERSIONS = [
