@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cmath>
-#include <new>
 
 namespace qt {
 namespace {
@@ -78,7 +77,7 @@ void AppendHeaders(const PixelImage& image, const ExportSettings& settings, unsi
     for (const std::uint32_t colour : palette) AppendLittle32(out, colour & 0xFF'FFFF);
 }
 
-ComponentResult Write(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
+ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
     const Form form = FormOf(image, settings.depth.value_or(0));
     IndexedImage indexed{};
     if (form.quantised != 0) {
@@ -107,14 +106,6 @@ ComponentResult Write(const PixelImage& image, const ExportSettings& settings, E
         out.insert(out.end(), stored.begin(), stored.end());
     }
     return noErr;
-}
-
-ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
-    try {
-        return Write(image, settings, out);
-    } catch (const std::bad_alloc&) {
-        return memFullErr;
-    }
 }
 
 } // namespace

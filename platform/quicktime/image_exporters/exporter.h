@@ -40,6 +40,7 @@ struct ImageExporter {
     std::span<const std::int32_t> methods; ///< compression methods that the settings dialog offers
     /// Encodes the pixels behind what `out` holds. A setting that the format lacks is passed over; a depth is
     /// brought to the nearest that the format has. codecSizeErr for dimensions that the format can't hold.
+    /// May throw std::bad_alloc; what `out` then holds behind its first bytes is worth nothing.
     ComponentResult (*encode)(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out);
     /// Passes the source's compressed data on without decoding when the format can do that; false when it
     /// can't for this source. Null: never.

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 
 namespace qt {
 namespace {
@@ -100,12 +99,8 @@ ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, 
     const bool grey = settings.depth ? *settings.depth > kGreyDepths : image.is_grey;
     const Look look = {grey, settings.compression_method == 1,
                        LibraryQuality(settings.quality.value_or(kNormalQuality))};
-    try {
-        if (settings.target_size) return EncodeWithin(*settings.target_size, image, look, settings, out);
-        return EncodeAt(image, look, settings, out);
-    } catch (const std::bad_alloc&) {
-        return memFullErr;
-    }
+    if (settings.target_size) return EncodeWithin(*settings.target_size, image, look, settings, out);
+    return EncodeAt(image, look, settings, out);
 }
 
 } // namespace

@@ -287,14 +287,10 @@ ComponentResult WriteWithin(const PixelImage& image, const ExportSettings& setti
 }
 
 ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
-    try {
-        const std::uint32_t most = settings.target_size.value_or(0);
-        if (most > 0) return WriteWithin(image, settings, most, out);
-        const std::int32_t quality = settings.quality.value_or(kNormalQuality);
-        return Write(image, settings, {quality, 0, quality >= kLossless}, out);
-    } catch (const std::bad_alloc&) {
-        return memFullErr;
-    }
+    const std::uint32_t most = settings.target_size.value_or(0);
+    if (most > 0) return WriteWithin(image, settings, most, out);
+    const std::int32_t quality = settings.quality.value_or(kNormalQuality);
+    return Write(image, settings, {quality, 0, quality >= kLossless}, out);
 }
 
 /// Whether the data is a JP2 file that already is what the settings ask for.

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <new>
 
 namespace qt {
 namespace {
@@ -34,7 +33,7 @@ void ToDots(IndexedImage& dots) {
     for (std::uint8_t& index : dots.indices) index = Red(dots.palette[index]) < 128 ? 1 : 0;
 }
 
-ComponentResult EncodePage(const PixelImage& image, EncodedBytes& out) {
+ComponentResult Encode(const PixelImage& image, const ExportSettings& /*settings*/, EncodedBytes& out) {
     PixelImage page;
     IndexedImage dots{};
     if (const auto code = CutToPage(image, page); code != noErr) return code;
@@ -53,14 +52,6 @@ ComponentResult EncodePage(const PixelImage& image, EncodedBytes& out) {
         out.insert(out.end(), packed.begin(), packed.begin() + static_cast<std::ptrdiff_t>(size));
     }
     return noErr;
-}
-
-ComponentResult Encode(const PixelImage& image, const ExportSettings& /*settings*/, EncodedBytes& out) {
-    try {
-        return EncodePage(image, out);
-    } catch (const std::bad_alloc&) {
-        return memFullErr;
-    }
 }
 
 } // namespace

@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <array>
-#include <new>
 
 namespace qt {
 namespace {
@@ -277,7 +276,8 @@ std::int32_t DepthFor(const PixelImage& image, const ExportSettings& settings) {
     return found != kDepths.end() ? *found : 24;
 }
 
-ComponentResult EncodeAt(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
+ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
+    if (image.width() > kLargestSide || image.height() > kLargestSide) return codecSizeErr;
     const std::int32_t depth = DepthFor(image, settings);
     const bool is_direct = depth == 16 || depth == 24 || depth == 32;
     IndexedImage indexed{};
@@ -296,15 +296,6 @@ ComponentResult EncodeAt(const PixelImage& image, const ExportSettings& settings
     }
     writer.End();
     return noErr;
-}
-
-ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
-    if (image.width() > kLargestSide || image.height() > kLargestSide) return codecSizeErr;
-    try {
-        return EncodeAt(image, settings, out);
-    } catch (const std::bad_alloc&) {
-        return memFullErr;
-    }
 }
 
 } // namespace

@@ -130,7 +130,7 @@ Form FormOf(const PixelImage& image, std::int32_t depth) {
     }
 }
 
-ComponentResult Write(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
+ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
     constexpr std::array<unsigned char, 8> kSignature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
     const bool interlaced = settings.compression_method == 1;
     const Form form = FormOf(image, settings.depth.value_or(0));
@@ -146,14 +146,6 @@ ComponentResult Write(const PixelImage& image, const ExportSettings& settings, E
     PutRows({&image, form.quantised != 0 ? &indexed : nullptr, form.bits * samples}, interlaced, out);
     PutChunk("IEND", {}, out);
     return noErr;
-}
-
-ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
-    try {
-        return Write(image, settings, out);
-    } catch (const std::bad_alloc&) {
-        return memFullErr;
-    }
 }
 
 } // namespace

@@ -9,7 +9,6 @@
 #include "platform/quicktime/image_exporters/resolution.h"
 
 #include <algorithm>
-#include <new>
 #include <string_view>
 
 namespace qt {
@@ -220,15 +219,11 @@ std::int32_t DepthFor(const PixelImage& image, const ExportSettings& settings) {
 ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
     if (image.width() > kLargestSide || image.height() > kLargestSide) return codecSizeErr;
     const std::int32_t depth = DepthFor(image, settings);
-    try {
-        if (depth != 24 && depth != 32) return EncodeIndices(image, depth, settings, out);
-        const std::size_t most = 3 * PackedBound(static_cast<std::size_t>(image.width()));
-        out.reserve(out.size() + most * static_cast<std::size_t>(image.height())); // else it grows by copies
-        EncodeColours(image, depth == 32 && image.has_alpha, settings, out);
-        return noErr;
-    } catch (const std::bad_alloc&) {
-        return memFullErr;
-    }
+    if (depth != 24 && depth != 32) return EncodeIndices(image, depth, settings, out);
+    const std::size_t most = 3 * PackedBound(static_cast<std::size_t>(image.width()));
+    out.reserve(out.size() + most * static_cast<std::size_t>(image.height())); // else it grows by copies
+    EncodeColours(image, depth == 32 && image.has_alpha, settings, out);
+    return noErr;
 }
 
 } // namespace

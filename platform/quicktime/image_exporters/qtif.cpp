@@ -5,7 +5,6 @@
 #include "platform/quicktime/image_exporters/resolution.h"
 
 #include <array>
-#include <new>
 
 namespace qt {
 namespace {
@@ -84,7 +83,7 @@ ComponentResult AppendJpeg(const PixelImage& image, const ExportSettings& settin
     return exporter->encode(image, settings, out);
 }
 
-ComponentResult EncodeAt(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
+ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
     const std::size_t begin = out.size();
     ImageDescription description = Describe(image, settings);
     const bool keeps_alpha = image.has_alpha && settings.depth.value_or(32) == 32;
@@ -107,14 +106,6 @@ ComponentResult EncodeAt(const PixelImage& image, const ExportSettings& settings
         if (const auto code = AppendJpeg(image, settings, out); code != noErr) return code;
     }
     return Complete(begin, out);
-}
-
-ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
-    try {
-        return EncodeAt(image, settings, out);
-    } catch (const std::bad_alloc&) {
-        return memFullErr;
-    }
 }
 
 /// Any image that is a JPEG or PNG as a whole can be the data.

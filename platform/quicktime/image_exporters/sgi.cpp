@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <new>
 
 namespace qt {
 namespace {
@@ -106,7 +105,7 @@ private:
     std::vector<std::byte> samples_;
 };
 
-ComponentResult Write(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
+ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
     const std::int32_t depth = settings.depth.value_or(0);
     const std::uint32_t channels = ChannelsOf(image, depth);
     const bool has_runs = settings.compression_method != kPlainMethod;
@@ -136,14 +135,6 @@ ComponentResult Write(const PixelImage& image, const ExportSettings& settings, E
         }
     }
     return noErr;
-}
-
-ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
-    try {
-        return Write(image, settings, out);
-    } catch (const std::bad_alloc&) {
-        return memFullErr;
-    }
 }
 
 } // namespace

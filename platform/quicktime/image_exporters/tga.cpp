@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <new>
 #include <string_view>
 
 namespace qt {
@@ -132,7 +131,7 @@ void AppendFooter(EncodedBytes& out) {
     out.insert(out.end(), bytes.begin(), bytes.end());
 }
 
-ComponentResult Write(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
+ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
     const Form form = FormOf(image, settings.depth.value_or(0));
     const bool has_runs = settings.compression_method != kPlainMethod;
     IndexedImage indexed{};
@@ -165,14 +164,6 @@ ComponentResult Write(const PixelImage& image, const ExportSettings& settings, E
     }
     AppendFooter(out);
     return noErr;
-}
-
-ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
-    try {
-        return Write(image, settings, out);
-    } catch (const std::bad_alloc&) {
-        return memFullErr;
-    }
 }
 
 } // namespace

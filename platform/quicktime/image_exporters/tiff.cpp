@@ -208,7 +208,7 @@ void MakeLevels(const Form& form, IndexedImage& indexed) {
     }
 }
 
-ComponentResult Write(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
+ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
     const Form form = FormOf(image, settings.depth.value_or(0));
     IndexedImage indexed{};
     if (form.quantised != 0) {
@@ -232,14 +232,6 @@ ComponentResult Write(const PixelImage& image, const ExportSettings& settings, E
     const bool is_put = PutStrips(tiff.get(), image, form, indexed, row_bytes, rows_of_strip, packs) &&
                         g_tiff->WriteDirectory(tiff.get()) != 0;
     return is_put ? ComponentResult{noErr} : memFullErr;
-}
-
-ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, EncodedBytes& out) {
-    try {
-        return Write(image, settings, out);
-    } catch (const std::bad_alloc&) {
-        return memFullErr;
-    }
 }
 
 } // namespace
