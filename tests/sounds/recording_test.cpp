@@ -158,9 +158,8 @@ TEST_F(Recording, RefusesWhatIsNoTarget) {
 TEST_F(Recording, IsOneAtATime) {
     EXPECT_EQ(Error(kStop), -3155);
     EXPECT_EQ(LastError(), "$-3155:Media_RecordSoundStop: Plug-in tried to issue a call in a wrong internal "
-                           "state. Please contact, "
-                           "developer. There is no recording to stop. Call Media_RecordSoundStart before "
-                           "calling this function again.");
+                           "state. Please contact, developer. There is no recording to stop. Call "
+                           "Media_RecordSoundStart before calling this function again.");
     EXPECT_EQ(Error(kPause), 0);
     EXPECT_TRUE(LastError().ends_with(
         "You are currently not recording. Use Media_RecordSoundStart before using this function."));
@@ -224,10 +223,9 @@ TEST_F(Recording, UsesTheFormatOfTheDialog) {
     EXPECT_EQ(StartFile("r.mov"), 0);
     fm::CurrentSession().answers = {"ok"};
     EXPECT_EQ(Run(kFormatDialog, {}), "");
-    EXPECT_EQ(
-        LastError(),
-        "$-1:Media_RecordSoundFormatDialog: Unknown error. Recording not available at this time. Try to stop "
-        "current recording.");
+    EXPECT_EQ(LastError(),
+              "$-1:Media_RecordSoundFormatDialog: Unknown error. Recording not available at this "
+              "time. Try to stop current recording.");
     Pump(milliseconds(100));
     EXPECT_EQ(Error(kStop), 0);
     const std::string info = Run(kGetSoundInfo, {File("r.mov")});
@@ -238,17 +236,15 @@ TEST_F(Recording, UsesTheFormatOfTheDialog) {
 TEST_F(Recording, RecordersAllowWhatTheirStateAllows) {
     SoundRecorder recorder;
     using State = SoundRecorder::State;
-    constexpr auto kStartIt = &SoundRecorder::Start;
-    constexpr auto kStopIt = &SoundRecorder::Stop;
-    constexpr auto kPauseIt = &SoundRecorder::TogglePause;
     const auto refused = [&](std::initializer_list<std::int32_t (SoundRecorder::*)()> operations) {
         const State state = recorder.GetState();
         for (const auto operation : operations) EXPECT_EQ((recorder.*operation)(), kWrongState);
         EXPECT_EQ(recorder.GetState(), state);
     };
-    refused({kStartIt, kStopIt, kPauseIt, &SoundRecorder::Idle});
+    refused({&SoundRecorder::Start, &SoundRecorder::Stop, &SoundRecorder::TogglePause, &SoundRecorder::Idle});
     EXPECT_EQ(recorder.Create(), 0);
-    refused({&SoundRecorder::Create, kStartIt, kStopIt, kPauseIt});
+    refused(
+        {&SoundRecorder::Create, &SoundRecorder::Start, &SoundRecorder::Stop, &SoundRecorder::TogglePause});
     qt::DataReference output;
     const auto native = win32::ToNativePath(scratch.MakeFile("work/r.mov")).value();
     QTNewDataReferenceFromFullPathCFString(native, kQTWindowsPathStyle, 0, output);
@@ -260,17 +256,17 @@ TEST_F(Recording, RecordersAllowWhatTheirStateAllows) {
     EXPECT_EQ(status.seconds, status.bytes / 4 / kRate);
     EXPECT_EQ(recorder.Start(), 0);
     EXPECT_EQ(recorder.SetOutput(output), kWrongState);
-    refused({kStartIt});
+    refused({&SoundRecorder::Start});
     EXPECT_EQ(recorder.TogglePause(), 0);
     EXPECT_EQ(recorder.GetState(), State::kPaused);
-    refused({&SoundRecorder::Idle, kStartIt});
+    refused({&SoundRecorder::Idle, &SoundRecorder::Start});
     EXPECT_EQ(recorder.Stop(), 0);
     EXPECT_EQ(recorder.GetState(), State::kReady);
     EXPECT_EQ(recorder.Start(), -9408) << "each recording needs its output set";
     EXPECT_EQ(recorder.SetOutput(output), 0);
     EXPECT_EQ(recorder.Start(), 0);
     recorder.Dispose();
-    refused({&SoundRecorder::Create, kStartIt, kStopIt});
+    refused({&SoundRecorder::Create, &SoundRecorder::Start, &SoundRecorder::Stop});
 }
 
 } // namespace
