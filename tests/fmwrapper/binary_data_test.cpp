@@ -32,9 +32,7 @@ TEST(HostContainer, ReadsOnlyInsideAStream) {
     EXPECT_EQ(read(0, 7), "error -50");
     EXPECT_EQ(read(7, 0), "error -50");
     EXPECT_EQ(read(0xFFFFFFFF, 2), "error -50");
-    FM_Status status = kFM_StatusOk;
-    EXPECT_EQ(FM_BinaryData_GetSize(binary.get(), 1, &status), 0U);
-    EXPECT_EQ(status, kFM_StatusFailed);
+    EXPECT_EQ(Failure(FM_BinaryData_GetSize, binary.get(), 1), kFM_StatusFailed);
 }
 
 TEST(HostContainer, SharesBytesBetweenCopies) {

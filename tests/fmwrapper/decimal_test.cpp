@@ -70,15 +70,10 @@ TEST(Decimal, DividesToSixteenSignificantDigits) {
 }
 
 TEST(Decimal, RoundsHalfAwayFromZero) {
-    struct Case {
-        const char* number;
-        int places;
-        const char* rounded;
-    };
-    const Case cases[] = {{"2.5", 0, "3"},        {"-2.5", 0, "-3"},    {"2.45", 1, "2.5"},
-                          {"2.449", 1, "2.4"},    {"1250", -2, "1300"}, {"1249", -2, "1200"},
-                          {"0.5", -3, "0"},       {"1.5", 9, "1.5"},    {"9.99", 1, "10"},
-                          {"4", -2147483647, "0"}};
+    const std::tuple<const char*, int, const char*> cases[] = {
+        {"2.5", 0, "3"},      {"-2.5", 0, "-3"},      {"2.45", 1, "2.5"}, {"2.449", 1, "2.4"},
+        {"1250", -2, "1300"}, {"1249", -2, "1200"},   {"0.5", -3, "0"},   {"1.5", 9, "1.5"},
+        {"9.99", 1, "10"},    {"4", -2147483647, "0"}};
     for (const auto& [number, places, rounded] : cases)
         EXPECT_EQ(Number(number).Rounded(places).ToText(), rounded) << number << " to " << places;
     EXPECT_EQ(Number("-1.2").Floor().ToText(), "-2");

@@ -9,10 +9,20 @@ namespace {
 
 class Fault : public testing::Test {
 protected:
-    ~Fault() override { fm::FailNothing(); }
+    ~Fault() override {
+        fm::FailNothing();
+        EXPECT_EQ(fm::LiveObjects(), before_);
+    }
+
+    const std::int64_t before_ = fm::LiveObjects();
 };
 
-using MemoryBlocks = Fault;
+class MemoryBlocks : public Fault {
+protected:
+    MemoryBlocks() { fm::InstallServices(block); }
+
+    FM_CallBlock block{};
+};
 
 } // namespace
 
@@ -20,9 +30,7 @@ TEST_F(Fault, HitsTheChosenOperationOnceAndChangesNothing) {
     const TextPointer text = NewText(u"abc");
     fm::FailOperation(1, kFM_StatusNoMemory);
     EXPECT_EQ(Done(FM_Text_GetSize, text.get()), 3);
-    FM_Status status = kFM_StatusOk;
-    FM_Text_DeleteText(text.get(), 0, kFM_ToEnd, &status);
-    EXPECT_EQ(status, kFM_StatusNoMemory);
+    EXPECT_EQ(Failure(FM_Text_DeleteText, text.get(), 0, kFM_ToEnd), kFM_StatusNoMemory);
     EXPECT_EQ(Done(FM_Text_GetSize, text.get()), 3);
 }
 
@@ -31,35 +39,19 @@ TEST_F(Fault, CountsOnlyTheNamedOperation) {
     fm::FailOperation(1, kFM_StatusFailed, "FM_Text_GetSize");
     EXPECT_FALSE(Done(FM_Text_operatorEQ, text.get(), NewText(u"").get()));
     EXPECT_EQ(Done(FM_Text_GetSize, text.get()), 3);
-    FM_Status status = kFM_StatusOk;
-    EXPECT_EQ(FM_Text_GetSize(text.get(), &status), 0);
-    EXPECT_EQ(status, kFM_StatusFailed);
+    EXPECT_EQ(Failure(FM_Text_GetSize, text.get()), kFM_StatusFailed);
 }
 
-TEST_F(Fault, ARefusedDeletionStillReleases) {
-    const std::int64_t before = fm::LiveObjects();
+TEST_F(Fault, ARefusedDeletionStillReleasesAndARefusedConstructionMakesNothing) {
     FM_Text* text = Done(FM_Text_Constructor1);
-    EXPECT_EQ(fm::LiveObjects(), before + 1);
+    EXPECT_EQ(fm::LiveObjects(), before_ + 1);
     fm::FailOperation(0, kFM_StatusFailed);
-    FM_Status status = kFM_StatusOk;
-    FM_Text_Delete(text, &status);
-    EXPECT_EQ(status, kFM_StatusFailed);
-    EXPECT_EQ(fm::LiveObjects(), before);
-}
-
-TEST_F(Fault, ARefusedConstructionMakesNothing) {
-    const std::int64_t before = fm::LiveObjects();
+    EXPECT_EQ(Failure(FM_Text_Delete, text), kFM_StatusFailed);
     fm::FailOperation(0, kFM_StatusNoMemory, "FM_BinaryData_Constructor1");
-    FM_Status status = kFM_StatusOk;
-    EXPECT_EQ(FM_BinaryData_Constructor1(&status), nullptr);
-    EXPECT_EQ(status, kFM_StatusNoMemory);
-    EXPECT_EQ(fm::LiveObjects(), before);
+    EXPECT_EQ(Failure(FM_BinaryData_Constructor1), kFM_StatusNoMemory);
 }
 
 TEST_F(MemoryBlocks, GrowAndKeepTheirBytes) {
-    FM_CallBlock block{};
-    fm::InstallServices(block);
-    const std::int64_t before = fm::LiveObjects();
     FM_MemoryHandle handle = block.new_memory_block(0);
     ASSERT_NE(handle, nullptr);
     EXPECT_EQ(block.memory_block_size(handle), 0);
@@ -74,14 +66,11 @@ TEST_F(MemoryBlocks, GrowAndKeepTheirBytes) {
     }
     block.lock_memory_block(handle);
     EXPECT_EQ(std::string(*handle, 300), expected);
-    EXPECT_EQ(fm::LiveObjects(), before + 1);
+    EXPECT_EQ(fm::LiveObjects(), before_ + 1);
     block.dispose_memory_block(handle);
-    EXPECT_EQ(fm::LiveObjects(), before);
 }
 
 TEST_F(MemoryBlocks, SayThatMemoryIsFullAndStayAsTheyWere) {
-    FM_CallBlock block{};
-    fm::InstallServices(block);
     FM_MemoryHandle handle = block.new_memory_block(5);
     fm::FailOperation(0, kFM_StatusNoMemory);
     block.resize_memory_block(handle, 10);

@@ -24,12 +24,21 @@ Result Done(Result (*operation)(Parameters...), Arguments... arguments) {
     }
 }
 
+/// The status of an operation that has to fail, and answers nothing.
+template <class Result, class... Parameters, class... Arguments>
+FM_Status Failure(Result (*operation)(Parameters...), Arguments... arguments) {
+    FM_Status status = kFM_StatusOk;
+    if constexpr (std::is_void_v<Result>) {
+        operation(arguments..., &status);
+    } else {
+        EXPECT_EQ(operation(arguments..., &status), Result());
+    }
+    return status;
+}
+
 template <auto Delete>
 struct Deleter {
-    void operator()(auto* object) const {
-        FM_Status status = kFM_StatusOk;
-        Delete(object, &status);
-    }
+    void operator()(auto* object) const { Done(Delete, object); }
 };
 
 using TextPointer = std::unique_ptr<FM_Text, Deleter<FM_Text_Delete>>;

@@ -1,7 +1,5 @@
 #include "tests/fmwrapper/host_values.h"
 
-#include <array>
-
 namespace {
 
 // At most `room` bytes of the slice, the terminator included in the room.
@@ -34,15 +32,16 @@ TEST(HostText, TakesEightBitTextInEachEncoding) {
 
 TEST(HostText, CutsBytesAtACharacter) {
     const TextPointer text = NewText(u"aß" + kClef + u"€");
-    EXPECT_EQ(Bytes(text.get(), 64), "aß\U0001D11E€");
-    EXPECT_EQ(Bytes(text.get(), 1), "");
-    EXPECT_EQ(Bytes(text.get(), 2), "a");
-    EXPECT_EQ(Bytes(text.get(), 3), "a");
-    EXPECT_EQ(Bytes(text.get(), 4), "aß");
-    EXPECT_EQ(Bytes(text.get(), 7), "aß");
-    EXPECT_EQ(Bytes(text.get(), 8), "aß\U0001D11E");
-    EXPECT_EQ(Bytes(text.get(), 10), "aß\U0001D11E");
-    EXPECT_EQ(Bytes(text.get(), 11), "aß\U0001D11E€");
+    const std::pair<int, const char*> cases[] = {{1, ""},
+                                                 {2, "a"},
+                                                 {3, "a"},
+                                                 {4, "aß"},
+                                                 {7, "aß"},
+                                                 {8, "aß\U0001D11E"},
+                                                 {10, "aß\U0001D11E"},
+                                                 {11, "aß\U0001D11E€"},
+                                                 {64, "aß\U0001D11E€"}};
+    for (const auto& [room, bytes] : cases) EXPECT_EQ(Bytes(text.get(), room), bytes) << room;
 }
 
 TEST(HostText, SlicesInUnitsEvenInsideACharacter) {
@@ -87,14 +86,11 @@ TEST(HostText, ComparesUnitByUnit) {
 
 TEST(HostText, RefusesImpossiblePositionsAndChangesNothing) {
     const TextPointer text = NewText(u"abc");
-    FM_Status status = kFM_StatusOk;
-    FM_Text_DeleteText(text.get(), -1, 1, &status);
-    EXPECT_EQ(status, kFM_StatusFailed);
-    FM_Text_AssignWithLength(text.get(), "x", -1, kFM_EncodingUTF8, &status);
-    EXPECT_EQ(status, kFM_StatusFailed);
-    std::array<char, 4> buffer{'#', '#', '#', '#'};
-    FM_Text_GetBytes(text.get(), buffer.data(), 0, 0, kFM_ToEnd, kFM_EncodingUTF8, &status);
-    EXPECT_EQ(status, kFM_StatusFailed);
-    EXPECT_EQ(buffer[0], '#');
+    EXPECT_EQ(Failure(FM_Text_DeleteText, text.get(), -1, 1), kFM_StatusFailed);
+    EXPECT_EQ(Failure(FM_Text_AssignWithLength, text.get(), "x", -1, kFM_EncodingUTF8), kFM_StatusFailed);
+    char byte = '#';
+    EXPECT_EQ(Failure(FM_Text_GetBytes, text.get(), &byte, 0, 0, kFM_ToEnd, kFM_EncodingUTF8),
+              kFM_StatusFailed);
+    EXPECT_EQ(byte, '#');
     EXPECT_EQ(Units(text.get()), u"abc");
 }

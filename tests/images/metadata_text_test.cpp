@@ -11,7 +11,6 @@ using namespace std::string_literals;
 TEST(MetadataText, KeepsToItsLimits) {
     MetadataText text;
     text.AddLine("a\nb\xE9");
-    EXPECT_EQ(text.Utf8(), "a\rb\xC3\xA9\r");
     text.AddLine(std::string(300, 'x'));
     EXPECT_EQ(text.Utf8(), "a\rb\xC3\xA9\r" + std::string(198, 'x') + "\r");
     for (int i = 0; i < 20; ++i) text.AddLine(std::string(198, 'y'));

@@ -19,9 +19,8 @@ protected:
     void SetUp() override {
         ResetImageSettings();
         const test::Bytes bytes = images_.MakeBytes("-size 320x240 xc:black", "png24:black.png");
-        Handle handle = nullptr;
-        ASSERT_EQ(PtrToHand(bytes.data(), &handle, static_cast<Size>(bytes.size())), noErr);
-        data_ = qt::MemoryHandle(handle);
+        data_ = qt::MemoryHandle(NewHandle(static_cast<Size>(bytes.size())));
+        std::ranges::copy(bytes, qt::HandleBytes(data_.get()).begin());
         ComponentInstance importer = nullptr;
         ASSERT_EQ(OpenADefaultComponent(qt::kGraphicsImporter, qt::Code("PNGf"), &importer), noErr);
         importer_.reset(importer);
@@ -76,13 +75,9 @@ TEST_F(PreviewTest, LeavesThinLinesUnpainted) {
     EXPECT_LT(Brightness(image, 20, 120), 16);
 }
 
-TEST_F(PreviewTest, FollowsItsSettings) {
+TEST_F(PreviewTest, IsWholeWithoutTheMark) {
     CurrentPreviewSettings() = {1024, false};
     EXPECT_LT(Brightness(Picture(), 28, 15), 16);
-    CurrentPreviewSettings() = {-1, true};
-    const Preview none = MakePreview(importer_.get());
-    EXPECT_FALSE(none.jpeg);
-    EXPECT_EQ(Edges(none.bounds), (std::array{0, 0, 320, 240}));
 }
 
 } // namespace

@@ -51,18 +51,6 @@ TEST(FadeTimes, ComputesInSinglePrecision) {
     EXPECT_EQ(MakeFadeRamp(fade, 44100).begin, 882013248);
 }
 
-TEST(FadeTimes, RampsFromTheLevelOrToIt) {
-    const FadeRamp out = MakeFadeRamp({2 * 65536, 5 * 65536, 0.5F, true}, kScale);
-    EXPECT_EQ(out.begin, 1200);
-    EXPECT_EQ(out.end, 3000);
-    EXPECT_EQ(out.first_volume, 127);
-    EXPECT_EQ(out.last_volume, 0);
-    const FadeRamp in = MakeFadeRamp({0, 65535, 1.0F, false}, kScale);
-    EXPECT_EQ(in.end, 599);
-    EXPECT_EQ(in.first_volume, 0);
-    EXPECT_EQ(in.last_volume, 255);
-}
-
 TEST(FadeTimes, StaysInRangeInVeryLongMovies) {
     const Fade fade = SanitiseFade({FromEnd(0), FromEnd(32767), 1, true}, 2'147'483'647, 1);
     EXPECT_EQ(fade.end, 2'147'483'647);

@@ -5,16 +5,13 @@
 namespace corvane {
 namespace {
 
-TEST(HtmlColor, ReadsSixDigits) {
-    EXPECT_EQ(ParseHtmlColor("#ff8000"), (RgbColor{255, 128, 0}));
-    EXPECT_EQ(ParseHtmlColor(" \r #FF8000\r  "), (RgbColor{255, 128, 0}));
-    EXPECT_EQ(ParseHtmlColor("#0a1B2c"), (RgbColor{10, 27, 44}));
-}
-
-TEST(HtmlColor, TakesMissingDigitsAsZero) {
-    EXPECT_EQ(ParseHtmlColor("#F"), (RgbColor{240, 0, 0}));
-    EXPECT_EQ(ParseHtmlColor("#12345"), (RgbColor{0x12, 0x34, 0x50}));
-    EXPECT_EQ(ParseHtmlColor("#"), (RgbColor{0, 0, 0}));
+TEST(HtmlColor, ReadsSixDigitsAndTakesMissingOnesAsZero) {
+    const std::pair<const char*, RgbColor> cases[] = {{" \r #FF8000\r  ", {255, 128, 0}},
+                                                      {"#0a1B2c", {10, 27, 44}},
+                                                      {"#F", {240, 0, 0}},
+                                                      {"#12345", {0x12, 0x34, 0x50}},
+                                                      {"#", {0, 0, 0}}};
+    for (const auto& [text, color] : cases) EXPECT_EQ(ParseHtmlColor(text), color) << text;
 }
 
 TEST(HtmlColor, RefusesOtherTexts) {

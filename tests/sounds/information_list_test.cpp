@@ -53,33 +53,21 @@ TEST(InformationLine, HasAKeyAndAValue) {
     EXPECT_EQ(WithoutNote("a (x) (y)"), "a (x)");
 }
 
-TEST(InformationKeyPath, RunsOnIntoLaterSections) {
-    const std::string list = "Track 1\r  Volume: 1\rTrack 2\r  Volume: 2\r  Balance: 7\r";
-    EXPECT_EQ(FindInformationKey(list, "Track 1/Volume").value, "1");
-    EXPECT_EQ(FindInformationKey(list, "Track 2/Volume").value, "2");
-    EXPECT_EQ(FindInformationKey(list, "Track 1/Balance").value, "7");
-    EXPECT_EQ(FindInformationKey(list, "Track 2/Track 1").outcome, InformationSearch::kMissing);
-    EXPECT_EQ(FindInformationKey(list, "Volume").outcome, InformationSearch::kMissing) << "of another level";
-    EXPECT_EQ(FindInformationKey(list, "track 1").outcome, InformationSearch::kMissing) << "case counts";
-}
-
-TEST(InformationKeyPath, NamesAHeadingToo) {
-    const std::string list = "Track 1\r  Media\r    Duration (s): 000:00:01.000\r";
-    EXPECT_EQ(FindInformationKey(list, "Track 1/Media").value, "Media");
-    EXPECT_EQ(FindInformationKey(list, "Track 1/Media/Duration (s)").value, "000:00:01.000");
-    EXPECT_EQ(FindInformationKey(list, "Track 1/Media/Duration").value, "000:00:01.000");
-    EXPECT_EQ(FindInformationKey(list, "Track 1 (x)/Media").outcome, InformationSearch::kMissing)
-        << "a note counts before the last part";
-}
-
-TEST(InformationKeyPath, SlashesMakeLevels) {
-    const std::string list = "A\r  B: 1\r";
-    EXPECT_EQ(FindInformationKey(list, "A/B").value, "1");
-    for (const char* path : {"A/", "/A", "A//B", "A/B/", "A/(s)", "X/B"})
-        EXPECT_EQ(FindInformationKey(list, path).outcome, InformationSearch::kMissing) << path;
+TEST(InformationKeyPath, FindsLinesByTheirLevels) {
+    const std::string list = "Track 1\r  Volume (x): 1\r  Media\rTrack 2\r  Volume: 2\r  Balance: 7\r";
+    const std::pair<const char*, const char*> found[] = {{"Track 1/Volume", "1"},
+                                                         {"Track 1/Volume (x)", "1"},
+                                                         {"Track 2/Volume", "2"},
+                                                         {"Track 1/Media", "Media"},
+                                                         {"Track 1/Balance", "7"}}; // of a later section
+    for (const auto& [path, value] : found) EXPECT_EQ(FindInformationKey(list, path).value, value) << path;
+    using enum InformationSearch;
+    for (const char* path : {"Track 2/Track 1", "Volume", "track 1", "Track 1 (x)/Media", "Track 1/",
+                             "/Track 1", "Track 1//Volume", "Track 1/Volume/", "Track 1/(s)", "X/Volume"})
+        EXPECT_EQ(FindInformationKey(list, path).outcome, kMissing) << path;
     for (const char* path : {"", "/", "///"})
-        EXPECT_EQ(FindInformationKey(list, path).outcome, InformationSearch::kNoKey) << path;
-    EXPECT_EQ(FindInformationKey(list, "(s)").outcome, InformationSearch::kEmptyKey);
+        EXPECT_EQ(FindInformationKey(list, path).outcome, kNoKey) << path;
+    EXPECT_EQ(FindInformationKey(list, "(s)").outcome, kEmptyKey);
 }
 
 TEST(InformationKeyPath, DepthCostsNoStack) {

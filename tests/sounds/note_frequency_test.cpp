@@ -26,10 +26,8 @@ TEST(NoteFrequency, IsTheEqualTemperamentInFiveDigits) {
 }
 
 TEST(NoteFrequency, ReadsSignsInEitherCaseAndIgnoresTheRest) {
-    EXPECT_EQ(NoteFrequency("A4"), 440 * 65536);
-    EXPECT_EQ(NoteFrequency("Bb4"), 440 * 65536);
-    EXPECT_EQ(NoteFrequency("bB4"), 440 * 65536);
-    EXPECT_EQ(NoteFrequency("A4 and more"), 440 * 65536);
+    for (const char* name : {"A4", "Bb4", "bB4", "A4 and more"})
+        EXPECT_EQ(NoteFrequency(name), 440 * 65536) << name;
     EXPECT_EQ(NoteFrequency("h#3"), NoteFrequency("c4"));
     EXPECT_EQ(NoteFrequency("Cb5"), NoteFrequency("H4"));
     EXPECT_EQ(NoteFrequency("fb2"), NoteFrequency("E2"));

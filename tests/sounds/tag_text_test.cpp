@@ -50,7 +50,6 @@ TEST(TagText, IsNoneInBrokenData) {
 }
 
 TEST(TagText, IsWrittenInLatin1WhereThatIsEnough) {
-    EXPECT_EQ(EncodeTagText("Grüße", TagContent::kText), "\0Gr\xFC\xDF\x65"s);
     EXPECT_EQ(EncodeTagText("ÿ", TagContent::kComment), "\0XXX\0\xFF"s);
     EXPECT_EQ(EncodeTagText("aĀ", TagContent::kText), "\1\xFE\xFF\0a\1\0"s);
     EXPECT_EQ(EncodeTagText("Ā", TagContent::kComment), "\1XXX\xFE\xFF\0\0\xFE\xFF\1\0"s);
@@ -60,8 +59,6 @@ TEST(TagText, IsWrittenInLatin1WhereThatIsEnough) {
         EXPECT_EQ(Text(EncodeTagText(all, TagContent::kText)), all);
         EXPECT_EQ(Comment(EncodeTagText(all, TagContent::kComment)), all);
     }
-    const std::string million(1'000'000, 'x');
-    EXPECT_EQ(Text(EncodeTagText(million, TagContent::kText)), million);
 }
 
 TEST(TagText, OfAGenreIsANumberOrAName) {

@@ -6,18 +6,15 @@ namespace corvane {
 namespace {
 
 TEST(TrackChannel, ReadsTrackAndChannel) {
-    EXPECT_EQ(ParseTrackChannel("1"), (TrackChannel{1, kAllChannels}));
-    EXPECT_EQ(ParseTrackChannel(" \r+12 \r"), (TrackChannel{12, kAllChannels}));
-    EXPECT_EQ(ParseTrackChannel("1/left"), (TrackChannel{1, 0}));
-    EXPECT_EQ(ParseTrackChannel("1/RIGHT\r"), (TrackChannel{1, 1}));
-    EXPECT_EQ(ParseTrackChannel("3/aLl"), (TrackChannel{3, kAllChannels}));
-    EXPECT_EQ(ParseTrackChannel("2/0"), (TrackChannel{2, 0}));
-    EXPECT_EQ(ParseTrackChannel("2/+05  "), (TrackChannel{2, 5}));
-}
-
-TEST(TrackChannel, KeepsHugeNumbersInRange) {
-    EXPECT_EQ(ParseTrackChannel("4294967297/4294967296"), (TrackChannel{4294967295U, 2147483647}));
-    EXPECT_EQ(ParseTrackChannel(std::string(100000, '9')), (TrackChannel{4294967295U, kAllChannels}));
+    const std::pair<std::string, TrackChannel> cases[] = {
+        {" \r+12 \r", {12, kAllChannels}},
+        {"1/left", {1, 0}},
+        {"1/RIGHT\r", {1, 1}},
+        {"3/aLl", {3, kAllChannels}},
+        {"2/+05  ", {2, 5}},
+        {"4294967297/4294967296", {4294967295U, 2147483647}},
+        {std::string(100000, '9'), {4294967295U, kAllChannels}}};
+    for (const auto& [text, place] : cases) EXPECT_EQ(ParseTrackChannel(text), place) << text;
 }
 
 TEST(TrackChannel, RefusesOtherTexts) {

@@ -1,6 +1,9 @@
 // A display without a screen, and a person who types there.
 #pragma once
 
+#include "platform/fmwrapper/session.h"
+
+#include <memory>
 #include <string>
 #include <sys/types.h>
 
@@ -35,5 +38,10 @@ private:
     std::string title_;
     pid_t process_ = 0;
 };
+
+/// Another program's window, as window managers leave it: with a frame around it, and called the active one
+/// until the pointer ends. `inside` is the window without its frame, whose borders are as wide as the sides
+/// of `borders` say.
+std::shared_ptr<void> ShowManagedWindow(const fm::Rectangle& inside, const fm::Rectangle& borders);
 
 } // namespace corvane::test

@@ -6,7 +6,7 @@
 #include "platform/win32/settings_dialog.h"
 #include "platform/win32/windows_module.h"
 #include "tests/support/fake_host.h"
-#include "tests/ui/managed_window.h"
+#include "tests/support/files.h"
 #include "tests/ui/virtual_display.h"
 #include "ui/standard_alert.h"
 
@@ -95,12 +95,8 @@ std::u16string OpenFile(DWORD capacity, const WCHAR* title, DWORD flags) {
 }
 
 TEST_F(Windows, OpenFileBeginsInItsFolder) {
-    {
-        const Person person("Insert QuickTime", "xdotool key ctrl+l type sea.jpg; xdotool key Return");
-        EXPECT_EQ(OpenFile(MAX_PATH, u"Insert QuickTime", OFN_FILEMUSTEXIST), u"C:\\Data\\sea.jpg");
-    }
-    {
-        const Person person("Insert QuickTime", "xdotool key ctrl+l type sea.jpg; xdotool key alt+i");
+    for (const std::string key : {"Return", "alt+i"}) {
+        const Person person("Insert QuickTime", "xdotool key ctrl+l type sea.jpg; xdotool key " + key);
         EXPECT_EQ(OpenFile(MAX_PATH, u"Insert QuickTime", OFN_FILEMUSTEXIST), u"C:\\Data\\sea.jpg");
     }
     const Person person("Open", "xdotool key Escape");
@@ -135,29 +131,15 @@ TEST_F(Windows, ChoosesFolders) {
     EXPECT_FALSE(win32::BrowseForFolder({}));
 }
 
-SettingControl Control(const char* key, const char* label, SettingControl::Kind kind, const char* value) {
-    SettingControl control;
-    control.key = key;
-    control.label = label;
-    control.kind = kind;
-    control.value = value;
-    return control;
-}
-
 SettingsDialog SampleDialog() {
-    SettingControl radius = Control("radius", "Radius", SettingControl::Kind::kNumber, "2.5");
-    radius.minimum = 0;
-    radius.maximum = 100;
-    radius.step = 0.1;
-    radius.unit = "pixels";
-    SettingControl method = Control("method", "Method", SettingControl::Kind::kChoice, "8");
-    method.choices = {{"1", "None"}, {"5", "LZW"}, {"8", "Deflate"}};
-    const SettingControl edges = Control("edges", "Keep edges", SettingControl::Kind::kToggle, "0");
-    const SettingControl colour = Control("colour", "Background", SettingControl::Kind::kColour, "#1A80ff");
-    const SettingControl note = Control("note", "Note", SettingControl::Kind::kText, "a");
-    SettingControl count = Control("count", "Number", SettingControl::Kind::kNumber, "7");
-    count.minimum = 1;
-    count.maximum = 4'000'000'000.0;
+    using enum SettingControl::Kind;
+    const SettingControl radius = {"radius", "Radius", kNumber, "2.5", 0, 100, 0.1, "pixels", {}};
+    const SettingControl method = {
+        "method", "Method", kChoice, "8", 0, 0, 1, "", {{"1", "None"}, {"5", "LZW"}, {"8", "Deflate"}}};
+    const SettingControl edges = {"edges", "Keep edges", kToggle, "0", 0, 0, 1, "", {}};
+    const SettingControl colour = {"colour", "Background", kColour, "#1A80ff", 0, 0, 1, "", {}};
+    const SettingControl note = {"note", "Note", kText, "a", 0, 0, 1, "", {}};
+    const SettingControl count = {"count", "Number", kNumber, "7", 1, 4'000'000'000.0, 1, "", {}};
 
     SettingsDialog dialog;
     dialog.title = "Effects";
@@ -169,19 +151,18 @@ SettingsDialog SampleDialog() {
     return dialog;
 }
 
-TEST_F(Windows, SettingsAreAnsweredAsShown) {
-    const Person person("Effects", "xdotool key Return");
-    const SettingValues expected = {{"effect", "blur"}, {"radius", "2.5"},     {"method", "8"},
-                                    {"edges", "0"},     {"colour", "#1a80ff"}, {"note", "a"}};
-    EXPECT_EQ(win32::AskForSettings(SampleDialog()), expected);
-}
-
-TEST_F(Windows, SettingsChangeByKeyboard) {
+TEST_F(Windows, SettingsAreAnsweredAsShownAndAsChanged) {
+    SettingValues expected = {{"effect", "blur"}, {"radius", "2.5"},     {"method", "8"},
+                              {"edges", "0"},     {"colour", "#1a80ff"}, {"note", "a"}};
+    {
+        const Person person("Effects", "xdotool key Return");
+        EXPECT_EQ(win32::AskForSettings(SampleDialog()), expected);
+    }
     const Person person("Effects", "xdotool key alt+r ctrl+a type 300.25; " // beyond the range
                                    "xdotool key alt+k alt+m Up alt+n ctrl+a; "
                                    "xdotool type 'b, c=d'; xdotool key Return");
-    const SettingValues expected = {{"effect", "blur"}, {"radius", "100"},     {"method", "5"},
-                                    {"edges", "1"},     {"colour", "#1a80ff"}, {"note", "b, c=d"}};
+    expected = {{"effect", "blur"}, {"radius", "100"},     {"method", "5"},
+                {"edges", "1"},     {"colour", "#1a80ff"}, {"note", "b, c=d"}};
     EXPECT_EQ(win32::AskForSettings(SampleDialog()), expected);
 }
 
@@ -205,24 +186,13 @@ TEST_F(Windows, SettingsAreCancelled) {
     }
 }
 
-win32::SettingsPreview Gradient(int size) {
-    win32::SettingsPreview picture;
-    picture.width = size;
-    picture.height = size / 2;
-    for (int y = 0; y < picture.height; ++y)
-        for (int x = 0; x < size; ++x)
-            picture.rgb.insert(picture.rgb.end(), {static_cast<std::uint8_t>(x * 255 / size), 128,
-                                                   static_cast<std::uint8_t>(y * 255 / picture.height)});
-    return picture;
-}
-
 TEST_F(Windows, PreviewFollowsTheSettings) {
     SettingsDialog dialog = SampleDialog();
-    std::vector<SettingValues> shown;
+    int shown = 0;
     dialog.preview = [&](const SettingValues& values) {
-        shown.push_back(values);
         drives_.MakeFile("shown" + values[1].second);
-        return shown.size() == 1 ? Gradient(360) : win32::SettingsPreview();
+        std::vector<std::uint8_t> grey(3 * 180 * 180, 128);
+        return ++shown == 1 ? win32::SettingsPreview{180, 180, std::move(grey)} : win32::SettingsPreview();
     };
     SettingValues tried;
     dialog.action_label = "Try";
@@ -235,9 +205,6 @@ TEST_F(Windows, PreviewFollowsTheSettings) {
                             WaitFor("shown7") + "xdotool key alt+r ctrl+a type 9; xdotool key alt+t; " +
                             WaitFor("tried") + "xdotool key Escape");
     EXPECT_FALSE(win32::AskForSettings(dialog));
-    ASSERT_GE(shown.size(), 2U);
-    EXPECT_EQ(shown.front()[1].second, "2.5");
-    EXPECT_EQ(shown[1][1].second, "7");
     ASSERT_FALSE(tried.empty());
     EXPECT_EQ(tried[1].second, "9") << "typed and not yet confirmed";
 }
@@ -273,33 +240,23 @@ TEST_F(Windows, PointerAndWindowInFront) {
     ASSERT_TRUE(desk && desk->window);
     EXPECT_EQ(desk->pointer.x, 321);
     EXPECT_EQ(desk->pointer.y, 234);
-    std::FILE* file = std::fopen(geometry.c_str(), "r");
-    int window = 0;
-    int left = 0;
-    int top = 0;
-    int width = 0;
-    int height = 0;
-    ASSERT_EQ(
-        std::fscanf(file, "WINDOW=%d X=%d Y=%d WIDTH=%d HEIGHT=%d", &window, &left, &top, &width, &height),
-        5);
-    std::fclose(file);
-    EXPECT_EQ(desk->window->left, left);
-    EXPECT_EQ(desk->window->top, top);
-    EXPECT_EQ(desk->window->right, left + width);
-    EXPECT_EQ(desk->window->bottom, top + height);
+    const auto [left, top, right, bottom] = *desk->window;
+    const std::string expected = "\nX=" + std::to_string(left) + "\nY=" + std::to_string(top) +
+                                 "\nWIDTH=" + std::to_string(right - left) +
+                                 "\nHEIGHT=" + std::to_string(bottom - top) + "\n";
+    const std::string told = corvane::test::ReadBytes(geometry);
+    EXPECT_NE(told.find(expected), std::string::npos) << told << expected;
 }
 
 TEST_F(Windows, TheWindowInFrontHasItsFrame) {
     const win32::WindowsModule* windows = win32::OpenWindows();
     ASSERT_NE(windows, nullptr);
     {
-        const corvane::test::ManagedWindow window({100, 80, 400, 280}, {3, 25, 4, 6});
+        const auto window = corvane::test::ShowManagedWindow({100, 80, 400, 280}, {3, 25, 4, 6});
         const auto frame = windows->pointer_and_window().value().window;
         ASSERT_TRUE(frame);
-        EXPECT_EQ(frame->left, 97);
-        EXPECT_EQ(frame->top, 55);
-        EXPECT_EQ(frame->right, 404);
-        EXPECT_EQ(frame->bottom, 286);
+        const auto [left, top, right, bottom] = *frame;
+        EXPECT_EQ((std::array{left, top, right, bottom}), (std::array{97, 55, 404, 286}));
     }
     EXPECT_FALSE(windows->pointer_and_window().value().window);
 }
