@@ -48,6 +48,16 @@ struct Recording : SoundSession {
     static void ExpectIn(const std::string& text, const char* part) {
         EXPECT_NE(text.find(part), std::string::npos) << text;
     }
+    /// A file, `room` bytes long before the samples came, opens and lacks the last second at most.
+    void ExpectOpens(const std::string& file, std::uintmax_t room) {
+        const auto written = (std::filesystem::file_size(folder + "/" + file) - room) / sizeof(std::uint32_t);
+        const Frames frames = Recorded(file);
+        ASSERT_FALSE(frames.empty());
+        EXPECT_EQ(frames.front(), 1U);
+        EXPECT_EQ(Breaks(frames), 0);
+        EXPECT_GE(frames.size() + kRate * 13 / 10, written);
+        ExpectIn(Run(kGetSoundInfo, {File(file)}), "Sample Rate (Hz): 44100");
+    }
 
     test::EnvironmentVariable driver{"SDL_AUDIODRIVER", "disk"};
     test::EnvironmentVariable input{"SDL_DISKAUDIOFILEIN", folder + "/input.raw"};
@@ -77,23 +87,27 @@ TEST_F(Recording, HasEveryFrameButThoseOfThePause) {
     EXPECT_GT(frames.back() - frames.front() + 1 - frames.size(), kRate / 20) << "the pause is not in it";
 }
 
-// Whatever ends the process, a signal too, leaves the file as a copy finds it.
 TEST_F(Recording, CanBeOpenedAtAnyMomentUpToTheLastSecond) {
     EXPECT_EQ(StartFile("r.mov"), 0);
     const auto empty = std::filesystem::file_size(folder + "/r.mov");
     for (const int after : {100, 600, 700, 800}) {
         Pump(milliseconds(after));
         Shell("cp r.mov copy.mov");
-        const auto written =
-            (std::filesystem::file_size(folder + "/copy.mov") - empty) / sizeof(std::uint32_t);
-        const Frames frames = Recorded("copy.mov");
-        ASSERT_FALSE(frames.empty());
-        EXPECT_EQ(frames.front(), 1U);
-        EXPECT_EQ(Breaks(frames), 0);
-        EXPECT_GE(frames.size() + kRate * 13 / 10, written);
-        ExpectIn(Run(kGetSoundInfo, {File("copy.mov")}), "Sample Rate (Hz): 44100");
+        ExpectOpens("copy.mov", empty);
     }
     EXPECT_EQ(Error(kStop), 0);
+}
+
+TEST_F(Recording, OfAKilledProcessOpensUpToTheLastSecond) {
+    constexpr std::uintmax_t kRoom = 1U << 17; // in front of the samples
+    const std::string enough = std::to_string(kRoom + sizeof(std::uint32_t) * kRate * 3 / 2);
+    Shell("{ " CORVANE_PROGRAM " eval 'Media_RecordSoundStart ( \"/C:" + folder +
+          "/r.mov\" ; True )' 'HostPump ( 60 )' >/dev/null & recorder=$!; tries=0; "
+          "until [ \"$(stat -c %s r.mov 2>/dev/null || echo 0)\" -gt " +
+          enough +
+          " ]; do tries=$((tries + 1)); [ $tries -lt 300 ] || break; sleep 0.1; done; "
+          "kill -9 $recorder && [ $tries -lt 300 ]; }");
+    ExpectOpens("r.mov", kRoom);
 }
 
 TEST_F(Recording, GoesOnUntilAClick) {

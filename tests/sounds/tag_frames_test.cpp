@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <zlib.h>
 
 namespace corvane {
@@ -45,6 +46,18 @@ std::string FirstData(const std::string& bytes) {
     Id3Tag tag;
     if (!tag.Parse(bytes) || tag.Frames().empty()) return "-";
     return tag.DataOf(tag.Frames()[0]).value_or("-");
+}
+
+// Ids and contents of all frames, for comparing.
+std::string Contents(const Id3Tag& tag) {
+    std::string all;
+    for (const TagFrame& frame : tag.Frames())
+        all.append(frame.id)
+            .append("=")
+            .append(frame.content)
+            .append(std::to_string(frame.flags))
+            .append(";");
+    return all;
 }
 
 TEST(TagFrames, UndoWhatTheFlagsOfAFrameSay) {
@@ -116,6 +129,44 @@ TEST(TagFrames, GetRoomToGrowAndNoMoreThanTheVersionHolds) {
     }
     tag.Append("TIT2", std::string((std::size_t{1} << 28) - 21, 'x'));
     EXPECT_FALSE(tag.Render(0));
+}
+
+// Broken tags end in fewer frames, or in none; what is read can be written and read again.
+TEST(TagFrames, SurviveAThousandMutations) {
+    const std::string unsynchronised = "\1\xFF\0\xFEO\0l\0d\0"s;
+    const std::string seeds[] = {
+        TagBytes(2,
+                 FrameBytes(2, "TT2", "\0Old"s) + FrameBytes(2, "COM", "\0eng\0two"s) + std::string(9, '\0')),
+        TagBytes(3,
+                 FrameBytes(3, "TIT2", unsynchronised) +
+                     FrameBytes(3, "COMM", "\1eng\xFF\xFE\0\0\xFF\xFEx\0"s) +
+                     FrameBytes(3, "TPE1", Number(6, 4, 8) + Deflated("\0Hello"s), 0x80),
+                 0x80),
+        TagBytes(4,
+                 Number(6, 4, 7) + "\1\0"s + FrameBytes(4, "TCON", "\3(17)"s, 0x03) +
+                     FrameBytes(4, "TALB", std::string(200, 'x')) + FrameBytes(4, "TDRC", "\0002004-01"s),
+                 0xC0)};
+    std::mt19937 random(20);
+    int parsed = 0;
+    for (int i = 0; i < 1000; ++i) {
+        std::string bytes = seeds[i % 3];
+        for (unsigned change = 0; change < 1 + random() % 4; ++change) {
+            const std::size_t at = 3 + random() % (bytes.size() - 3);
+            bytes[at] = random() % 3 == 0 ? '\xFF' : static_cast<char>(random());
+        }
+        if (random() % 4 == 0) bytes.resize(10 + random() % bytes.size());
+        Id3Tag tag;
+        if (!tag.Parse(bytes)) continue;
+        ++parsed;
+        for (const TagFrame& frame : tag.Frames())
+            if (const TagName* name = NameOfFrame(frame.id)) TagValue(tag, frame, *name);
+        tag.Append(tag.Version() == 2 ? "TP2" : "TPE2", "\0end"s);
+        const std::optional<std::string> written = tag.Render(bytes.size());
+        Id3Tag again;
+        ASSERT_TRUE(written && again.Parse(*written)) << i;
+        EXPECT_EQ(Contents(again), Contents(tag)) << i;
+    }
+    EXPECT_GT(parsed, 500);
 }
 
 } // namespace
