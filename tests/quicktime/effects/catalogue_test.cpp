@@ -2,6 +2,7 @@
 #include "tests/quicktime/effects/effect_test.h"
 
 #include "platform/quicktime/effects/settings_xml.h"
+#include "tests/quicktime/components.h"
 
 #include <cctype>
 #include <set>
@@ -49,11 +50,9 @@ TEST(EffectTable, SettingsSurviveTheirTextAndTheirAtoms) {
         for (int round = 0; round < 20; ++round) {
             const qt::EffectSettings settings = RandomSettings(*effect, random);
             const auto read = qt::EffectSettingsFromXml(qt::EffectSettingsToXml(settings));
-            QTAtomContainer set = nullptr;
-            QTNewAtomContainer(&set);
-            const qt::MemoryHandle owner(set);
-            ASSERT_EQ(qt::WriteEffectSettings(settings, set), noErr);
-            const auto unpacked = qt::ReadEffectSettings(set);
+            const qt::MemoryHandle set = corvane::test::NewContainer();
+            ASSERT_EQ(qt::WriteEffectSettings(settings, set.get()), noErr);
+            const auto unpacked = qt::ReadEffectSettings(set.get());
             ASSERT_TRUE(read && unpacked) << effect->name;
             EXPECT_EQ(read->effect, effect);
             for (std::size_t i = 0; i < effect->parameters.size(); ++i) {
@@ -79,10 +78,7 @@ TEST(EffectTable, EveryEffectPaintsEveryPixelOfAnySize) {
                     settings.values.Set(i, round % 2 == 0 ? -1e9 : 1e9);
                 qt::PixelImage out = MakeImage(width, height, kStale);
                 ASSERT_EQ(qt::RenderEffect(settings, a, &b, out), noErr);
-                for (std::int32_t y = 0; y < height; ++y) {
-                    const auto* row = out.Row(y);
-                    EXPECT_EQ(std::count(row, row + width, kStale), 0) << effect->name << " row " << y;
-                }
+                EXPECT_EQ(std::ranges::count(PixelsOf(out), kStale), 0) << effect->name;
             }
         }
     }
@@ -94,32 +90,27 @@ TEST(EffectTable, OpaqueImagesStayOpaqueAndOneSourceKeepsItsAlpha) {
     for (const qt::Effect* effect : qt::Effects()) {
         const qt::EffectSettings settings = {effect, qt::EffectValues(effect->parameters)};
         const qt::PixelImage out = Render(settings, opaque, &opaque);
-        for (std::int32_t y = 0; y < out.height(); ++y) {
-            for (std::int32_t x = 0; x < out.width(); ++x) EXPECT_EQ(qt::Alpha(out.Row(y)[x]), 255U);
-        }
+        ForEachPixel(out, [&](int, int, std::uint32_t pixel) { EXPECT_EQ(qt::Alpha(pixel), 255U); });
         // A blur spreads alpha as well, and a tile has one for all its pixels.
         if (effect->sources == 2 || effect == &qt::kBlurEffect || effect == &qt::kMosaicEffect) continue;
         const qt::PixelImage kept = Render(settings, clear);
         EXPECT_TRUE(kept.has_alpha);
-        for (std::int32_t y = 0; y < out.height(); ++y) {
-            for (std::int32_t x = 0; x < out.width(); ++x)
-                EXPECT_EQ(qt::Alpha(kept.Row(y)[x]), qt::Alpha(clear.Row(y)[x])) << effect->name;
-        }
+        ForEachPixel(kept, [&](int x, int y, std::uint32_t pixel) {
+            EXPECT_EQ(qt::Alpha(pixel), qt::Alpha(clear.Row(y)[x])) << effect->name;
+        });
     }
 }
 
 // The bands of a large image fit together: each part of it looks like the same part drawn on one thread.
 TEST(EffectTable, LargeImagesHaveNoSeams) {
     const qt::PixelImage large = MakeNoise(1000, 700, false);
-    const qt::PixelImage part =
-        MakeImage(1000, 90, [&](std::int32_t x, std::int32_t y) { return large.Row(305 + y)[x]; });
+    const auto rows = [](const qt::PixelImage& image, std::int32_t top, std::int32_t height) {
+        return MakeImage(1000, height, [&](int x, int y) { return image.Row(top + y)[x]; });
+    };
+    const qt::PixelImage part = rows(large, 305, 90);
     for (const char* type : {"blur", "shrp", "edge", "embs", "genk", "brco", "hslb", "tint"}) {
-        const qt::PixelImage whole = Render(type, {}, large);
-        const qt::PixelImage alone = Render(type, {}, part);
-        const auto middle = [](const qt::PixelImage& image, std::int32_t top) {
-            return MakeImage(1000, 50, [&](std::int32_t x, std::int32_t y) { return image.Row(top + y)[x]; });
-        };
-        EXPECT_EQ(Difference(middle(whole, 325), middle(alone, 20)), 0U) << type;
+        const qt::PixelImage whole = rows(Render(type, {}, large), 325, 50);
+        EXPECT_EQ(Difference(whole, rows(Render(type, {}, part), 20, 50)), 0U) << type;
     }
 }
 
