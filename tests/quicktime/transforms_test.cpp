@@ -3,6 +3,8 @@
 #include "platform/quicktime/image_codecs/codec.h"
 #include "platform/quicktime/transform_bands.h"
 #include "platform/quicktime/transform_plan.h"
+#include "tests/quicktime/components.h"
+#include "tests/quicktime/pixels.h"
 #include "tests/support/made_images.h"
 
 #include <gtest/gtest.h>
@@ -15,8 +17,7 @@
 
 namespace {
 
-using corvane::test::FileBytes;
-using corvane::test::MadeImages;
+using namespace corvane::test;
 
 constexpr std::uint32_t kWhite = qt::Pixel(255, 255, 255);
 /// A picture with edges, fine lines and soft parts.
@@ -25,7 +26,7 @@ constexpr const char* kPicture =
     "-draw 'circle 300,225 450,300 line 25,425 575,10' -stroke yellow -strokewidth 5 "
     "-draw 'rectangle 50,50 550,400' -type TrueColor";
 
-qt::PixelImage Decoded(const qt::ImageCodec& codec, const corvane::test::Bytes& bytes) {
+qt::PixelImage Decoded(const qt::ImageCodec& codec, const Bytes& bytes) {
     qt::PixelImage image;
     EXPECT_EQ(codec.decode(*qt::MemorySource(bytes), 1, image), noErr);
     return image;
@@ -33,21 +34,14 @@ qt::PixelImage Decoded(const qt::ImageCodec& codec, const corvane::test::Bytes& 
 
 /// In decibels, over the colours of all pixels; 100 for equal ones.
 double PeakSignalToNoise(const qt::PixelImage& image, const qt::PixelImage& other) {
-    EXPECT_EQ(image.width(), other.width());
-    EXPECT_EQ(image.height(), other.height());
     if (image.width() != other.width() || image.height() != other.height()) return 0.0;
     double sum = 0.0;
-    for (std::int32_t y = 0; y < image.height(); ++y) {
-        for (std::int32_t x = 0; x < image.width(); ++x) {
-            for (int shift = 0; shift < 24; shift += 8) {
-                const auto level = [&](const qt::PixelImage& from) {
-                    return static_cast<double>(from.Row(y)[x] >> shift & 0xFF);
-                };
-                const double difference = level(image) - level(other);
-                sum += difference * difference;
-            }
+    ForEachPixel(image, [&](int x, int y, std::uint32_t pixel) {
+        for (int shift = 0; shift < 24; shift += 8) {
+            const auto level = [=](std::uint32_t of) { return static_cast<double>(of >> shift & 0xFF); };
+            sum += std::pow(level(pixel) - level(other.Row(y)[x]), 2);
         }
-    }
+    });
     const double count = 3.0 * image.width() * image.height();
     return sum == 0.0 ? 100.0 : 10.0 * std::log10(255.0 * 255.0 * count / sum);
 }
@@ -57,14 +51,9 @@ protected:
     /// Opens an importer on what convert makes.
     void Open(const std::string& arguments, const std::string& name, OSType type = qt::Code("PNGf")) {
         path_ = images_.Make(arguments, name);
-        const auto bytes = FileBytes(path_);
-        Handle handle = nullptr;
-        ASSERT_EQ(PtrToHand(bytes.data(), &handle, static_cast<Size>(bytes.size())), noErr);
-        ComponentInstance opened = nullptr;
-        ASSERT_EQ(OpenADefaultComponent(qt::kGraphicsImporter, type, &opened), noErr);
-        importer_.reset(opened);
-        data_ = qt::MemoryHandle(handle);
-        ASSERT_EQ(GraphicsImportSetDataHandle(opened, handle), noErr);
+        data_ = HandleOf(FileBytes(path_));
+        importer_ = OpenComponentOf(qt::kGraphicsImporter, type);
+        ASSERT_EQ(GraphicsImportSetDataHandle(importer_.get(), data_.get()), noErr);
         matrix_ = kIdentityMatrix;
     }
 
@@ -121,21 +110,14 @@ protected:
 
 TEST_F(Transforms, QuarterTurnsAndMirrorsOnlyMovePixels) {
     Open("-seed 3 -size 37x23 xc:gray +noise Random", "png32:a.png");
-    struct Case {
-        Fixed degrees;
-        Fixed scale_x;
-        const char* peer;
-    };
-    for (const Case& turn : {Case{90, 1, "-rotate 90"},
-                             {180, 1, "-rotate 180"},
-                             {270, 1, "-rotate 270"},
-                             {0, -1, "-flop"},
-                             {90, -1, "-rotate 90 -flop"},
-                             {360, 1, ""}}) {
-        matrix_ = kIdentityMatrix;
-        RotateMatrix(&matrix_, turn.degrees << 16, 0, 0);
-        ScaleMatrix(&matrix_, turn.scale_x << 16, 1 << 16, 0, 0);
-        EXPECT_GT(PeakSignalToNoise(Drawn(), Converted(turn.peer)), 99.0) << turn.peer;
+    for (const int degrees : {0, 90, 180, 270, 360}) {
+        for (const bool mirrored : {false, true}) {
+            matrix_ = kIdentityMatrix;
+            RotateMatrix(&matrix_, degrees << 16, 0, 0);
+            ScaleMatrix(&matrix_, mirrored ? -1 << 16 : 1 << 16, 1 << 16, 0, 0);
+            const std::string peer = "-rotate " + std::to_string(degrees) + (mirrored ? " -flop" : "");
+            EXPECT_GT(PeakSignalToNoise(Drawn(), Converted(peer)), 99.0) << peer;
+        }
     }
 }
 
@@ -180,23 +162,19 @@ TEST_F(Transforms, BendsAsOthersDo) {
 
 TEST_F(Transforms, WhatShrinksIsTheMeanOfWhatItCovers) {
     Open("-size 600x600 pattern:gray50", "png24:a.png"); // every other pixel black
-    const auto is_grey = [&](const qt::PixelImage& image, const Rect& part) {
-        for (std::int32_t y = part.top; y < part.bottom; ++y) {
-            for (std::int32_t x = part.left; x < part.right; ++x) {
-                const int level = static_cast<int>(qt::Green(image.Row(y)[x]));
-                if (std::abs(level - 128) > 24)
-                    return ::testing::AssertionFailure() << x << ',' << y << ": " << level;
-            }
-        }
-        return ::testing::AssertionSuccess();
+    const auto expect_grey = [&](const Rect& part) {
+        ForEachPixel(Drawn(), [&](int x, int y, std::uint32_t pixel) {
+            const bool within = x >= part.left && x < part.right && y >= part.top && y < part.bottom;
+            EXPECT_NEAR(within ? qt::Green(pixel) : 128, 128, 24) << x << ',' << y;
+        });
     };
     ScaleMatrix(&matrix_, X2Fix(0.37), X2Fix(0.37), 0, 0);
-    EXPECT_TRUE(is_grey(Drawn(), {2, 2, 220, 220}));
+    expect_grey({2, 2, 220, 220});
     RotateMatrix(&matrix_, 45 << 16, 0, 0);
-    EXPECT_TRUE(is_grey(Drawn(), {107, 107, 207, 207}));
+    expect_grey({107, 107, 207, 207});
     // A floor that goes away: its far part has a tenth of the size of its near part.
     MapQuad(600, 600, {{270, 0}, {330, 0}, {600, 300}, {0, 300}});
-    EXPECT_TRUE(is_grey(Drawn(), {2, 274, 40, 326}));
+    expect_grey({2, 274, 40, 326});
 }
 
 TEST_F(Transforms, EdgesAreAsOpaqueAsTheyAreCovered) {
@@ -209,12 +187,10 @@ TEST_F(Transforms, EdgesAreAsOpaqueAsTheyAreCovered) {
             const qt::PixelImage image = DrawnIntoPort({-170, -170, 330, 330});
             double area = 0.0;
             std::uint32_t colours = 0;
-            for (std::int32_t y = 0; y < 500; ++y) {
-                for (std::int32_t x = 0; x < 500; ++x) {
-                    area += qt::Alpha(image.Row(y)[x]) / 255.0;
-                    if (qt::Alpha(image.Row(y)[x]) > 0) colours |= image.Row(y)[x];
-                }
-            }
+            ForEachPixel(image, [&](int, int, std::uint32_t pixel) {
+                area += qt::Alpha(pixel) / 255.0;
+                if (qt::Alpha(pixel) > 0) colours |= pixel;
+            });
             const double expected = 101 * 57 * scale * scale;
             EXPECT_NEAR(area / expected, 1.0, degrees == 0.0 || degrees == 90.0 ? 0.03 : 0.006)
                 << degrees << ' ' << scale;
@@ -237,14 +213,10 @@ TEST_F(Transforms, TransparentPixelsLendNoColour) {
         const qt::PixelImage image = Drawn();
         EXPECT_TRUE(image.has_alpha);
         int partly = 0;
-        for (std::int32_t y = 0; y < image.height(); ++y) {
-            for (std::int32_t x = 0; x < image.width(); ++x) {
-                const std::uint32_t pixel = image.Row(y)[x];
-                if (qt::Alpha(pixel) == 0) continue;
-                ASSERT_EQ(qt::Red(pixel), 0U) << x << ',' << y;
-                partly += qt::Alpha(pixel) < 255 ? 1 : 0;
-            }
-        }
+        ForEachPixel(image, [&](int x, int y, std::uint32_t pixel) {
+            EXPECT_TRUE(qt::Alpha(pixel) == 0 || qt::Red(pixel) == 0) << x << ',' << y;
+            partly += qt::Alpha(pixel) > 0 && qt::Alpha(pixel) < 255 ? 1 : 0;
+        });
         EXPECT_GT(partly, 10);
     }
 }
@@ -257,12 +229,10 @@ TEST_F(Transforms, DrawsThePartOfTheSourceWithItsSurroundings) {
     const qt::PixelImage image = Drawn();
     ASSERT_EQ(image.width(), 160);
     ASSERT_EQ(image.height(), 25);
-    for (std::int32_t y = 0; y < 25; ++y) {
-        for (std::int32_t x = 0; x < 160; ++x) {
-            const bool within = x >= 40 && x < 120 && y >= 5 && y < 20;
-            ASSERT_EQ(image.Row(y)[x], within ? qt::Pixel(0, 0, 0) : kWhite) << x << ',' << y;
-        }
-    }
+    ForEachPixel(image, [](int x, int y, std::uint32_t pixel) {
+        const bool within = x >= 40 && x < 120 && y >= 5 && y < 20;
+        EXPECT_EQ(pixel, within ? qt::Pixel(0, 0, 0) : kWhite) << x << ',' << y;
+    });
 }
 
 TEST_F(Transforms, ReducedDecodingShowsTheSame) {

@@ -6,9 +6,7 @@
 
 namespace {
 
-using corvane::test::kStereo;
-using corvane::test::MovieOf;
-using corvane::test::MovieTest;
+using namespace corvane::test;
 
 class MovieEditing : public MovieTest {
 protected:
@@ -46,7 +44,7 @@ TEST_F(MovieEditing, ACopiedSelectionPlaysItsPartOnly) {
     const qt::OwnedMovie part(CopyMovieSelection(movie.get()));
     ASSERT_NE(part, nullptr);
     EXPECT_EQ(GetMovieDuration(part.get()), 30001);
-    EXPECT_EQ(Exported(part.get()), corvane::test::WaveSamples(Path("cut.wav")));
+    EXPECT_EQ(Exported(part.get()), WaveSamples(Path("cut.wav")));
     EXPECT_EQ(GetMovieDuration(movie.get()), 3 * 44100);
 }
 
@@ -77,7 +75,7 @@ TEST_F(MovieEditing, PastingAtTheEndAppends) {
     ASSERT_EQ(SetMovieSelection(movie.get(), GetMovieDuration(movie.get()), 0), noErr);
     ASSERT_EQ(PasteMovieSelection(movie.get(), second.get()), noErr);
     EXPECT_EQ(GetMovieDuration(movie.get()), 12345 + 23456);
-    EXPECT_EQ(Exported(movie.get()), corvane::test::WaveSamples(Path("joined.wav")));
+    EXPECT_EQ(Exported(movie.get()), WaveSamples(Path("joined.wav")));
 }
 
 TEST_F(MovieEditing, PastingReplacesTheSelectionAndMovesTheRest) {
@@ -105,7 +103,7 @@ TEST_F(MovieEditing, AMovieCanBePastedIntoItself) {
     const qt::OwnedMovie movie = Open("a.wav");
     ASSERT_EQ(SetMovieSelection(movie.get(), 1000, 0), noErr);
     ASSERT_EQ(PasteMovieSelection(movie.get(), movie.get()), noErr);
-    std::vector<std::int16_t> twice = corvane::test::WaveSamples(Path("a.wav"));
+    std::vector<std::int16_t> twice = WaveSamples(Path("a.wav"));
     const std::vector<std::int16_t> once = twice;
     twice.insert(twice.end(), once.begin(), once.end());
     EXPECT_EQ(Exported(movie.get()), twice);

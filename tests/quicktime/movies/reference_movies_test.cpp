@@ -8,7 +8,7 @@
 
 namespace {
 
-using corvane::test::MovieTest;
+using namespace corvane::test;
 
 class ReferenceMovies : public MovieTest {
 protected:
@@ -41,10 +41,10 @@ TEST_F(ReferenceMovies, StandForTheSamplesOfTheirSource) {
     ASSERT_TRUE(Run("sox -R -r 44100 -n -c 2 -b 16 s.wav synth 2 pinknoise gain -3"));
     ASSERT_TRUE(Run("sox s.wav s.aiff && lame -V 2 s.wav s.mp3 && ffmpeg -i s.wav -c:a aac s.m4a"));
     for (const char* source : {"s.wav", "s.aiff", "s.mp3", "s.m4a"}) {
-        const std::string before = corvane::test::ReadBytes(Path(source));
+        const std::string before = ReadBytes(Path(source));
         MakeReference(source, "s_ref.mov");
-        EXPECT_EQ(corvane::test::ReadBytes(Path(source)), before);
-        EXPECT_LT(corvane::test::ReadBytes(Path("s_ref.mov")).size(), 8000U) << source;
+        EXPECT_EQ(ReadBytes(Path(source)), before);
+        EXPECT_LT(ReadBytes(Path("s_ref.mov")).size(), 8000U) << source;
         const qt::OwnedMovie movie = Open("s_ref.mov");
         EXPECT_EQ(qt::FirstText(movie.get()), qt::kPlaceholderText);
         EXPECT_EQ(SourceOf(movie.get()), Path(source));

@@ -5,12 +5,11 @@
 
 namespace {
 
-using corvane::test::Block;
-using corvane::test::MovieTest;
+using namespace corvane::test;
 using qt::SampleEncoding;
 
 AudioStreamBasicDescription StreamOf(const qt::Bytes& description) {
-    const qt::MemoryHandle block = Block(description);
+    const qt::MemoryHandle block = HandleOf(description);
     const qt::MemoryHandle value(NewHandle(0));
     AudioStreamBasicDescription stream;
     EXPECT_EQ(QTSoundDescriptionGetProperty(block.get(), qt::Code("sdes"), qt::Code("asbd"), value.get()),
@@ -21,7 +20,7 @@ AudioStreamBasicDescription StreamOf(const qt::Bytes& description) {
 }
 
 SoundDescriptionV1 AsV1(const qt::Bytes& description) {
-    const qt::MemoryHandle block = Block(description);
+    const qt::MemoryHandle block = HandleOf(description);
     const qt::MemoryHandle converted(NewHandle(0));
     SoundDescriptionV1 first;
     EXPECT_EQ(QTSoundDescriptionConvertToV1(block.get(), converted.get()), noErr);
@@ -87,7 +86,7 @@ TEST(SoundDescriptions, CompressedOnesCarryTheirWaveFormat) {
     const SoundDescriptionV1 first = AsV1(description);
     EXPECT_EQ(first.compressionID, -2);
     EXPECT_GT(first.descSize, 52);
-    const qt::MemoryHandle block = Block(description);
+    const qt::MemoryHandle block = HandleOf(description);
     const qt::MemoryHandle wave(NewHandle(0));
     ASSERT_EQ(GetSoundDescriptionExtension(block.get(), wave.get(), qt::Code("wave")), noErr);
     const auto atoms = qt::HandleBytes(wave.get());
@@ -116,7 +115,7 @@ TEST(SoundDescriptions, NonsenseIsNone) {
         EXPECT_FALSE(qt::ReadSoundFormat(std::span(good).first(size)).has_value());
         EXPECT_FALSE(qt::SoundDescriptionFromFile(std::span(good).first(size)).has_value());
     }
-    const qt::MemoryHandle block = Block(qt::Bytes(36));
+    const qt::MemoryHandle block = HandleOf(qt::Bytes(36));
     const qt::MemoryHandle value(NewHandle(0));
     EXPECT_EQ(QTSoundDescriptionGetProperty(block.get(), qt::Code("sdes"), qt::Code("asbd"), value.get()),
               invalidSampleDescription);
@@ -130,16 +129,12 @@ TEST_F(StreamDescriptions, TellWhatTheDecoderNeeds) {
     ASSERT_TRUE(Run("ffmpeg -i s.wav -c:a aac -b:a 128k s.m4a && ffmpeg -i s.wav -c:a alac alac.m4a"));
     const auto description_of = [&](const char* name) {
         const qt::OwnedMovie movie = Open(name);
-        const qt::MemoryHandle block(NewHandle(0));
-        EXPECT_EQ(GetMediaSampleDescription(GetTrackMedia(GetMovieIndTrack(movie.get(), 1)), 1, block.get()),
-                  noErr);
-        const auto bytes = qt::HandleBytes(block.get());
-        return qt::Bytes(bytes.begin(), bytes.end());
+        return DescriptionOf(GetTrackMedia(GetMovieIndTrack(movie.get(), 1)));
     };
     const qt::Bytes aac = description_of("s.m4a");
     EXPECT_NEAR(qt::StatedBitRate(aac), 128000, 12000);
     EXPECT_EQ(StreamOf(aac).mFramesPerPacket, 1024U);
-    const qt::MemoryHandle block = Block(aac);
+    const qt::MemoryHandle block = HandleOf(aac);
     const qt::MemoryHandle cookie(NewHandle(0));
     EXPECT_EQ(QTSoundDescriptionGetProperty(block.get(), qt::Code("sdes"), qt::Code("kuki"), cookie.get()),
               noErr);

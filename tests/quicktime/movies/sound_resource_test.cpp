@@ -8,15 +8,12 @@
 
 namespace {
 
-using corvane::test::Block;
-using corvane::test::kStereo;
-using corvane::test::MovieOf;
-using corvane::test::MovieTest;
+using namespace corvane::test;
 
 class SoundResources : public MovieTest {
 protected:
     qt::OwnedMovie Paste(const qt::Bytes& resource) const {
-        const qt::MemoryHandle block = Block(resource);
+        const qt::MemoryHandle block = HandleOf(resource);
         qt::OwnedMovie movie(NewMovie(0));
         code_ = PasteHandleIntoMovie(block.get(), qt::Code("snd "), movie.get());
         return movie;
@@ -78,7 +75,7 @@ TEST_F(SoundResources, HoldTheSoundAsMonoBytes) {
     }
     const qt::OwnedMovie again = Paste(qt::Bytes(resource.begin(), resource.end()));
     ASSERT_EQ(code_, noErr);
-    const Track track = corvane::test::FirstSoundTrack(again.get());
+    const Track track = FirstSoundTrack(again.get());
     EXPECT_EQ(GetMediaDuration(GetTrackMedia(track)), 44100);
     EXPECT_EQ(GetMovieDuration(again.get()), 44100);
     EXPECT_EQ(PutMovieIntoTypedHandle(movie.get(), nullptr, qt::Code("PICT"), block.get()), cantFindHandler);
@@ -93,12 +90,10 @@ TEST_F(SoundResources, OfEveryHeaderAreRead) {
                            TimeScale scale) {
         const qt::OwnedMovie movie = Paste(resource);
         ASSERT_EQ(code_, noErr) << format;
-        const Media media = GetTrackMedia(corvane::test::FirstSoundTrack(movie.get()));
+        const Media media = GetTrackMedia(FirstSoundTrack(movie.get()));
         EXPECT_EQ(GetMediaDuration(media), frames) << format;
         EXPECT_EQ(GetMediaTimeScale(media), scale) << format;
-        const qt::MemoryHandle description(NewHandle(0));
-        ASSERT_EQ(GetMediaSampleDescription(media, 1, description.get()), noErr);
-        EXPECT_EQ(qt::ReadSoundFormat(qt::HandleBytes(description.get()))->data_format, qt::Code(format));
+        EXPECT_EQ(qt::ReadSoundFormat(DescriptionOf(media))->data_format, qt::Code(format));
         EXPECT_EQ(Exported(movie.get()).size(),
                   static_cast<std::size_t>(2 * ((frames * 44100 + scale / 2) / scale)))
             << format;
