@@ -177,9 +177,8 @@ TEST(UserDataLists, KeepTypesInOrderAndTextsByIndex) {
     const qt::OwnedUserData list(opened);
     EXPECT_EQ(GetNextUserDataType(opened, 0), 0U);
     for (const auto& [type, text] :
-         {std::pair(qt::Code("zzzz"), "1"), {qt::Code("aaaa"), "2"}, {qt::Code("zzzz"), "3"}}) {
+         {std::pair(qt::Code("zzzz"), "1"), {qt::Code("aaaa"), "2"}, {qt::Code("zzzz"), "3"}})
         EXPECT_EQ(AddUserDataText(opened, text, type), noErr);
-    }
     EXPECT_EQ(GetNextUserDataType(opened, 0), qt::Code("zzzz"));
     EXPECT_EQ(GetNextUserDataType(opened, qt::Code("zzzz")), qt::Code("aaaa"));
     EXPECT_EQ(GetNextUserDataType(opened, qt::Code("aaaa")), 0U);
@@ -188,8 +187,8 @@ TEST(UserDataLists, KeepTypesInOrderAndTextsByIndex) {
     std::string text;
     EXPECT_EQ(GetUserDataText(opened, text, qt::Code("zzzz"), 2), noErr);
     EXPECT_EQ(text, "3");
-    EXPECT_EQ(GetUserDataText(opened, text, qt::Code("zzzz"), 3), userDataItemNotFound);
-    EXPECT_EQ(GetUserDataText(opened, text, qt::Code("zzzz"), 0), userDataItemNotFound);
+    for (const int none : {0, 3})
+        EXPECT_EQ(GetUserDataText(opened, text, qt::Code("zzzz"), none), userDataItemNotFound);
 }
 
 } // namespace

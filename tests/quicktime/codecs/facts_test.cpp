@@ -43,7 +43,7 @@ TEST(ImageFacts, OfJpegAndPng) {
         const char* arguments;
         const char* file;
         std::pair<int, int> resolution;
-    } kCases[] = {
+    } cases[] = {
         {"-units PixelsPerInch -density 300x150", "dpi.jpg", {300, 150}},
         {"-units PixelsPerCentimeter -density 100", "dpcm.jpg", {254, 254}},
         {"-units Undefined -density 3x2", "aspect.jpg", {72, 72}},
@@ -51,7 +51,7 @@ TEST(ImageFacts, OfJpegAndPng) {
         {"-units PixelsPerInch -density 300x150", "dpi.png", {300, 150}},
         {"", "plain.png", {72, 72}},
     };
-    for (const auto& made : kCases) {
+    for (const auto& made : cases) {
         SCOPED_TRACE(made.file);
         const Bytes bytes = images.MakeBytes(std::string("-size 65x31 plasma: ") + made.arguments, made.file);
         const bool is_jpeg = std::string_view(made.file).ends_with("jpg");

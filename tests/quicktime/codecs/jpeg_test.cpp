@@ -137,10 +137,8 @@ TEST(JpegExporter, FollowsQualityDepthAndMethod) {
     }
     const Bytes grey = Written(qt::Code("JPEG"), image, AtDepth(40));
     EXPECT_EQ(FactsOf(qt::kJpegCodec, grey).description.depth, 40);
-    qt::ExportSettings progressive;
-    progressive.compression_method = 1;
-    const Bytes bytes = Written(qt::Code("JPEG"), image, progressive);
-    const Bytes frame = {std::byte{0xFF}, std::byte{0xC2}};
+    const Bytes bytes = Written(qt::Code("JPEG"), image, {{}, {}, {}, {}, {}, 1});
+    const Bytes frame = BytesOf({0xFF, 0xC2}); // progressive
     EXPECT_NE(std::search(bytes.begin(), bytes.end(), frame.begin(), frame.end()), bytes.end());
     EXPECT_EQ(MagickReads(images, bytes, "out.jpg"),
               MagickReads(images, Written(qt::Code("JPEG"), image), "out.jpg"));
@@ -151,20 +149,15 @@ TEST(JpegExporter, FollowsQualityDepthAndMethod) {
 TEST(JpegExporter, FindsTheBestQualityThatFits) {
     const MadeImages images;
     const qt::PixelImage image = MadeImage(images, "-size 300x200 -seed 7 plasma:red-blue");
+    const auto written = [&](std::optional<std::uint32_t> target, int quality) {
+        return Written(qt::Code("JPEG"), image, {{}, {}, {}, quality, target, {}});
+    };
     for (const std::uint32_t target : {3'000U, 8'000U, 20'000U}) {
-        qt::ExportSettings settings;
-        settings.target_size = target;
-        settings.quality = 1; // is not looked at
-        const Bytes bytes = Written(qt::Code("JPEG"), image, settings);
+        const Bytes bytes = written(target, 1); // whose quality is not looked at
         EXPECT_LE(bytes.size(), target);
         EXPECT_GT(bytes.size(), target * 7 / 10);
     }
-    qt::ExportSettings settings;
-    settings.target_size = 10;
-    const Bytes smallest = Written(qt::Code("JPEG"), image, settings);
-    settings.target_size.reset();
-    settings.quality = 0;
-    EXPECT_EQ(smallest, Written(qt::Code("JPEG"), image, settings)) << "nothing fits";
+    EXPECT_EQ(written(10, 1), written({}, 0)) << "nothing fits";
 }
 
 TEST(JpegExporter, PassesCompressedDataOn) {
@@ -189,9 +182,7 @@ TEST(JpegExporter, PassesCompressedDataOn) {
     EXPECT_EQ(TextsOf(qt::kJpegCodec, out), (Texts{{"cmt", "kept"}}));
     out.clear();
     EXPECT_FALSE(transcode(AtDepth(40), out));
-    qt::ExportSettings small;
-    small.target_size = 100;
-    EXPECT_FALSE(transcode(small, out));
+    EXPECT_FALSE(transcode({{}, {}, {}, {}, 100, {}}, out)) << "too large";
     EXPECT_EQ(out, Bytes());
 }
 

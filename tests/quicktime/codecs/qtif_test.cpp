@@ -47,7 +47,7 @@ TEST(Qtif, PlainPixelsOfEveryDepth) {
         int depth;
         Bytes data;
         Pixels pixels;
-    } kCases[] = {
+    } cases[] = {
         {2, 32, BytesOf({128, 1, 2, 3, 255, 4, 5, 6}), {0x80010203, 0xFF040506}},
         {1, 32, BytesOf({0, 1, 2, 3}), {0xFF010203}}, // the byte is unused
         {1, 24, BytesOf({1, 2, 3, 0}), {0xFF010203}}, // rows of even length
@@ -57,7 +57,7 @@ TEST(Qtif, PlainPixelsOfEveryDepth) {
         {2, 4, BytesOf({0x3F, 0}), {0xFFDD0806, 0xFF000000}},
         {2, 1, BytesOf({0x40, 0}), {0xFFFFFFFF, 0xFF000000}},
     };
-    for (const auto& [width, depth, data, pixels] : kCases)
+    for (const auto& [width, depth, data, pixels] : cases)
         EXPECT_EQ(PixelsOf(Decoded(MadeFile(qt::Code("raw "), width, 1, depth, data))), pixels) << depth;
     const Bytes colours =
         BytesOf({0, 0, 0, 0, 0x80, 0, 0, 1, 0, 0, 0, 0, 255, 255, 0, 0, 0, 0, 255, 255, 0, 0, 0, 0});

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <set>
 
 namespace {
 
@@ -52,21 +51,6 @@ double BlockError(const qt::PixelImage& image, const qt::IndexedImage& indexed, 
         }
     }
     return total / count;
-}
-
-TEST(Quantise, KeepsAnImageOfFewColours) {
-    const MadeImages images;
-    for (const auto& [depth, colours] : {std::pair(1, 2), {2, 4}, {4, 16}, {8, 256}}) {
-        SCOPED_TRACE(depth);
-        const qt::PixelImage image =
-            MadeImage(images, "-size 97x61 plasma:red-blue -dither None -colors " + std::to_string(colours));
-        const qt::IndexedImage indexed = Quantised(image, depth);
-        Pixels drawn;
-        for (const std::uint8_t index : indexed.indices) drawn.push_back(indexed.palette[index]);
-        EXPECT_EQ(drawn, PixelsOf(image));
-        const std::set<std::uint32_t> used(drawn.begin(), drawn.end());
-        EXPECT_EQ(indexed.palette, Pixels(used.begin(), used.end()));
-    }
 }
 
 TEST(Quantise, LooksAlikeFromAfar) {

@@ -74,13 +74,8 @@ TEST(RoundTrip, PixelsAndResolutionStay) {
         for (const auto& [width, height] : {std::pair(67, 41), std::pair(1, 1), std::pair(300, 5)}) {
             SCOPED_TRACE(NameOf(tried) + ", width " + std::to_string(width));
             const qt::PixelImage image = MadeImage(width, height, tried.depth == 32);
-            qt::ExportSettings settings;
-            settings.depth = tried.depth;
-            settings.quality = 1024;
-            settings.compression_method = tried.method;
-            settings.horizontal_resolution = 300 << 16;
-            settings.vertical_resolution = 150 << 16;
-            const Bytes bytes = Encoded(*tried.exporter, image, settings);
+            const Bytes bytes =
+                Encoded(*tried.exporter, image, {tried.depth, 300 << 16, 150 << 16, 1024, {}, tried.method});
             EXPECT_EQ(Difference(RgbaOf(ReadBack(bytes)), RgbaOf(image)), 0);
             EXPECT_EQ(Difference(MagickReads(images, *tried.exporter, bytes), RgbaOf(image)), 0);
             const bool has_resolution =

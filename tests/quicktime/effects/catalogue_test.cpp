@@ -4,36 +4,11 @@
 #include "platform/quicktime/effects/settings_xml.h"
 #include "tests/quicktime/components.h"
 
-#include <cctype>
-#include <set>
+#include <algorithm>
 
 namespace {
 
 using namespace effect_test;
-using Kind = qt::EffectParameter::Kind;
-
-TEST(EffectTable, DescribesEveryEffectAndParameter) {
-    std::set<OSType> types;
-    std::array<int, 3> with_sources{};
-    for (const qt::Effect* effect : qt::Effects()) {
-        EXPECT_TRUE(types.insert(effect->type).second) << effect->name;
-        ++with_sources.at(static_cast<std::size_t>(effect->sources));
-        ASSERT_LE(effect->parameters.size(), qt::kMostParameters) << effect->name;
-        std::set<OSType> atoms = {qt::kParameterWhatName, qt::Code("src ")};
-        for (const qt::EffectParameter& parameter : effect->parameters) {
-            EXPECT_TRUE(atoms.insert(qt::CodeOfText(parameter.key)).second) << effect->name << parameter.key;
-            EXPECT_TRUE(std::ranges::all_of(parameter.key, [](unsigned char c) {
-                return std::islower(c) != 0 || std::isdigit(c) != 0;
-            })) << parameter.key;
-            EXPECT_LE(parameter.minimum, parameter.standard) << effect->name << parameter.key;
-            EXPECT_GE(parameter.maximum, parameter.standard) << effect->name << parameter.key;
-            EXPECT_EQ(parameter.label.find("--"), std::string_view::npos) << "ends a comment of the XML";
-            EXPECT_TRUE(parameter.kind != Kind::kNumber || parameter.maximum < 32'768) << "atoms hold 16.16";
-        }
-    }
-    EXPECT_GE(with_sources[1], 12);
-    EXPECT_GE(with_sources[2], 6);
-}
 
 qt::EffectSettings RandomSettings(const qt::Effect& effect, std::mt19937& random) {
     qt::EffectSettings settings = {&effect, qt::EffectValues(effect.parameters)};
@@ -47,6 +22,10 @@ qt::EffectSettings RandomSettings(const qt::Effect& effect, std::mt19937& random
 TEST(EffectTable, SettingsSurviveTheirTextAndTheirAtoms) {
     std::mt19937 random(4);
     for (const qt::Effect* effect : qt::Effects()) {
+        ASSERT_LE(effect->parameters.size(), qt::kMostParameters) << effect->name;
+        for (const qt::EffectParameter& parameter : effect->parameters)
+            EXPECT_EQ(std::clamp(parameter.standard, parameter.minimum, parameter.maximum),
+                      parameter.standard);
         for (int round = 0; round < 20; ++round) {
             const qt::EffectSettings settings = RandomSettings(*effect, random);
             const auto read = qt::EffectSettingsFromXml(qt::EffectSettingsToXml(settings));

@@ -165,10 +165,6 @@ TEST(Combinations, BeyondASmallerSecondSourceThereIsNothing) {
     ForEachPixel(out, [](int x, int y, std::uint32_t pixel) {
         EXPECT_TRUE(x < 3 && y < 2 ? pixel == kBlue : qt::Alpha(pixel) == 0) << x << " " << y;
     });
-    const qt::PixelImage larger = MakeImage(50, 40, kBlue);
-    const qt::PixelImage covered = Render("smpt", {{"percent", "100"}}, a, &larger);
-    EXPECT_FALSE(covered.has_alpha);
-    EXPECT_EQ(Difference(covered, MakeImage(6, 4, kBlue)), 0U);
 }
 
 } // namespace

@@ -20,7 +20,10 @@ std::vector<double> ExactGreen(const qt::PixelImage& image, double sigma) {
     }
     const int right = image.width() - 1;
     const int bottom = image.height() - 1;
-    const auto at = [=](int x, int y) { return static_cast<std::size_t>(y * (right + 1) + x); };
+    const auto at = [=](int x, int y) {
+        const int place = y * (right + 1) + x;
+        return static_cast<std::size_t>(place);
+    };
     const double* const middle = weights.data() + reach;
     std::vector<double> rows(at(0, bottom + 1));
     std::vector<double> blurred(rows.size());

@@ -67,7 +67,7 @@ TEST_F(MediaSamples, AMovieFileKeepsWhatIsAddedAndOthersReadIt) {
     const Media media = NewTrackMedia(track, qt::Code("soun"), 44100, nullptr, 0);
     ASSERT_NE(media, nullptr);
     const std::vector<std::int16_t> samples = Noise(2 * 44117, 2);
-    AddSamples(media, std::as_bytes(std::span(samples)));
+    AddSamples(media, samples);
     ASSERT_EQ(InsertMediaIntoTrack(track, 0, 0, GetMediaDuration(media), kNormalRate), noErr);
     EXPECT_EQ(Exported(made), samples); // a 600th of a second is no limit to what is exact
     ASSERT_EQ(AddMovieToStorage(made, handler), noErr);
@@ -85,26 +85,6 @@ TEST_F(MediaSamples, AMovieFileKeepsWhatIsAddedAndOthersReadIt) {
     DataHandler second = nullptr;
     EXPECT_EQ(CreateMovieStorage(reference.handle.get(), reference.type, 0, -1, 0, &second, &made), dupFNErr);
     EXPECT_EQ(made, nullptr);
-}
-
-TEST_F(MediaSamples, AnEmptyMovieIsFlattenedAndAddedTo) {
-    const qt::OwnedMovie empty(NewMovie(0));
-    const Track track = NewMovieTrack(empty.get(), 0, 0, kFullVolume);
-    ASSERT_NE(NewTrackMedia(track, qt::Code("soun"), 44100, nullptr, qt::Code("hndl")), nullptr);
-    const qt::DataReference reference = Reference("flat.mov");
-    const qt::OwnedMovie flat(FlattenMovieDataToDataRef(empty.get(), 0, reference.handle.get(),
-                                                        reference.type, qt::Code("TVOD"), -1,
-                                                        createMovieFileDeleteCurFile));
-    ASSERT_NE(flat, nullptr);
-    const Track sound = GetMovieIndTrackType(flat.get(), 1, qt::Code("ears"), movieTrackCharacteristic);
-    const Media media = GetTrackMedia(sound);
-    ASSERT_NE(media, nullptr);
-    EXPECT_EQ(GetMediaTimeScale(media), 44100);
-    const std::vector<std::int16_t> samples = Noise(88200, 3);
-    for (std::size_t at = 0; at < samples.size(); at += 8820)
-        AddSamples(media, std::as_bytes(std::span(samples).subspan(at, 8820)));
-    ASSERT_EQ(InsertMediaIntoTrack(sound, 0, 0, GetMediaDuration(media), kNormalRate), noErr);
-    EXPECT_EQ(Exported(flat.get()), samples);
 }
 
 TEST_F(MediaSamples, FlatteningBringsForeignSamplesIn) {

@@ -85,19 +85,18 @@ std::vector<std::int16_t> Noise(std::size_t count, std::uint32_t seed) {
     return samples;
 }
 
-void AddSamples(Media media, std::span<const std::byte> samples, const qt::PcmLayout& layout) {
-    const qt::MemoryHandle description = HandleOf(qt::DescribePcm(layout));
-    const auto frames = static_cast<std::int64_t>(samples.size() / layout.FrameBytes());
+void AddSamples(Media media, std::span<const std::int16_t> samples) {
+    const qt::MemoryHandle description = HandleOf(qt::DescribePcm(kStereo));
+    const auto frames = static_cast<std::int64_t>(samples.size() / 2);
     EXPECT_EQ(BeginMediaEdits(media), noErr);
-    EXPECT_EQ(AddMediaSample(media, samples, 1, description.get(), frames), noErr);
+    EXPECT_EQ(AddMediaSample(media, std::as_bytes(samples), 1, description.get(), frames), noErr);
     EXPECT_EQ(EndMediaEdits(media), noErr);
 }
 
-Track AddTrack(Movie movie, std::span<const std::byte> samples, const qt::PcmLayout& layout) {
+Track AddTrack(Movie movie, std::span<const std::int16_t> samples) {
     const Track track = NewMovieTrack(movie, 0, 0, kFullVolume);
-    const Media media = NewTrackMedia(track, qt::Code("soun"), static_cast<TimeScale>(layout.rate), nullptr,
-                                      qt::Code("hndl"));
-    AddSamples(media, samples, layout);
+    const Media media = NewTrackMedia(track, qt::Code("soun"), 44100, nullptr, qt::Code("hndl"));
+    AddSamples(media, samples);
     EXPECT_EQ(InsertMediaIntoTrack(track, 0, 0, GetMediaDuration(media), kNormalRate), noErr);
     return track;
 }
@@ -109,9 +108,9 @@ qt::Bytes DescriptionOf(Media media) {
     return {bytes.begin(), bytes.end()};
 }
 
-qt::OwnedMovie MovieOf(const qt::PcmLayout& layout, std::span<const std::byte> samples) {
+qt::OwnedMovie MovieOf(std::span<const std::int16_t> samples) {
     qt::OwnedMovie movie(NewMovie(0));
-    AddTrack(movie.get(), samples, layout);
+    AddTrack(movie.get(), samples);
     return movie;
 }
 

@@ -57,14 +57,14 @@ inline Track FirstSoundTrack(Movie movie) {
 
 constexpr qt::PcmLayout kStereo = {qt::SampleEncoding::kSigned16, false, 2, 44100};
 
-/// Adds samples of the layout to the media as one block.
-void AddSamples(Media media, std::span<const std::byte> samples, const qt::PcmLayout& layout = kStereo);
+/// Adds samples of kStereo to the media as one block.
+void AddSamples(Media media, std::span<const std::int16_t> samples);
 /// Adds a track with a media in memory that has these samples.
-Track AddTrack(Movie movie, std::span<const std::byte> samples, const qt::PcmLayout& layout = kStereo);
+Track AddTrack(Movie movie, std::span<const std::int16_t> samples);
 /// A description of the media's first samples.
 qt::Bytes DescriptionOf(Media media);
 
-/// An empty movie with a sound track whose media is in memory, and has these samples.
-qt::OwnedMovie MovieOf(const qt::PcmLayout& layout, std::span<const std::byte> samples);
+/// A movie of one such track.
+qt::OwnedMovie MovieOf(std::span<const std::int16_t> samples);
 
 } // namespace corvane::test

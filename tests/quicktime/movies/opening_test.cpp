@@ -125,16 +125,6 @@ INSTANTIATE_TEST_SUITE_P(Formats, Opening, testing::ValuesIn(kFormats), [](const
 
 class OpeningOther : public MovieTest {};
 
-TEST_F(OpeningOther, WhatNothingReads) {
-    EXPECT_EQ(OpeningCode("empty.wav", ""), noMovieFound);
-    EXPECT_EQ(OpeningCode("text.txt", std::string(5000, 'a')), noMovieFound);
-    EXPECT_EQ(OpeningCode("riff.wav", "RIFF\x10\0\0\0WAVEfmt "s), badFileFormat);
-    const qt::DataReference missing = Reference("missing.wav");
-    Movie movie = nullptr;
-    EXPECT_EQ(NewMovieFromDataRef(&movie, missing.handle.get(), missing.type), fnfErr);
-    EXPECT_EQ(GetMoviesError(), fnfErr);
-}
-
 TEST_F(OpeningOther, ReadsBlocksAnywhereAsOneRunOfSamples) {
     ASSERT_TRUE(Run(kMakeSource));
     ASSERT_TRUE(Run("lame -V 4 source.wav s.mp3 && ffmpeg -i source.wav s.ac3"));
@@ -168,14 +158,6 @@ TEST_F(OpeningOther, OpusInAMovie) {
     double difference = 0; // two ways to convert the rate
     for (std::size_t i = 0; i < 2 * 88217; ++i) difference += std::abs(samples[i] - expected[i]);
     EXPECT_LT(difference / (2 * 88217), 60);
-}
-
-TEST_F(OpeningOther, MonoFillsBothChannels) {
-    ASSERT_TRUE(Run("sox -R -r 44100 -n -c 1 -b 16 mono.wav synth 0.5 sine 440 gain -1"));
-    const std::vector<std::int16_t> samples = Exported(Open("mono.wav").get());
-    const std::vector<std::int16_t> mono = WaveSamples(Path("mono.wav"));
-    ASSERT_EQ(samples.size(), 2 * mono.size());
-    for (std::size_t i = 0; i < samples.size(); ++i) ASSERT_EQ(samples[i], mono[i / 2]);
 }
 
 } // namespace

@@ -101,14 +101,14 @@ TEST_F(ReferenceMovies, AliasesNameFilesAcrossFolders) {
         const char* movie;
         const char* seen_from; ///< the movie's place when the alias is read
         const char* first;
-    } kCases[] = {
+    } cases[] = {
         {"/a/b/s.wav", "/a/b/m.mov", "/z/m.mov", "/z/s.wav"},
         {"/a/b/c/s.wav", "/a/m.mov", "/z/y/m.mov", "/z/y/b/c/s.wav"},
         {"/a/x/s.wav", "/a/b/c/m.mov", "/1/2/3/m.mov", "/1/2/3/../../x/s.wav"},
         {"/top.wav", "/a/m.mov", "/q/a/m.mov", "/q/a/../top.wav"},
         {"/a/Ünï:cödé.wav", "/a/m.mov", "/z/m.mov", "/z/Ünï:cödé.wav"},
     };
-    for (const auto& [target, movie, seen_from, first] : kCases) {
+    for (const auto& [target, movie, seen_from, first] : cases) {
         const std::vector<std::string> paths = qt::ReadAlias(qt::MakeAlias(target, movie), seen_from);
         ASSERT_GE(paths.size(), 2U) << target;
         EXPECT_EQ(paths.front(), first);

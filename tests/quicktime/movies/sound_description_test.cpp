@@ -29,11 +29,6 @@ SoundDescriptionV1 AsV1(const qt::Bytes& description) {
     return first;
 }
 
-double KiloBitsPerSecond(const SoundDescriptionV1& first) {
-    return first.numChannels * 8.0 * first.bytesPerPacket * (first.sampleRate / 65536.0) /
-           (first.samplesPerPacket * 1000.0);
-}
-
 TEST(SoundDescriptions, LayoutsComeBackFromEveryVersionAndFromFiles) {
     for (const auto encoding :
          {SampleEncoding::kUnsigned8, SampleEncoding::kSigned8, SampleEncoding::kSigned16,
@@ -57,21 +52,6 @@ TEST(SoundDescriptions, LayoutsComeBackFromEveryVersionAndFromFiles) {
             }
         }
     }
-}
-
-TEST(SoundDescriptions, AreThoseThatThePlatformReports) {
-    const qt::Bytes plain = qt::DescribePcm({SampleEncoding::kSigned16, false, 2, 44100});
-    ASSERT_EQ(plain.size(), 36U);
-    const auto format = qt::ReadSoundFormat(plain);
-    EXPECT_EQ(format->data_format, qt::Code("sowt"));
-    EXPECT_EQ(format->version, 0);
-    const SoundDescriptionV1 first = AsV1(plain);
-    EXPECT_EQ(first.sampleRate, 0xAC440000U);
-    EXPECT_NEAR(KiloBitsPerSecond(first), 1411.2, 0.001);
-    EXPECT_NEAR(KiloBitsPerSecond(AsV1(qt::DescribePcm({SampleEncoding::kSigned24, true, 1, 48000}))), 1152,
-                0.001);
-    EXPECT_NEAR(KiloBitsPerSecond(AsV1(qt::DescribePcm({SampleEncoding::kMuLaw, false, 1, 8000}))), 64,
-                0.001);
 }
 
 TEST(SoundDescriptions, CompressedOnesCarryTheirWaveFormat) {

@@ -24,10 +24,11 @@ protected:
             Run("sox -R -r 44100 -n -c 2 -b 16 s.wav synth 66150s sine 440 sine 1250 vol 0.4 tremolo 3"));
     }
 
-    [[nodiscard]] qt::OpenComponent Exporter(OSType format, const qt::SoundFormatChoices& choices,
-                                             const qt::SoundSettings& settings) const {
-        qt::OpenComponent exporter = OpenComponentOf(qt::kMovieExporter, format);
-        fm::CurrentSession().answers = {Answer(choices, settings)};
+    static qt::OpenComponent Exporter(const qt::SoundExporterRow& row, const qt::SoundSettings& settings) {
+        qt::OpenComponent exporter = OpenComponentOf(qt::kMovieExporter, row.subtype);
+        std::string answer = "set:" + qt::SettingsText(row.choices, settings);
+        std::ranges::replace(answer, '\r', ',');
+        fm::CurrentSession().answers = {answer};
         bool cancelled = true;
         EXPECT_EQ(MovieExportDoUserDialog(exporter.get(), nullptr, &cancelled), noErr);
         EXPECT_FALSE(cancelled);
@@ -35,16 +36,8 @@ protected:
     }
 
     /// With the usual settings of the format.
-    [[nodiscard]] qt::OpenComponent Exporter(const qt::SoundExporterRow& row) const {
-        return Exporter(row.subtype, row.choices, qt::UsualSettings(row.choices));
-    }
-
-private:
-    static std::string Answer(const qt::SoundFormatChoices& choices, const qt::SoundSettings& settings) {
-        std::string text = "set:" + qt::SettingsText(choices, settings);
-        for (char& character : text)
-            if (character == '\r') character = ',';
-        return text;
+    static qt::OpenComponent Exporter(const qt::SoundExporterRow& row) {
+        return Exporter(row, qt::UsualSettings(row.choices));
     }
 };
 
@@ -97,7 +90,7 @@ TEST_F(SoundExporters, WriteWhatOthersDecodeToTheSource) {
                 SCOPED_TRACE(std::string(row.name) + " " + std::to_string(static_cast<int>(encoding)));
                 settings.encoding = encoding;
                 settings.big_endian ^= other_order;
-                const qt::OpenComponent exporter = Exporter(row.subtype, row.choices, settings);
+                const qt::OpenComponent exporter = Exporter(row, settings);
                 ASSERT_EQ(ExportWith(exporter.get(), movie.get(), "out"), noErr);
                 const Samples decoded = DecodedByFfmpeg("out");
                 const qt::OwnedMovie reopened = Open("out");
@@ -132,7 +125,7 @@ TEST_F(SoundExporters, KeepTwentyFourBits) {
         settings.encoding = qt::SampleEncoding::kSigned24;
         settings.rate = 48000;
         if (row.choices.encodings.empty() || !qt::Offers(row.choices, settings)) continue;
-        const qt::OpenComponent exporter = Exporter(row.subtype, row.choices, settings);
+        const qt::OpenComponent exporter = Exporter(row, settings);
         ASSERT_EQ(ExportWith(exporter.get(), movie.get(), "out"), noErr) << row.name;
         EXPECT_TRUE(Run("ffmpeg -y -i out -f s24le out.raw && cmp deep.raw out.raw")) << row.name;
     }
@@ -144,7 +137,7 @@ TEST_F(SoundExporters, ChangeRateAndChannels) {
         qt::SoundSettings settings = qt::UsualSettings(row.choices);
         settings.channels = 1;
         settings.rate = row.choices.usual_rate == 44100 ? 22050 : 16000;
-        const qt::OpenComponent exporter = Exporter(row.subtype, row.choices, settings);
+        const qt::OpenComponent exporter = Exporter(row, settings);
         ASSERT_EQ(ExportWith(exporter.get(), movie.get(), "out"), noErr) << row.name;
         EXPECT_TRUE(
             Run("ffprobe -v error -show_entries stream=channels,sample_rate -of csv=p=0 out > facts && "
@@ -202,7 +195,7 @@ TEST_F(SoundExporters, OfNoSamplesWriteAFileThatOpensOrNone) {
 
 TEST_F(SoundExporters, RefuseWhatTheirFormatCannotHold) {
     const std::array<std::int16_t, 2> frame = {1, 1};
-    const qt::OwnedMovie movie = MovieOf(kStereo, std::as_bytes(std::span(frame)));
+    const qt::OwnedMovie movie = MovieOf(frame);
     const Track track = GetMovieIndTrack(movie.get(), 1);
     ASSERT_EQ(InsertMediaIntoTrack(track, TimeValue{30000} * 600, 0, 1, kNormalRate), noErr);
     for (const OSType format : {qt::Code("WAVE"), qt::Code("AIFF"), qt::Code("AIFC"), qt::Code("ULAW")}) {
