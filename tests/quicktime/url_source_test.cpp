@@ -42,14 +42,10 @@ TEST_F(UrlSources, ThePageIsReadAsItIs) {
 }
 
 TEST_F(UrlSources, StatusesAndRedirects) {
-    EXPECT_EQ(Code("status-404"), fnfErr);
-    EXPECT_EQ(Code("status-410"), fnfErr);
-    EXPECT_EQ(Code("status-403"), cantOpenHandler);
-    EXPECT_EQ(Code("status-500"), cantOpenHandler);
-    EXPECT_EQ(Code("loop"), cantOpenHandler);
-    EXPECT_EQ(Code("to-file"), cantFindHandler);
-    EXPECT_EQ(Code("to-https"), cantFindHandler);
-    EXPECT_EQ(Code("to-ftp"), cantFindHandler);
+    for (const char* page : {"status-404", "status-410"}) EXPECT_EQ(Code(page), fnfErr) << page;
+    for (const char* page : {"status-403", "status-500", "loop"})
+        EXPECT_EQ(Code(page), cantOpenHandler) << page;
+    for (const char* page : {"to-file", "to-https", "to-ftp"}) EXPECT_EQ(Code(page), cantFindHandler) << page;
 }
 
 TEST_F(UrlSources, OnlyHttpAddresses) {

@@ -21,24 +21,16 @@ constexpr Sample kSamples[] = {
     {"-size 1x1 xc:red -depth 8 -type TrueColor", "one.jp2", 24},
 };
 
-TEST(Jpeg2000Codec, ReadsWhatImageMagickWrites) {
-    ExpectSamplesAreRead(qt::kJpeg2000Codec, kSamples);
-}
-
-TEST(Jpeg2000Codec, SurvivesDamage) {
-    const MadeImages images;
-    for (const Sample& sample : std::span(kSamples).first(5)) {
-        SCOPED_TRACE(sample.file);
-        ExpectDamageIsSurvived(qt::kJpeg2000Codec, images.MakeBytes(sample.arguments, sample.file), 60);
-    }
+TEST(Jpeg2000Codec, ReadsWhatImageMagickWritesEvenDamaged) {
+    ExpectSamplesAreRead(qt::kJpeg2000Codec, std::span(kSamples).first(5), "", 60);
+    ExpectSamplesAreRead(qt::kJpeg2000Codec, std::span(kSamples).subspan(5), "", 0); // which takes long
 }
 
 /// Where the first box of this type begins.
 std::size_t FindBox(const Bytes& bytes, std::string_view type) {
-    const auto wanted = std::as_bytes(std::span(type));
-    return static_cast<std::size_t>(std::search(bytes.begin(), bytes.end(), wanted.begin(), wanted.end()) -
-                                    bytes.begin()) -
-           4;
+    const Bytes wanted = BytesOf(type);
+    const auto found = std::search(bytes.begin(), bytes.end(), wanted.begin(), wanted.end());
+    return static_cast<std::size_t>(found - bytes.begin()) - 4;
 }
 
 TEST(Jpeg2000Codec, InksAndBoxesToSkip) {
@@ -68,9 +60,8 @@ TEST(Jpeg2000Codec, InksAndBoxesToSkip) {
 
     Bytes padded = colours; // with something of another program in front of the picture
     constexpr std::uint32_t kPadding = 3U << 20;
-    Bytes box(kPadding);
-    for (std::size_t i = 0; i < 4; ++i) box[i] = static_cast<std::byte>(kPadding >> (24 - 8 * i));
-    std::ranges::copy(std::as_bytes(std::span(std::string_view("uuid"))), box.begin() + 4);
+    Bytes box = BytesOf(std::string_view("\0\x30\0\0uuid", 8));
+    box.resize(kPadding);
     padded.insert(padded.begin() + static_cast<std::ptrdiff_t>(FindBox(padded, "jp2c")), box.begin(),
                   box.end());
     EXPECT_EQ(RgbaOf(DecodeWhole(qt::kJpeg2000Codec, padded)), RgbaOf(plain));
@@ -79,24 +70,17 @@ TEST(Jpeg2000Codec, InksAndBoxesToSkip) {
 TEST(Jpeg2000Codec, RefusesWhatIsTooLarge) {
     const MadeImages images;
     Bytes bytes = images.MakeBytes("-size 67x41 plasma: -type TrueColor", "large.j2k");
-    const auto facts_code = [&] {
-        qt::ImageFacts facts;
-        return qt::kJpeg2000Codec.read_facts(*qt::MemorySource(std::span(bytes)), facts);
-    };
+    const auto facts_code = [&] { return FactsCode(qt::kJpeg2000Codec, bytes); };
     ASSERT_EQ(facts_code(), noErr);
     bytes[9] = bytes[10] = std::byte{0x50}; // 20,560 or more columns: many tiles more than the data can hold
     EXPECT_EQ(facts_code(), codecBadDataErr);
     bytes[9] = bytes[10] = std::byte{0};
-    for (const std::size_t at : {std::size_t{8}, std::size_t{24}}) { // columns of the image and of its tiles
-        bytes[at] = bytes[at + 1] = std::byte{0};
-        bytes[at + 2] = std::byte{0x60}; // 24,576
-    }
-    for (const std::size_t at : {std::size_t{12}, std::size_t{28}}) bytes[at + 2] = std::byte{0x60};
+    bytes[24] = bytes[25] = std::byte{0};
+    for (const std::size_t at : {8U, 12U, 24U, 28U}) // columns and rows of the image and of its tiles
+        bytes[at + 2] = std::byte{0x60};             // 24,576
     EXPECT_EQ(facts_code(), noErr);
-    qt::PixelImage image;
-    EXPECT_EQ(qt::kJpeg2000Codec.decode(*qt::MemorySource(std::span(bytes)), 1, image), codecSizeErr);
-    bytes[10] = std::byte{0x80}; // 32,768 columns
-    bytes[26] = std::byte{0x80};
+    ExpectNoRoomIsTaken(qt::kJpeg2000Codec, bytes, codecSizeErr);
+    bytes[10] = bytes[26] = std::byte{0x80}; // 32,768 columns
     EXPECT_EQ(facts_code(), codecSizeErr);
 }
 

@@ -67,24 +67,8 @@ private:
     Bytes bytes_;
 };
 
-/// A line for each row: '#' black, '.' white, r, g, b pure colours, '?' others.
 inline std::string Drawn(const Bytes& picture) {
-    const qt::PixelImage image = DecodeWhole(qt::kPictCodec, picture);
-    std::string text;
-    for (std::int32_t y = 0; y < image.height(); ++y) {
-        for (std::int32_t x = 0; x < image.width(); ++x) {
-            switch (image.Row(y)[x]) {
-            case 0xFF000000: text += '#'; break;
-            case 0xFFFFFFFF: text += '.'; break;
-            case 0xFFFF0000: text += 'r'; break;
-            case 0xFF00FF00: text += 'g'; break;
-            case 0xFF0000FF: text += 'b'; break;
-            default: text += '?';
-            }
-        }
-        text += '\n';
-    }
-    return text;
+    return Drawn(qt::kPictCodec, picture);
 }
 
 } // namespace corvane::test

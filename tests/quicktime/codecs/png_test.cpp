@@ -30,21 +30,14 @@ constexpr Sample kSamples[] = {
     {"-size 67x41 gradient: -define png:color-type=0 -define png:bit-depth=8", "g8.png", 40},
     {"-size 67x41 gradient: -define png:color-type=0 -define png:bit-depth=16", "g16.png", 40},
     {"-size 67x41 gradient: -posterize 4 -define png:color-type=0 -define png:bit-depth=2", "g2.png", 34},
+    {"-size 67x41 gradient: -posterize 16 -define png:color-type=0 -define png:bit-depth=4", "g4.png", 36},
     {"-size 67x41 pattern:gray50 -define png:color-type=0 -define png:bit-depth=1", "g1.png", 1},
     {"-size 67x41 gradient: -alpha set -channel A -evaluate set 40% -define png:color-type=4", "ga.png", 32},
     {"-size 1x1 xc:red", "png24:one.png", 24},
 };
 
-TEST(PngCodec, ReadsWhatImageMagickWrites) {
-    ExpectSamplesAreRead(qt::kPngCodec, kSamples);
-}
-
-TEST(PngCodec, SurvivesDamage) {
-    const MadeImages images;
-    for (const Sample& sample : kSamples) {
-        SCOPED_TRACE(sample.file);
-        ExpectDamageIsSurvived(qt::kPngCodec, images.MakeBytes(sample.arguments, sample.file), 100);
-    }
+TEST(PngCodec, ReadsWhatImageMagickWritesEvenDamaged) {
+    ExpectSamplesAreRead(qt::kPngCodec, kSamples, "", 100);
 }
 
 TEST(PngCodec, GivesTheRowsOfDataThatBreaksOff) {
@@ -53,8 +46,7 @@ TEST(PngCodec, GivesTheRowsOfDataThatBreaksOff) {
         SCOPED_TRACE(interlace);
         const Bytes whole = images.MakeBytes(
             std::string("-size 200x200 plasma:red-blue -interlace ") + interlace, "png24:a.png");
-        const Bytes half(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() / 2));
-        const qt::PixelImage image = DecodeWhole(qt::kPngCodec, half);
+        const qt::PixelImage image = DecodeWhole(qt::kPngCodec, Prefix(whole, whole.size() / 2));
         EXPECT_EQ(image.Row(0)[0], DecodeWhole(qt::kPngCodec, whole).Row(0)[0]);
         const bool coarse = image.Row(199)[199] != qt::Pixel(255, 255, 255);
         EXPECT_EQ(coarse, interlace == std::string("PNG")) << "a first pass shows all of the image";
@@ -63,40 +55,30 @@ TEST(PngCodec, GivesTheRowsOfDataThatBreaksOff) {
 
 TEST(PngCodec, ReadsItsTextItems) {
     const MadeImages images;
+    const std::string comment(3000, 'x'); // is compressed
     const Bytes bytes =
         images.MakeBytes("-size 8x8 xc:red -set Title 'gr\xC3\xB6\xC3\x9F' -set Author Ann -set Other no "
-                         "-set Comment \"$(yes long | head -c 3000)\"",
+                         "-set Comment " +
+                             comment,
                          "png24:a.png");
-    std::vector<qt::MetadataItem> items;
-    ASSERT_EQ(qt::kPngCodec.read_metadata(*qt::MemorySource(std::span(bytes)), items), noErr);
-    std::ranges::sort(items, {}, &qt::MetadataItem::type);
-    ASSERT_EQ(items.size(), 3U);
-    EXPECT_EQ(items[0].type, qt::Code("\xA9"
-                                      "aut"));
-    EXPECT_EQ(items[0].text, "Ann");
-    EXPECT_EQ(items[1].type, qt::Code("\xA9"
-                                      "cmt"));
-    EXPECT_EQ(items[1].text.size(), 2999U);
-    EXPECT_EQ(items[2].text, "gr\xF6\xDF");
+    Texts texts = TextsOf(qt::kPngCodec, bytes);
+    std::ranges::sort(texts);
+    EXPECT_EQ(texts, (Texts{{"aut", "Ann"}, {"cmt", comment}, {"nam", "gr\xF6\xDF"}}));
 
     // International text, plain, compressed and breaking off, of which nothing comes.
     Bytes more = images.MakeBytes("-size 8x8 xc:red", "png24:b.png");
     const auto add = [&](std::string_view content) {
         std::string chunk{'\0', '\0', '\0', static_cast<char>(content.size())};
         chunk.append("iTXt").append(content).append(4, '\0');
-        const auto bytes_of = std::as_bytes(std::span(chunk));
-        more.insert(more.begin() + 33, bytes_of.begin(), bytes_of.end()); // behind the header
+        const Bytes added = BytesOf(chunk);
+        more.insert(more.begin() + 33, added.begin(), added.end()); // behind the header
     };
     using namespace std::string_view_literals;
     add("Title\0\0\0de\0Titel\0gr\xC3\xB6\xC3\x9F"sv);
     add("Author\0\1\0\0\0\x78\x9C\x73\xCC\xCB\x03\x00\x02\x10\x01\x1E"sv);
     add("Comment\0\1\0\0\0\x78\x9C\x73"sv);
     add("Title\0"sv);
-    items.clear();
-    ASSERT_EQ(qt::kPngCodec.read_metadata(*qt::MemorySource(std::span(more)), items), noErr);
-    ASSERT_EQ(items.size(), 2U);
-    EXPECT_EQ(items[0].text, "Ann");
-    EXPECT_EQ(items[1].text, "gr\xF6\xDF");
+    EXPECT_EQ(TextsOf(qt::kPngCodec, more), (Texts{{"aut", "Ann"}, {"nam", "gr\xF6\xDF"}}));
 }
 
 TEST(PngExporter, KeepsEveryPixel) {
@@ -128,10 +110,8 @@ TEST(PngExporter, KeepsEveryPixel) {
             const Bytes bytes = Written(qt::Code("PNGf"), image, settings);
             EXPECT_EQ(MagickReads(images, bytes, "out.png"), RgbaOf(image));
             EXPECT_EQ(bytes[28], std::byte(method)) << "the interlace method in the header";
-            const ImageDescription description = FactsOf(qt::kPngCodec, bytes).description;
-            EXPECT_EQ(description.depth, sample.written);
-            EXPECT_NEAR(description.hRes / 65'536.0, 300, 0.1);
-            EXPECT_NEAR(description.vRes / 65'536.0, 150, 0.1);
+            EXPECT_EQ(FactsOf(qt::kPngCodec, bytes).description.depth, sample.written);
+            EXPECT_EQ(ResolutionOf(qt::kPngCodec, bytes), std::pair(300, 150));
         }
     }
 }

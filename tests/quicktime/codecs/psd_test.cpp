@@ -1,3 +1,4 @@
+#include "platform/quicktime/movies/atoms.h"
 #include "tests/quicktime/codecs/written_images.h"
 
 #include <algorithm>
@@ -22,16 +23,8 @@ constexpr Sample kSamples[] = {
     {"-size 67x41 plasma: -colorspace CMYK -depth 8 -compress rle", "cmyk.psd", 32, 1},
 };
 
-TEST(PsdCodec, ReadsWhatImageMagickWrites) {
+TEST(PsdCodec, ReadsWhatImageMagickWritesEvenDamaged) {
     ExpectSamplesAreRead(qt::kPhotoshopCodec, kSamples, "-delete 1 -colorspace sRGB"); // without the layer
-}
-
-TEST(PsdCodec, SurvivesDamage) {
-    const MadeImages images;
-    for (const Sample& sample : kSamples) {
-        SCOPED_TRACE(sample.file);
-        ExpectDamageIsSurvived(qt::kPhotoshopCodec, images.MakeBytes(sample.arguments, sample.file));
-    }
 }
 
 /// How the samples of a made document are stored.
@@ -44,26 +37,24 @@ struct Storage {
 /// `layers` is the layer section.
 Bytes MadeDocument(int mode, int channels, int width, const std::string& resources, const std::string& layers,
                    const std::string& samples, const Storage& storage = {}) {
-    qt::EncodedBytes bytes;
-    const auto put16 = [&](std::size_t value) {
-        bytes.push_back(static_cast<std::byte>(value >> 8));
-        bytes.push_back(static_cast<std::byte>(value));
-    };
-    const auto put = [&](const std::string& text) {
-        for (const char c : text) bytes.push_back(static_cast<std::byte>(c));
-    };
-    put("8BPS");
-    for (const int word : {1, 0, 0, 0, channels, 0, storage.height, 0, width, storage.depth, mode, 0, 0})
+    qt::AtomWriter writer;
+    const auto put16 = [&](std::size_t value) { writer.Put16(static_cast<std::uint16_t>(value)); };
+    writer.Put("8BPS");
+    for (const int word : {1, 0, 0, 0, channels, 0, storage.height, 0, width, storage.depth, mode, 0, 0, 0})
         put16(static_cast<unsigned>(word));
-    put16(0);
     put16(resources.size());
-    put(resources);
+    writer.Put(resources);
     put16(0);
     put16(layers.size());
-    put(layers);
+    writer.Put(layers);
     put16(static_cast<unsigned>(storage.method));
-    put(samples);
-    return bytes;
+    writer.Put(samples);
+    return writer.Take();
+}
+
+/// The pixels of a document of one row.
+Pixels Row(const Bytes& document) {
+    return PixelsOf(DecodeWhole(qt::kPhotoshopCodec, document));
 }
 
 /// The only strip of a TIFF, as it is stored.
@@ -101,8 +92,7 @@ TEST(PsdCodec, DeflatedRowsAndTheirDifferences) {
         const Bytes expected = RgbaOf(DecodeWhole(qt::kTiffCodec, FileBytes(source)));
         EXPECT_EQ(Difference(RgbaOf(DecodeWhole(qt::kPhotoshopCodec, whole)), expected), 0);
         ExpectDamageIsSurvived(qt::kPhotoshopCodec, whole);
-        const Bytes half(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() / 2));
-        const auto cut = DecodeWhole(qt::kPhotoshopCodec, half);
+        const auto cut = DecodeWhole(qt::kPhotoshopCodec, Prefix(whole, whole.size() / 2));
         EXPECT_EQ(qt::Red(cut.Row(9)[66]), std::to_integer<unsigned>(expected[std::size_t{9 * 67 + 66} * 4]));
         EXPECT_EQ(cut.Row(40)[0], 0xFFFFFFFF);
     }
@@ -111,10 +101,9 @@ TEST(PsdCodec, DeflatedRowsAndTheirDifferences) {
 TEST(PsdCodec, ExtraChannelsAreTransparencyOnlyWhenTheySaySo) {
     using namespace std::string_literals;
     const std::string layers = "\0\0\0\2\xFF\xFF"s; // minus one
-    const std::string samples = "\xFF\x80\x40\x20"s;
     const auto selection = "8BIM\x03\xEE\0\0\0\0\0\x08\7Alpha 1"s;
-    const auto pixel = [&](const std::string& resources, const std::string& section) {
-        return DecodeWhole(qt::kPhotoshopCodec, MadeDocument(3, 4, 1, resources, section, samples)).Row(0)[0];
+    const auto pixel = [](const std::string& resources, const std::string& section) {
+        return Row(MadeDocument(3, 4, 1, resources, section, "\xFF\x80\x40\x20")).at(0);
     };
     EXPECT_EQ(pixel("", ""), 0x20FF8040);
     EXPECT_EQ(pixel(selection, ""), 0xFFFF8040);
@@ -124,25 +113,19 @@ TEST(PsdCodec, ExtraChannelsAreTransparencyOnlyWhenTheySaySo) {
 
 TEST(PsdCodec, ColoursInFrontOfWhiteAreTakenFromIt) {
     // Half of black, half of red; then a document that stores black itself.
-    const std::string matted = "\x7F\xFF\x7F\x7F\x7F\x7F\x80\x80";
-    const auto laid = DecodeWhole(qt::kPhotoshopCodec, MadeDocument(3, 4, 2, "", "", matted));
-    EXPECT_EQ(laid.Row(0)[0], 0x80000000);
-    EXPECT_EQ(laid.Row(0)[1], 0x80FF0000);
+    EXPECT_EQ(Row(MadeDocument(3, 4, 2, "", "", "\x7F\xFF\x7F\x7F\x7F\x7F\x80\x80")),
+              (Pixels{0x80000000, 0x80FF0000}));
     const std::string straight = std::string("\0\xFF\0\x7F\0\x7F", 6) + "\x80\x80";
-    const auto stored = DecodeWhole(qt::kPhotoshopCodec, MadeDocument(3, 4, 2, "", "", straight));
-    EXPECT_EQ(stored.Row(0)[0], 0x80000000);
-    EXPECT_EQ(stored.Row(0)[1], 0x80FF7F7F);
+    EXPECT_EQ(Row(MadeDocument(3, 4, 2, "", "", straight)), (Pixels{0x80000000, 0x80FF7F7F}));
 }
 
 TEST(PsdCodec, LabAndDuotone) {
-    const auto lab =
-        DecodeWhole(qt::kPhotoshopCodec, MadeDocument(9, 3, 2, "", "", "\xFF\x88\x80\xD0\x80\xC3"));
-    EXPECT_EQ(lab.Row(0)[0], 0xFFFFFFFF);
-    EXPECT_NEAR(qt::Red(lab.Row(0)[1]), 252, 3); // L 53, a 80, b 67: red
-    EXPECT_LE(qt::Green(lab.Row(0)[1]), 20U);
-    EXPECT_LE(qt::Blue(lab.Row(0)[1]), 20U);
-    const auto duotone = DecodeWhole(qt::kPhotoshopCodec, MadeDocument(8, 1, 2, "", "", "\x10\x20"));
-    EXPECT_EQ(duotone.Row(0)[1], 0xFF202020);
+    const Pixels lab = Row(MadeDocument(9, 3, 2, "", "", "\xFF\x88\x80\xD0\x80\xC3"));
+    EXPECT_EQ(lab[0], 0xFFFFFFFF);
+    EXPECT_NEAR(qt::Red(lab[1]), 252, 3); // L 53, a 80, b 67: red
+    EXPECT_LE(qt::Green(lab[1]), 20U);
+    EXPECT_LE(qt::Blue(lab[1]), 20U);
+    EXPECT_EQ(Row(MadeDocument(8, 1, 2, "", "", "\x10\x20"))[1], 0xFF202020);
 }
 
 /// As ffmpeg decodes it, which knows palettes.
@@ -172,8 +155,7 @@ TEST(PsdExporter, IsReadByOthers) {
     EXPECT_EQ(FactsOf(qt::kPhotoshopCodec, Written(kPsd, image, AtDepth(33))).description.depth, 1);
     EXPECT_EQ(FactsOf(qt::kPhotoshopCodec, Written(kPsd, image, AtDepth(36))).description.depth, 40);
     const Bytes resolved = Written(kPsd, image, AtResolution(300, 150));
-    EXPECT_EQ(FactsOf(qt::kPhotoshopCodec, resolved).description.hRes, 300 << 16);
-    EXPECT_EQ(FactsOf(qt::kPhotoshopCodec, resolved).description.vRes, 150 << 16);
+    EXPECT_EQ(ResolutionOf(qt::kPhotoshopCodec, resolved), std::pair(300, 150));
 }
 
 TEST(PsdExporter, Transparency) {

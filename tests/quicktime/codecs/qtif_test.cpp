@@ -1,3 +1,4 @@
+#include "platform/quicktime/movies/atoms.h"
 #include "tests/quicktime/codecs/written_images.h"
 
 namespace {
@@ -12,94 +13,82 @@ qt::ExportSettings AtQuality(std::int32_t quality) {
     return settings;
 }
 
-void Put(Bytes& bytes, std::size_t value, int size) {
-    for (int shift = 8 * (size - 1); shift >= 0; shift -= 8)
-        bytes.push_back(static_cast<std::byte>(value >> shift));
-}
-
 /// A file with the data in front of its description.
 Bytes MadeFile(OSType type, int width, int height, int depth, const Bytes& data, const Bytes& colours = {}) {
-    Bytes bytes;
-    Put(bytes, 8 + data.size(), 4);
-    Put(bytes, qt::Code("idat"), 4);
-    bytes.insert(bytes.end(), data.begin(), data.end());
-    Put(bytes, 12, 4);
-    Put(bytes, qt::Code("free"), 4);
-    Put(bytes, 0, 4);
-    Put(bytes, 8 + 86 + colours.size(), 4);
-    Put(bytes, qt::Code("idsc"), 4);
-    Put(bytes, 86 + colours.size(), 4);
-    Put(bytes, type, 4);
-    bytes.resize(bytes.size() + 24);
-    Put(bytes, static_cast<std::size_t>(width), 2);
-    Put(bytes, static_cast<std::size_t>(height), 2);
-    Put(bytes, 150 << 16, 4);
-    Put(bytes, 72 << 16, 4);
-    Put(bytes, data.size(), 4);
-    Put(bytes, 1, 2);
-    bytes.resize(bytes.size() + 32);
-    Put(bytes, static_cast<std::size_t>(depth), 2);
-    Put(bytes, colours.empty() ? 0xFFFF : 0, 2);
-    bytes.insert(bytes.end(), colours.begin(), colours.end());
-    return bytes;
+    qt::AtomWriter file;
+    const auto put16 = [&](int value) { file.Put16(static_cast<std::uint16_t>(value)); };
+    file.Atom(qt::Code("idat"), [&] { file.Put(data); });
+    file.Atom(qt::Code("free"), [&] { file.Zeros(4); });
+    file.Atom(qt::Code("idsc"), [&] {
+        file.Put32(static_cast<std::uint32_t>(86 + colours.size()));
+        file.Put32(type);
+        file.Zeros(24);
+        put16(width);
+        put16(height);
+        file.Put32(150 << 16);
+        file.Put32(72 << 16);
+        file.Put32(static_cast<std::uint32_t>(data.size()));
+        put16(1);
+        file.Zeros(32);
+        put16(depth);
+        put16(colours.empty() ? -1 : 0);
+        file.Put(colours);
+    });
+    return file.Take();
 }
 
-Bytes Of(std::initializer_list<int> values) {
-    Bytes bytes;
-    for (const int value : values) bytes.push_back(static_cast<std::byte>(value));
-    return bytes;
-}
-
-std::vector<std::uint32_t> FirstRow(const Bytes& file) {
-    const auto image = DecodeWhole(qt::kQuickTimeImageCodec, file);
-    return {image.Row(0), image.Row(0) + image.width()};
+qt::PixelImage Decoded(const Bytes& file) {
+    return DecodeWhole(qt::kQuickTimeImageCodec, file);
 }
 
 TEST(Qtif, PlainPixelsOfEveryDepth) {
-    using Row = std::vector<std::uint32_t>;
-    constexpr OSType kRaw = qt::Code("raw ");
-    EXPECT_EQ(FirstRow(MadeFile(kRaw, 2, 1, 32, Of({128, 1, 2, 3, 255, 4, 5, 6}))),
-              (Row{0x80010203, 0xFF040506}));
-    EXPECT_EQ(FirstRow(MadeFile(kRaw, 1, 1, 32, Of({0, 1, 2, 3}))), (Row{0xFF010203})); // the byte is unused
-    EXPECT_EQ(FirstRow(MadeFile(kRaw, 1, 1, 24, Of({1, 2, 3, 0}))), (Row{0xFF010203})); // rows of even length
-    EXPECT_EQ(FirstRow(MadeFile(kRaw, 2, 1, 16, Of({0x7C, 0, 0, 0x1F}))), (Row{0xFFFF0000, 0xFF0000FF}));
-    EXPECT_EQ(FirstRow(MadeFile(kRaw, 2, 1, 40, Of({0, 0xF0}))), (Row{0xFFFFFFFF, 0xFF0F0F0F}));
-    EXPECT_EQ(FirstRow(MadeFile(kRaw, 3, 1, 8, Of({0, 255, 35, 0}))),
-              (Row{0xFFFFFFFF, 0xFF000000, 0xFFFF0000}));
-    EXPECT_EQ(FirstRow(MadeFile(kRaw, 2, 1, 4, Of({0x3F, 0}))), (Row{0xFFDD0806, 0xFF000000}));
-    EXPECT_EQ(FirstRow(MadeFile(kRaw, 2, 1, 1, Of({0x40, 0}))), (Row{0xFFFFFFFF, 0xFF000000}));
+    const struct {
+        int width;
+        int depth;
+        Bytes data;
+        Pixels pixels;
+    } cases[] = {
+        {2, 32, BytesOf({128, 1, 2, 3, 255, 4, 5, 6}), {0x80010203, 0xFF040506}},
+        {1, 32, BytesOf({0, 1, 2, 3}), {0xFF010203}}, // the byte is unused
+        {1, 24, BytesOf({1, 2, 3, 0}), {0xFF010203}}, // rows of even length
+        {2, 16, BytesOf({0x7C, 0, 0, 0x1F}), {0xFFFF0000, 0xFF0000FF}},
+        {2, 40, BytesOf({0, 0xF0}), {0xFFFFFFFF, 0xFF0F0F0F}},
+        {3, 8, BytesOf({0, 255, 35, 0}), {0xFFFFFFFF, 0xFF000000, 0xFFFF0000}},
+        {2, 4, BytesOf({0x3F, 0}), {0xFFDD0806, 0xFF000000}},
+        {2, 1, BytesOf({0x40, 0}), {0xFFFFFFFF, 0xFF000000}},
+    };
+    for (const auto& [width, depth, data, pixels] : cases)
+        EXPECT_EQ(PixelsOf(Decoded(MadeFile(qt::Code("raw "), width, 1, depth, data))), pixels) << depth;
     const Bytes colours =
-        Of({0, 0, 0, 0, 0x80, 0, 0, 1, 0, 0, 0, 0, 255, 255, 0, 0, 0, 0, 255, 255, 0, 0, 0, 0});
-    EXPECT_EQ(FirstRow(MadeFile(kRaw, 2, 1, 8, Of({0, 1}), colours)), (Row{0xFF00FF00, 0xFFFF0000}));
+        BytesOf({0, 0, 0, 0, 0x80, 0, 0, 1, 0, 0, 0, 0, 255, 255, 0, 0, 0, 0, 255, 255, 0, 0, 0, 0});
+    EXPECT_EQ(PixelsOf(Decoded(MadeFile(qt::Code("raw "), 2, 1, 8, BytesOf({0, 1}), colours))),
+              (Pixels{0xFF00FF00, 0xFFFF0000}));
 }
 
 TEST(Qtif, DataOfOtherFormats) {
     const MadeImages images;
     const Bytes png = images.MakeBytes("-size 9x7 xc:blue -depth 8", "png24:blue.png");
     const Bytes file = MadeFile(qt::Code("png "), 9, 7, 24, png);
-    EXPECT_EQ(FirstRow(file), std::vector<std::uint32_t>(9, 0xFF0000FF));
+    EXPECT_EQ(PixelsOf(Decoded(file)), Pixels(9 * 7, 0xFF0000FF));
     const qt::ImageFacts facts = FactsOf(qt::kQuickTimeImageCodec, file);
     EXPECT_EQ(facts.description.cType, qt::Code("png "));
-    EXPECT_EQ(facts.description.hRes, 150 << 16);
+    EXPECT_EQ(ResolutionOf(qt::kQuickTimeImageCodec, file), std::pair(150, 72));
     EXPECT_EQ(facts.data_offset, 8U);
     EXPECT_EQ(facts.data_size, png.size());
-    Bytes wide; // the same with a size of 64 bits
-    Put(wide, 1, 4);
-    Put(wide, qt::Code("idat"), 4);
-    Put(wide, 16 + png.size(), 8);
-    wide.insert(wide.end(), file.begin() + 8, file.end());
-    EXPECT_EQ(FirstRow(wide), FirstRow(file));
+    qt::AtomWriter writer; // the same with a size of 64 bits
+    writer.Put32(1);
+    writer.Put32(qt::Code("idat"));
+    writer.Put64(16 + png.size());
+    writer.Put(std::span(file).subspan(8));
+    const Bytes wide = writer.Take();
+    EXPECT_EQ(PixelsOf(Decoded(wide)), PixelsOf(Decoded(file)));
     EXPECT_EQ(FactsOf(qt::kQuickTimeImageCodec, wide).data_offset, 16U);
     // An image file inside an image file, and a format that nobody has.
-    qt::PixelImage image;
-    for (const OSType type : {kQtif, qt::Code("????")}) {
-        const Bytes nested = MadeFile(type, 9, 7, 24, file);
-        EXPECT_EQ(qt::kQuickTimeImageCodec.decode(*qt::MemorySource(std::span(nested)), 1, image),
-                  codecBadDataErr);
-    }
+    for (const OSType type : {kQtif, qt::Code("????")})
+        ExpectNoRoomIsTaken(qt::kQuickTimeImageCodec, MadeFile(type, 9, 7, 24, file), codecBadDataErr);
 }
 
-TEST(Qtif, WritesJpegsAndLosslessPixels) {
+TEST(Qtif, WritesJpegsAndLosslessPixelsThatSurviveDamage) {
     const MadeImages images;
     const auto image = MadeImage(images, "-size 61x33 plasma: -type TrueColor");
     const auto transparent = MadeImage(images, "-size 61x33 plasma: -alpha set -channel A -fx u.r +channel");
@@ -107,19 +96,18 @@ TEST(Qtif, WritesJpegsAndLosslessPixels) {
     const Bytes large = Written(kQtif, image, AtQuality(1000));
     EXPECT_LT(small.size(), large.size());
     EXPECT_EQ(FactsOf(qt::kQuickTimeImageCodec, large).description.cType, qt::Code("jpeg"));
-    EXPECT_LE(Difference(RgbaOf(DecodeWhole(qt::kQuickTimeImageCodec, large)), RgbaOf(image)), 24);
+    const Bytes pixels = RgbaOf(Decoded(large));
+    EXPECT_LE(Difference(pixels, RgbaOf(image)), 24);
     const Bytes jpeg(large.begin() + 102, large.end());
-    EXPECT_EQ(Difference(RgbaOf(DecodeWhole(qt::kQuickTimeImageCodec, large)),
-                         MagickReads(images, jpeg, "inner.jpg")),
-              0);
+    EXPECT_EQ(Difference(pixels, MagickReads(images, jpeg, "inner.jpg")), 0);
     for (const auto* source : {&image, &transparent}) {
         const Bytes lossless = Written(kQtif, *source, AtQuality(1024));
         EXPECT_EQ(FactsOf(qt::kQuickTimeImageCodec, lossless).description.depth, source->has_alpha ? 32 : 24);
-        EXPECT_EQ(Difference(RgbaOf(DecodeWhole(qt::kQuickTimeImageCodec, lossless)), RgbaOf(*source)), 0);
+        EXPECT_EQ(Difference(RgbaOf(Decoded(lossless)), RgbaOf(*source)), 0);
+        ExpectDamageIsSurvived(qt::kQuickTimeImageCodec, lossless, 600);
     }
-    EXPECT_EQ(Difference(RgbaOf(DecodeWhole(qt::kQuickTimeImageCodec, Written(kQtif, transparent))),
-                         RgbaOf(transparent)),
-              0);
+    EXPECT_EQ(Difference(RgbaOf(Decoded(Written(kQtif, transparent))), RgbaOf(transparent)), 0);
+    ExpectDamageIsSurvived(qt::kQuickTimeImageCodec, large, 600);
 }
 
 TEST(Qtif, PassesCompressedDataOn) {
@@ -135,13 +123,6 @@ TEST(Qtif, PassesCompressedDataOn) {
     EXPECT_FALSE(exporter.transcode(*source, facts.description, AtDepth(40), out));
     const auto wrapped = qt::MemorySource(std::span(std::as_const(out)));
     EXPECT_FALSE(exporter.transcode(*wrapped, facts.description, {}, out));
-}
-
-TEST(Qtif, SurvivesDamage) {
-    const MadeImages images;
-    const auto image = MadeImage(images, "-size 61x33 plasma: -type TrueColor");
-    ExpectDamageIsSurvived(qt::kQuickTimeImageCodec, Written(kQtif, image), 600);
-    ExpectDamageIsSurvived(qt::kQuickTimeImageCodec, Written(kQtif, image, AtQuality(1024)), 600);
 }
 
 } // namespace

@@ -39,10 +39,4 @@ inline Bytes MagickReads(const MadeImages& images, const Bytes& bytes, const std
     return MagickRgba(images, images.folder.Path(name));
 }
 
-inline qt::ImageFacts FactsOf(const qt::ImageCodec& codec, const Bytes& bytes) {
-    qt::ImageFacts facts;
-    EXPECT_EQ(codec.read_facts(*qt::MemorySource(std::span(bytes)), facts), noErr);
-    return facts;
-}
-
 } // namespace corvane::test

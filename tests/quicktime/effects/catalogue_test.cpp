@@ -2,37 +2,13 @@
 #include "tests/quicktime/effects/effect_test.h"
 
 #include "platform/quicktime/effects/settings_xml.h"
+#include "tests/quicktime/components.h"
 
-#include <cctype>
-#include <set>
+#include <algorithm>
 
 namespace {
 
 using namespace effect_test;
-using Kind = qt::EffectParameter::Kind;
-
-TEST(EffectTable, DescribesEveryEffectAndParameter) {
-    std::set<OSType> types;
-    std::array<int, 3> with_sources{};
-    for (const qt::Effect* effect : qt::Effects()) {
-        EXPECT_TRUE(types.insert(effect->type).second) << effect->name;
-        ++with_sources.at(static_cast<std::size_t>(effect->sources));
-        ASSERT_LE(effect->parameters.size(), qt::kMostParameters) << effect->name;
-        std::set<OSType> atoms = {qt::kParameterWhatName, qt::Code("src ")};
-        for (const qt::EffectParameter& parameter : effect->parameters) {
-            EXPECT_TRUE(atoms.insert(qt::CodeOfText(parameter.key)).second) << effect->name << parameter.key;
-            EXPECT_TRUE(std::ranges::all_of(parameter.key, [](unsigned char c) {
-                return std::islower(c) != 0 || std::isdigit(c) != 0;
-            })) << parameter.key;
-            EXPECT_LE(parameter.minimum, parameter.standard) << effect->name << parameter.key;
-            EXPECT_GE(parameter.maximum, parameter.standard) << effect->name << parameter.key;
-            EXPECT_EQ(parameter.label.find("--"), std::string_view::npos) << "ends a comment of the XML";
-            EXPECT_TRUE(parameter.kind != Kind::kNumber || parameter.maximum < 32'768) << "atoms hold 16.16";
-        }
-    }
-    EXPECT_GE(with_sources[1], 12);
-    EXPECT_GE(with_sources[2], 6);
-}
 
 qt::EffectSettings RandomSettings(const qt::Effect& effect, std::mt19937& random) {
     qt::EffectSettings settings = {&effect, qt::EffectValues(effect.parameters)};
@@ -46,14 +22,16 @@ qt::EffectSettings RandomSettings(const qt::Effect& effect, std::mt19937& random
 TEST(EffectTable, SettingsSurviveTheirTextAndTheirAtoms) {
     std::mt19937 random(4);
     for (const qt::Effect* effect : qt::Effects()) {
+        ASSERT_LE(effect->parameters.size(), qt::kMostParameters) << effect->name;
+        for (const qt::EffectParameter& parameter : effect->parameters)
+            EXPECT_EQ(std::clamp(parameter.standard, parameter.minimum, parameter.maximum),
+                      parameter.standard);
         for (int round = 0; round < 20; ++round) {
             const qt::EffectSettings settings = RandomSettings(*effect, random);
             const auto read = qt::EffectSettingsFromXml(qt::EffectSettingsToXml(settings));
-            QTAtomContainer set = nullptr;
-            QTNewAtomContainer(&set);
-            const qt::MemoryHandle owner(set);
-            ASSERT_EQ(qt::WriteEffectSettings(settings, set), noErr);
-            const auto unpacked = qt::ReadEffectSettings(set);
+            const qt::MemoryHandle set = corvane::test::NewContainer();
+            ASSERT_EQ(qt::WriteEffectSettings(settings, set.get()), noErr);
+            const auto unpacked = qt::ReadEffectSettings(set.get());
             ASSERT_TRUE(read && unpacked) << effect->name;
             EXPECT_EQ(read->effect, effect);
             for (std::size_t i = 0; i < effect->parameters.size(); ++i) {
@@ -79,10 +57,7 @@ TEST(EffectTable, EveryEffectPaintsEveryPixelOfAnySize) {
                     settings.values.Set(i, round % 2 == 0 ? -1e9 : 1e9);
                 qt::PixelImage out = MakeImage(width, height, kStale);
                 ASSERT_EQ(qt::RenderEffect(settings, a, &b, out), noErr);
-                for (std::int32_t y = 0; y < height; ++y) {
-                    const auto* row = out.Row(y);
-                    EXPECT_EQ(std::count(row, row + width, kStale), 0) << effect->name << " row " << y;
-                }
+                EXPECT_EQ(std::ranges::count(PixelsOf(out), kStale), 0) << effect->name;
             }
         }
     }
@@ -94,32 +69,27 @@ TEST(EffectTable, OpaqueImagesStayOpaqueAndOneSourceKeepsItsAlpha) {
     for (const qt::Effect* effect : qt::Effects()) {
         const qt::EffectSettings settings = {effect, qt::EffectValues(effect->parameters)};
         const qt::PixelImage out = Render(settings, opaque, &opaque);
-        for (std::int32_t y = 0; y < out.height(); ++y) {
-            for (std::int32_t x = 0; x < out.width(); ++x) EXPECT_EQ(qt::Alpha(out.Row(y)[x]), 255U);
-        }
+        ForEachPixel(out, [&](int, int, std::uint32_t pixel) { EXPECT_EQ(qt::Alpha(pixel), 255U); });
         // A blur spreads alpha as well, and a tile has one for all its pixels.
         if (effect->sources == 2 || effect == &qt::kBlurEffect || effect == &qt::kMosaicEffect) continue;
         const qt::PixelImage kept = Render(settings, clear);
         EXPECT_TRUE(kept.has_alpha);
-        for (std::int32_t y = 0; y < out.height(); ++y) {
-            for (std::int32_t x = 0; x < out.width(); ++x)
-                EXPECT_EQ(qt::Alpha(kept.Row(y)[x]), qt::Alpha(clear.Row(y)[x])) << effect->name;
-        }
+        ForEachPixel(kept, [&](int x, int y, std::uint32_t pixel) {
+            EXPECT_EQ(qt::Alpha(pixel), qt::Alpha(clear.Row(y)[x])) << effect->name;
+        });
     }
 }
 
 // The bands of a large image fit together: each part of it looks like the same part drawn on one thread.
 TEST(EffectTable, LargeImagesHaveNoSeams) {
     const qt::PixelImage large = MakeNoise(1000, 700, false);
-    const qt::PixelImage part =
-        MakeImage(1000, 90, [&](std::int32_t x, std::int32_t y) { return large.Row(305 + y)[x]; });
+    const auto rows = [](const qt::PixelImage& image, std::int32_t top, std::int32_t height) {
+        return MakeImage(1000, height, [&](int x, int y) { return image.Row(top + y)[x]; });
+    };
+    const qt::PixelImage part = rows(large, 305, 90);
     for (const char* type : {"blur", "shrp", "edge", "embs", "genk", "brco", "hslb", "tint"}) {
-        const qt::PixelImage whole = Render(type, {}, large);
-        const qt::PixelImage alone = Render(type, {}, part);
-        const auto middle = [](const qt::PixelImage& image, std::int32_t top) {
-            return MakeImage(1000, 50, [&](std::int32_t x, std::int32_t y) { return image.Row(top + y)[x]; });
-        };
-        EXPECT_EQ(Difference(middle(whole, 325), middle(alone, 20)), 0U) << type;
+        const qt::PixelImage whole = rows(Render(type, {}, large), 325, 50);
+        EXPECT_EQ(Difference(whole, rows(Render(type, {}, part), 20, 50)), 0U) << type;
     }
 }
 

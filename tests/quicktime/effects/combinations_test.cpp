@@ -71,57 +71,49 @@ TEST(Combinations, ChannelsComeFromWhereTheyAreSaid) {
               0x3377'11FFU);
 }
 
-/// Which of the two images is seen, as a row of letters for each line of the picture.
-std::vector<std::string> Seen(const char* type, Texts texts) {
-    const qt::PixelImage a = MakeImage(8, 4, kRed);
+/// Which of the two images is seen, as a line of letters for each row of the picture.
+std::string Seen(const char* type, Texts texts) {
     const qt::PixelImage b = MakeImage(8, 4, kBlue);
-    const qt::PixelImage out = Render(type, texts, a, &b);
-    std::vector<std::string> lines(4);
-    for (std::int32_t y = 0; y < 4; ++y) {
-        for (std::int32_t x = 0; x < 8; ++x) {
-            const std::uint32_t pixel = out.Row(y)[x];
-            lines[static_cast<std::size_t>(y)] += pixel == kRed ? 'a' : pixel == kBlue ? 'b' : '?';
-        }
-    }
+    std::string lines;
+    ForEachPixel(Render(type, texts, MakeImage(8, 4, kRed), &b), [&](int x, int, std::uint32_t pixel) {
+        lines += pixel == kRed ? 'a' : pixel == kBlue ? 'b' : '?';
+        if (x == 7) lines += '\n';
+    });
     return lines;
 }
 
-TEST(Combinations, WipesGoTheirWays) {
-    using Lines = std::vector<std::string>;
+TEST(Combinations, WipesIrisesAndSlidesGoTheirWays) {
     const auto wiped = [](const char* direction, const char* percent) {
         return Seen("smpt", {{"direction", direction}, {"percent", percent}});
     };
-    const Lines all_a(4, "aaaaaaaa");
-    const Lines all_b(4, "bbbbbbbb");
+    const auto slid = [](const char* side) { return Seen("slid", {{"from", side}, {"percent", "25"}}); };
+    const auto iris = [](const char* shape, const char* percent, const char* closing) {
+        return Seen("iris", {{"shape", shape}, {"percent", percent}, {"closing", closing}});
+    };
+    const auto all = [](const std::string& line) { return line + line + line + line; };
+    const std::string a = "aaaaaaaa\n";
+    const std::string b = "bbbbbbbb\n";
     for (const char* direction : {"right", "left", "down", "up", "right-down", "left-down", "right-up",
                                   "left-up", "doors-wide", "doors-high", "blinds", "clock"}) {
-        EXPECT_EQ(wiped(direction, "0"), all_a) << direction;
-        EXPECT_EQ(wiped(direction, "100"), all_b) << direction;
+        EXPECT_EQ(wiped(direction, "0"), all(a)) << direction;
+        EXPECT_EQ(wiped(direction, "100"), all(b)) << direction;
     }
-    EXPECT_EQ(wiped("right", "25"), Lines(4, "bbaaaaaa"));
-    EXPECT_EQ(wiped("left", "25"), Lines(4, "aaaaaabb"));
-    EXPECT_EQ(wiped("down", "25"), (Lines{"bbbbbbbb", "aaaaaaaa", "aaaaaaaa", "aaaaaaaa"}));
-    EXPECT_EQ(wiped("up", "25"), (Lines{"aaaaaaaa", "aaaaaaaa", "aaaaaaaa", "bbbbbbbb"}));
-    EXPECT_EQ(wiped("doors-wide", "50"), Lines(4, "aabbbbaa"));
-    EXPECT_EQ(wiped("doors-high", "50"), (Lines{"aaaaaaaa", "bbbbbbbb", "bbbbbbbb", "aaaaaaaa"}));
-    EXPECT_EQ(wiped("right-down", "20"), (Lines{"bbaaaaaa", "aaaaaaaa", "aaaaaaaa", "aaaaaaaa"}));
-    EXPECT_EQ(wiped("left-up", "20"), (Lines{"aaaaaaaa", "aaaaaaaa", "aaaaaaaa", "aaaaaabb"}));
-    EXPECT_EQ(wiped("clock", "25"), (Lines{"aaaabbbb", "aaaabbbb", "aaaaaaaa", "aaaaaaaa"}));
-    EXPECT_EQ(Seen("iris", {{"shape", "rectangle"}, {"percent", "50"}}),
-              (Lines{"aaaaaaaa", "aabbbbaa", "aabbbbaa", "aaaaaaaa"}));
-    EXPECT_EQ(Seen("iris", {{"shape", "cross"}, {"percent", "30"}}),
-              (Lines{"aaabbaaa", "bbbbbbbb", "bbbbbbbb", "aaabbaaa"}));
-    EXPECT_EQ(Seen("iris", {{"shape", "rectangle"}, {"percent", "50"}, {"closing", "1"}}),
-              (Lines{"bbbbbbbb", "bbaaaabb", "bbaaaabb", "bbbbbbbb"}));
-}
-
-TEST(Combinations, SlidesComeFromTheirSides) {
-    using Lines = std::vector<std::string>;
-    const auto slid = [](const char* side) { return Seen("slid", {{"from", side}, {"percent", "25"}}); };
-    EXPECT_EQ(slid("left"), Lines(4, "bbaaaaaa"));
-    EXPECT_EQ(slid("right"), Lines(4, "aaaaaabb"));
-    EXPECT_EQ(slid("top"), (Lines{"bbbbbbbb", "aaaaaaaa", "aaaaaaaa", "aaaaaaaa"}));
-    EXPECT_EQ(slid("bottom"), (Lines{"aaaaaaaa", "aaaaaaaa", "aaaaaaaa", "bbbbbbbb"}));
+    EXPECT_EQ(wiped("right", "25"), all("bbaaaaaa\n"));
+    EXPECT_EQ(wiped("left", "25"), all("aaaaaabb\n"));
+    EXPECT_EQ(wiped("down", "25"), b + a + a + a);
+    EXPECT_EQ(wiped("up", "25"), a + a + a + b);
+    EXPECT_EQ(wiped("doors-wide", "50"), all("aabbbbaa\n"));
+    EXPECT_EQ(wiped("doors-high", "50"), a + b + b + a);
+    EXPECT_EQ(wiped("right-down", "20"), "bbaaaaaa\n" + a + a + a);
+    EXPECT_EQ(wiped("left-up", "20"), a + a + a + "aaaaaabb\n");
+    EXPECT_EQ(wiped("clock", "25"), "aaaabbbb\naaaabbbb\n" + a + a);
+    EXPECT_EQ(iris("rectangle", "50", "0"), a + "aabbbbaa\naabbbbaa\n" + a);
+    EXPECT_EQ(iris("rectangle", "50", "1"), b + "bbaaaabb\nbbaaaabb\n" + b);
+    EXPECT_EQ(iris("cross", "30", "0"), "aaabbaaa\n" + b + b + "aaabbaaa\n");
+    EXPECT_EQ(slid("left"), all("bbaaaaaa\n"));
+    EXPECT_EQ(slid("right"), all("aaaaaabb\n"));
+    EXPECT_EQ(slid("top"), b + a + a + a);
+    EXPECT_EQ(slid("bottom"), a + a + a + b);
 }
 
 TEST(Combinations, PushMovesBothImages) {
@@ -130,17 +122,13 @@ TEST(Combinations, PushMovesBothImages) {
     const auto expect = [&](const char* side, std::int32_t a_right, std::int32_t a_down, std::int32_t b_right,
                             std::int32_t b_down) {
         const qt::PixelImage out = Render("push", {{"from", side}, {"percent", "30"}}, a, &b);
-        const auto within = [](std::int32_t x, std::int32_t y) {
-            return x >= 0 && x < 20 && y >= 0 && y < 10;
-        };
-        for (std::int32_t y = 0; y < 10; ++y) {
-            for (std::int32_t x = 0; x < 20; ++x) {
-                const bool from_a = within(x - a_right, y - a_down);
-                const std::uint32_t expected =
-                    from_a ? a.Row(y - a_down)[x - a_right] : b.Row(y - b_down)[x - b_right];
-                ASSERT_EQ(out.Row(y)[x], expected) << side << " " << x << " " << y;
-            }
-        }
+        ForEachPixel(out, [&](int x, int y, std::uint32_t pixel) {
+            const int from_x = x - a_right;
+            const int from_y = y - a_down;
+            const bool from_a = from_x >= 0 && from_x < 20 && from_y >= 0 && from_y < 10;
+            EXPECT_EQ(pixel, from_a ? a.Row(from_y)[from_x] : b.Row(y - b_down)[x - b_right])
+                << side << " " << x << " " << y;
+        });
     };
     expect("left", 6, 0, -14, 0);
     expect("right", -6, 0, 14, 0);
@@ -149,9 +137,7 @@ TEST(Combinations, PushMovesBothImages) {
 }
 
 TEST(Combinations, GradientWipeAndDissolveGoByBrightnessAndByChance) {
-    const qt::PixelImage a = MakeImage(256, 1, [](std::int32_t x, std::int32_t) {
-        return 0xFF00'0000 | static_cast<std::uint32_t>(x) * 0x01'0101;
-    });
+    const qt::PixelImage a = Greys();
     const qt::PixelImage b = MakeImage(256, 1, kBlue);
     const qt::PixelImage dark = Render("matt", {{"percent", "40.1"}, {"softness", "0"}}, a, &b);
     const qt::PixelImage light =
@@ -164,12 +150,10 @@ TEST(Combinations, GradientWipeAndDissolveGoByBrightnessAndByChance) {
     const qt::PixelImage other = MakeImage(100, 100, kBlue);
     const qt::PixelImage half = Render("pxds", {{"percent", "30"}, {"size", "2"}}, large, &other);
     int replaced = 0;
-    for (std::int32_t y = 0; y < 100; ++y) {
-        for (std::int32_t x = 0; x < 100; ++x) {
-            EXPECT_EQ(half.Row(y)[x], half.Row(y / 2 * 2)[x - x % 2]);
-            replaced += half.Row(y)[x] == kBlue ? 1 : 0;
-        }
-    }
+    ForEachPixel(half, [&](int x, int y, std::uint32_t pixel) {
+        EXPECT_EQ(pixel, half.Row(y / 2 * 2)[x - x % 2]);
+        replaced += pixel == kBlue ? 1 : 0;
+    });
     EXPECT_NEAR(replaced, 3000, 250);
 }
 
@@ -178,17 +162,9 @@ TEST(Combinations, BeyondASmallerSecondSourceThereIsNothing) {
     const qt::PixelImage b = MakeImage(3, 2, kBlue);
     const qt::PixelImage out = Render("dslv", {{"percent", "100"}}, a, &b);
     EXPECT_TRUE(out.has_alpha);
-    for (std::int32_t y = 0; y < 4; ++y) {
-        for (std::int32_t x = 0; x < 6; ++x) {
-            const bool inside = x < 3 && y < 2;
-            EXPECT_EQ(qt::Alpha(out.Row(y)[x]), inside ? 255U : 0U);
-            EXPECT_TRUE(!inside || out.Row(y)[x] == kBlue);
-        }
-    }
-    const qt::PixelImage larger = MakeImage(50, 40, kBlue);
-    const qt::PixelImage covered = Render("smpt", {{"percent", "100"}}, a, &larger);
-    EXPECT_FALSE(covered.has_alpha);
-    EXPECT_EQ(Difference(covered, MakeImage(6, 4, kBlue)), 0U);
+    ForEachPixel(out, [](int x, int y, std::uint32_t pixel) {
+        EXPECT_TRUE(x < 3 && y < 2 ? pixel == kBlue : qt::Alpha(pixel) == 0) << x << " " << y;
+    });
 }
 
 } // namespace

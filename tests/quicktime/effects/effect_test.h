@@ -4,6 +4,7 @@
 #include "platform/quicktime/effects/pixel_math.h"
 #include "platform/quicktime/effects/render.h"
 #include "platform/quicktime/effects/type_codes.h"
+#include "tests/quicktime/pixels.h"
 #include "tests/support/made_images.h"
 
 #include <gtest/gtest.h>
@@ -14,29 +15,22 @@
 
 namespace effect_test {
 
+using corvane::test::ForEachPixel;
+using corvane::test::MakeImage;
+using corvane::test::Pixels;
+using corvane::test::PixelsOf;
 using Texts = std::initializer_list<std::pair<const char*, const char*>>;
 
-template <class Colour>
-qt::PixelImage MakeImage(std::int32_t width, std::int32_t height, Colour colour) {
-    qt::PixelImage image;
-    EXPECT_EQ(image.Allocate(width, height), noErr);
-    for (std::int32_t y = 0; y < height; ++y) {
-        for (std::int32_t x = 0; x < width; ++x) {
-            image.Row(y)[x] = colour(x, y);
-            image.has_alpha |= qt::Alpha(image.Row(y)[x]) < 255;
-        }
-    }
-    return image;
-}
-
-inline qt::PixelImage MakeImage(std::int32_t width, std::int32_t height, std::uint32_t colour) {
-    return MakeImage(width, height, [=](std::int32_t, std::int32_t) { return colour; });
+/// All 256 greys in a row.
+inline qt::PixelImage Greys() {
+    return MakeImage(256, 1,
+                     [](int x, int) { return 0xFF00'0000 | static_cast<std::uint32_t>(x) * 0x01'0101; });
 }
 
 /// Random colours, and random alpha if wanted.
 inline qt::PixelImage MakeNoise(std::int32_t width, std::int32_t height, bool alpha, unsigned seed = 1) {
     std::mt19937 random(seed);
-    return MakeImage(width, height, [&](std::int32_t, std::int32_t) {
+    return MakeImage(width, height, [&](int, int) {
         const auto pixel = static_cast<std::uint32_t>(random());
         return alpha ? pixel : pixel | 0xFF00'0000;
     });
@@ -70,17 +64,14 @@ inline std::uint32_t Difference(const qt::PixelImage& left, const qt::PixelImage
     const auto apart = [&](std::uint32_t a, std::uint32_t b) {
         most = std::max(most, a > b ? a - b : b - a);
     };
-    for (std::int32_t y = 0; y < left.height(); ++y) {
-        for (std::int32_t x = 0; x < left.width(); ++x) {
-            const std::uint32_t a = left.Row(y)[x];
-            const std::uint32_t b = right.Row(y)[x];
-            apart(qt::Alpha(a), qt::Alpha(b));
-            if (qt::Alpha(a) == 0 || qt::Alpha(b) == 0) continue;
-            apart(qt::Red(a), qt::Red(b));
-            apart(qt::Green(a), qt::Green(b));
-            apart(qt::Blue(a), qt::Blue(b));
-        }
-    }
+    ForEachPixel(left, [&](int x, int y, std::uint32_t a) {
+        const std::uint32_t b = right.Row(y)[x];
+        apart(qt::Alpha(a), qt::Alpha(b));
+        if (qt::Alpha(a) == 0 || qt::Alpha(b) == 0) return;
+        apart(qt::Red(a), qt::Red(b));
+        apart(qt::Green(a), qt::Green(b));
+        apart(qt::Blue(a), qt::Blue(b));
+    });
     return most;
 }
 
@@ -91,14 +82,11 @@ public:
         std::ofstream file(images_.folder.Path(name), std::ios::binary);
         file << "P7\nWIDTH " << image.width() << "\nHEIGHT " << image.height()
              << "\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n";
-        for (std::int32_t y = 0; y < image.height(); ++y) {
-            for (std::int32_t x = 0; x < image.width(); ++x) {
-                const std::uint32_t pixel = image.Row(y)[x];
-                for (const std::uint32_t value :
-                     {qt::Red(pixel), qt::Green(pixel), qt::Blue(pixel), qt::Alpha(pixel)})
-                    file.put(static_cast<char>(value));
-            }
-        }
+        ForEachPixel(image, [&](int, int, std::uint32_t pixel) {
+            for (const std::uint32_t value :
+                 {qt::Red(pixel), qt::Green(pixel), qt::Blue(pixel), qt::Alpha(pixel)})
+                file.put(static_cast<char>(value));
+        });
     }
 
     /// What convert makes of the arguments, in which @NAME is the path of what Write has written.
@@ -108,7 +96,7 @@ public:
             arguments.replace(at, 1, images_.folder.Path("") + "/");
         const corvane::test::Bytes bytes = images_.MakeBytes(arguments + " -depth 8", "rgba:out.rgba");
         EXPECT_EQ(bytes.size(), static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
-        return MakeImage(width, height, [&](std::int32_t x, std::int32_t y) {
+        return MakeImage(width, height, [&](int x, int y) {
             const std::size_t at = 4 * static_cast<std::size_t>(y * width + x);
             const auto value = [&](std::size_t i) {
                 return std::to_integer<std::uint32_t>(bytes.at(at + i));

@@ -2,17 +2,12 @@
 
 #include "platform/quicktime/effects/effect_preview.h"
 #include "platform/quicktime/movies/atoms.h"
+#include "tests/quicktime/components.h"
 #include "tests/quicktime/effects/effect_test.h"
 
 namespace {
 
 using namespace effect_test;
-
-qt::MemoryHandle NewSet() {
-    QTAtomContainer set = nullptr;
-    EXPECT_EQ(QTNewAtomContainer(&set), noErr);
-    return qt::MemoryHandle(set);
-}
 
 qt::MemoryHandle List(std::int32_t minimum, std::int32_t maximum, OSType only = 0) {
     QTAtomContainer list = nullptr;
@@ -39,11 +34,11 @@ TEST(EffectList, HasWhatIsAskedFor) {
                              QTFindChildByIndex(list.get(), kParentAtomIsContainer, type, 1, nullptr));
     };
     EXPECT_EQ(qt::BigEndian32(data(kEffectTypeAtom), 0), qt::Code("ckey"));
-    EXPECT_EQ(std::ranges::equal(data(kEffectNameAtom), std::as_bytes(std::span("Chroma Key", 10))), true);
+    EXPECT_TRUE(std::ranges::equal(data(kEffectNameAtom), std::as_bytes(std::span("Chroma Key", 10))));
 }
 
 TEST(EffectDialog, RefusesAnEmptyListAndOtherActions) {
-    const qt::MemoryHandle set = NewSet();
+    const qt::MemoryHandle set = corvane::test::NewContainer();
     QTParameterDialog dialog = nullptr;
     EXPECT_EQ(QTCreateStandardParameterDialog(List(3, 3).get(), set.get(), &dialog), paramErr);
     EXPECT_EQ(dialog, nullptr);
@@ -52,17 +47,15 @@ TEST(EffectDialog, RefusesAnEmptyListAndOtherActions) {
     QuickDrawPicture picture;
     EXPECT_EQ(picture.pixels.Allocate(2, 2), noErr);
     using Preview = QTParamPreviewRecord;
-    EXPECT_EQ(QTStandardParameterDialogDoAction(dialog, 99, Preview{1, &picture}), paramErr);
-    EXPECT_EQ(QTStandardParameterDialogDoAction(dialog, pdActionSetPreviewPicture, Preview{3, &picture}),
-              paramErr);
-    EXPECT_EQ(QTStandardParameterDialogDoAction(dialog, pdActionSetPreviewPicture, Preview{1, nullptr}),
-              paramErr);
-    EXPECT_EQ(QTStandardParameterDialogDoAction(dialog, pdActionSetPreviewPicture, Preview{1, &picture}),
-              noErr);
+    const auto act = [&](auto action, const auto& record) {
+        return QTStandardParameterDialogDoAction(dialog, action, record);
+    };
+    EXPECT_EQ(act(99, Preview{1, &picture}), paramErr);
+    EXPECT_EQ(act(pdActionSetPreviewPicture, Preview{3, &picture}), paramErr);
+    EXPECT_EQ(act(pdActionSetPreviewPicture, Preview{1, nullptr}), paramErr);
+    EXPECT_EQ(act(pdActionSetPreviewPicture, Preview{1, &picture}), noErr);
     const qt::MemoryHandle xml(NewHandle(0));
-    EXPECT_EQ(QTStandardParameterDialogDoAction(dialog, pdActionConvertSettingsToXMLWithComments,
-                                                QTParamXMLRecord{set.get(), xml.get()}),
-              paramErr)
+    EXPECT_EQ(act(pdActionConvertSettingsToXMLWithComments, QTParamXMLRecord{set.get(), xml.get()}), paramErr)
         << "nothing has been chosen";
 }
 

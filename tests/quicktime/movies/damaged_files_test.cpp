@@ -14,13 +14,13 @@ extern "C" __attribute__((visibility("default"))) const char* __lsan_default_sup
 
 namespace {
 
-using corvane::test::MovieTest;
+using namespace corvane::test;
 
 class DamagedFiles : public MovieTest {
 protected:
     /// Opens and exports the bytes as a file; whatever comes of it.
     void Use(const std::string& name, const std::string& bytes) const {
-        corvane::test::WriteBytes(Path(name), bytes);
+        WriteBytes(Path(name), bytes);
         const qt::DataReference reference = Reference(name);
         Movie opened = nullptr;
         const OSErr code = NewMovieFromDataRef(&opened, reference.handle.get(), reference.type);
@@ -36,7 +36,7 @@ protected:
         GetMovieSelection(movie.get(), &start, &duration);
         const qt::OwnedMovie part(duration > 0 ? CopyMovieSelection(movie.get()) : nullptr);
         const OSErr exported = Export(part != nullptr ? part.get() : movie.get(), "out.wav");
-        EXPECT_EQ(exported == noErr, corvane::test::IsThere(Path("out.wav")));
+        EXPECT_EQ(exported == noErr, IsThere(Path("out.wav")));
         if (exported == noErr) std::remove(Path("out.wav").c_str());
     }
 };
@@ -53,7 +53,7 @@ TEST_F(DamagedFiles, EndInASoundOrACode) {
     const auto begin = std::chrono::steady_clock::now();
     for (const char* name : {"s.wav", "s.aiff", "s.au", "s.caf", "s.flac", "s.ogg", "ima.wav", "gsm.wav",
                              "s.mp3", "s.m4a", "alac.m4a", "s.mov", "ima.mov", "s.aac"}) {
-        const std::string bytes = corvane::test::ReadBytes(Path(name));
+        const std::string bytes = ReadBytes(Path(name));
         const std::string damaged = std::string("damaged-") + name;
         for (const double part : {0.0, 0.001, 0.01, 0.02, 0.1, 0.5, 0.9, 0.99})
             Use(damaged, bytes.substr(0, static_cast<std::size_t>(part * static_cast<double>(bytes.size()))));
@@ -76,30 +76,29 @@ TEST_F(DamagedFiles, EndInASoundOrACode) {
 
 TEST_F(DamagedFiles, HeadersThatClaimMoreThanThereIs) {
     ASSERT_TRUE(Run("sox -R -r 44100 -n -c 2 -b 16 s.wav synth 1000s pinknoise"));
-    std::string wave = corvane::test::ReadBytes(Path("s.wav"));
-    for (const std::size_t field : {std::size_t{4}, std::size_t{40}})
-        wave.replace(field, 4, "\xF0\xFF\xFF\x7F");
-    corvane::test::WriteBytes(Path("claims.wav"), wave);
+    std::string wave = ReadBytes(Path("s.wav"));
+    for (const std::size_t field : {4U, 40U}) wave.replace(field, 4, "\xF0\xFF\xFF\x7F");
+    WriteBytes(Path("claims.wav"), wave);
     EXPECT_EQ(GetMovieDuration(Open("claims.wav").get()), 1000);
-    for (const std::size_t field : {std::size_t{22}, std::size_t{24}}) { // no channels, no rate
-        std::string none = corvane::test::ReadBytes(Path("s.wav"));
-        none.replace(field, field == 22 ? 2 : 4, field == 22 ? 2 : 4, '\0');
-        corvane::test::WriteBytes(Path("none.wav"), none);
-        const qt::DataReference reference = Reference("none.wav");
-        Movie movie = nullptr;
-        EXPECT_EQ(NewMovieFromDataRef(&movie, reference.handle.get(), reference.type), badFileFormat);
+    for (const std::size_t field : {22U, 24U}) { // no channels, no rate
+        std::string none = ReadBytes(Path("s.wav"));
+        const std::size_t size = field == 22 ? 2 : 4;
+        none.replace(field, size, size, '\0');
+        EXPECT_EQ(OpeningCode("none.wav", none), badFileFormat);
     }
     ASSERT_TRUE(Run("sox -r 44100 -n -c 2 -b 16 empty.wav trim 0 0"));
     const qt::OwnedMovie empty = Open("empty.wav");
     EXPECT_EQ(GetMovieDuration(empty.get()), 0);
     EXPECT_EQ(Exported(empty.get()).size(), 0U);
-    EXPECT_EQ(corvane::test::ReadBytes(Path("exported.wav")).size(), 44U);
+    EXPECT_EQ(ReadBytes(Path("exported.wav")).size(), 44U);
 }
 
+constexpr const char* kMakeMovie =
+    "sox -R -r 44100 -n -c 2 -b 16 s.wav synth 1000s pinknoise && ffmpeg -i s.wav -c:a pcm_s16le s.mov";
+
 TEST_F(DamagedFiles, AnEditListCannotBeginBeforeAllTime) {
-    ASSERT_TRUE(Run(
-        "sox -R -r 44100 -n -c 2 -b 16 s.wav synth 1000s pinknoise && ffmpeg -i s.wav -c:a pcm_s16le s.mov"));
-    std::string movie = corvane::test::ReadBytes(Path("s.mov"));
+    ASSERT_TRUE(Run(kMakeMovie));
+    std::string movie = ReadBytes(Path("s.mov"));
     const std::size_t edits = movie.find("elst");
     ASSERT_NE(edits, std::string::npos);
     movie[edits + 4] = 1; // the wide kind of list, whose entries are 8 bytes longer
@@ -109,20 +108,19 @@ TEST_F(DamagedFiles, AnEditListCannotBeginBeforeAllTime) {
         ASSERT_LT(static_cast<unsigned char>(size), 248) << atom;
         size = static_cast<char>(size + 8);
     }
-    corvane::test::WriteBytes(Path("early.mov"), movie);
+    WriteBytes(Path("early.mov"), movie);
     EXPECT_EQ(GetMovieDuration(Open("early.mov").get()), 0) << "nothing of the media is before its beginning";
 }
 
 TEST_F(DamagedFiles, ASampleTableCannotClaimMoreThanItsFileHolds) {
-    ASSERT_TRUE(Run(
-        "sox -R -r 44100 -n -c 2 -b 16 s.wav synth 1000s pinknoise && ffmpeg -i s.wav -c:a pcm_s16le s.mov"));
-    std::string movie = corvane::test::ReadBytes(Path("s.mov"));
+    ASSERT_TRUE(Run(kMakeMovie));
+    std::string movie = ReadBytes(Path("s.mov"));
     const std::size_t map = movie.find("stsc");
     ASSERT_NE(map, std::string::npos);
     movie.replace(map + 16, 4, "\xFF\xFF\xFF\xFF");
-    corvane::test::WriteBytes(Path("long.mov"), movie);
+    WriteBytes(Path("long.mov"), movie);
     const qt::OwnedMovie opened = Open("long.mov");
-    const Media media = GetTrackMedia(corvane::test::FirstSoundTrack(opened.get()));
+    const Media media = GetTrackMedia(FirstSoundTrack(opened.get()));
     EXPECT_LE(GetMediaDuration(media) * 4, static_cast<TimeValue>(movie.size()));
     const qt::MemoryHandle data(NewHandle(0));
     std::int64_t read = 0;

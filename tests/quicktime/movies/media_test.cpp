@@ -7,25 +7,15 @@
 
 namespace {
 
-using corvane::test::Block;
-using corvane::test::kStereo;
-using corvane::test::MovieTest;
+using namespace corvane::test;
 
-class MediaSamples : public MovieTest {
-protected:
-    static std::vector<std::int16_t> Noise(std::size_t count, std::uint32_t seed) {
-        std::vector<std::int16_t> samples(count);
-        for (auto& sample : samples)
-            sample = static_cast<std::int16_t>((seed = seed * 1664525 + 1013904223) >> 16);
-        return samples;
-    }
-};
+class MediaSamples : public MovieTest {};
 
 TEST_F(MediaSamples, BlocksAreReadAcrossWhatWasAddedApart) {
     const qt::OwnedMovie movie(NewMovie(0));
     const Track track = NewMovieTrack(movie.get(), 0, 0, kFullVolume);
     const Media media = NewTrackMedia(track, qt::Code("soun"), 44100, nullptr, qt::Code("hndl"));
-    const qt::MemoryHandle stereo = Block(qt::DescribePcm(kStereo));
+    const qt::MemoryHandle stereo = HandleOf(qt::DescribePcm(kStereo));
     const std::vector<std::int16_t> samples = Noise(2000, 1);
     const auto bytes = std::as_bytes(std::span(samples));
     EXPECT_EQ(AddMediaSample(media, bytes, 1, stereo.get(), 1000), invalidEditState);
@@ -38,7 +28,7 @@ TEST_F(MediaSamples, BlocksAreReadAcrossWhatWasAddedApart) {
     EXPECT_EQ(AddMediaSample(media, {}, 1, stereo.get(), 0), noErr);
     qt::PcmLayout big_endian = kStereo;
     big_endian.big_endian = true;
-    const qt::MemoryHandle other = Block(qt::DescribePcm(big_endian));
+    const qt::MemoryHandle other = HandleOf(qt::DescribePcm(big_endian));
     ASSERT_EQ(AddMediaSample(media, bytes.first(40), 1, other.get(), 10), noErr);
     ASSERT_EQ(EndMediaEdits(media), noErr);
     EXPECT_EQ(GetMediaDuration(media), 1010);
@@ -77,10 +67,7 @@ TEST_F(MediaSamples, AMovieFileKeepsWhatIsAddedAndOthersReadIt) {
     const Media media = NewTrackMedia(track, qt::Code("soun"), 44100, nullptr, 0);
     ASSERT_NE(media, nullptr);
     const std::vector<std::int16_t> samples = Noise(2 * 44117, 2);
-    const qt::MemoryHandle description = Block(qt::DescribePcm(kStereo));
-    ASSERT_EQ(BeginMediaEdits(media), noErr);
-    ASSERT_EQ(AddMediaSample(media, std::as_bytes(std::span(samples)), 1, description.get(), 44117), noErr);
-    ASSERT_EQ(EndMediaEdits(media), noErr);
+    AddSamples(media, samples);
     ASSERT_EQ(InsertMediaIntoTrack(track, 0, 0, GetMediaDuration(media), kNormalRate), noErr);
     EXPECT_EQ(Exported(made), samples); // a 600th of a second is no limit to what is exact
     ASSERT_EQ(AddMovieToStorage(made, handler), noErr);
@@ -100,31 +87,6 @@ TEST_F(MediaSamples, AMovieFileKeepsWhatIsAddedAndOthersReadIt) {
     EXPECT_EQ(made, nullptr);
 }
 
-TEST_F(MediaSamples, AnEmptyMovieIsFlattenedAndAddedTo) {
-    const qt::OwnedMovie empty(NewMovie(0));
-    const Track track = NewMovieTrack(empty.get(), 0, 0, kFullVolume);
-    ASSERT_NE(NewTrackMedia(track, qt::Code("soun"), 44100, nullptr, qt::Code("hndl")), nullptr);
-    const qt::DataReference reference = Reference("flat.mov");
-    const qt::OwnedMovie flat(FlattenMovieDataToDataRef(empty.get(), 0, reference.handle.get(),
-                                                        reference.type, qt::Code("TVOD"), -1,
-                                                        createMovieFileDeleteCurFile));
-    ASSERT_NE(flat, nullptr);
-    const Track sound = GetMovieIndTrackType(flat.get(), 1, qt::Code("ears"), movieTrackCharacteristic);
-    const Media media = GetTrackMedia(sound);
-    ASSERT_NE(media, nullptr);
-    EXPECT_EQ(GetMediaTimeScale(media), 44100);
-    const std::vector<std::int16_t> samples = Noise(88200, 3);
-    const qt::MemoryHandle description = Block(qt::DescribePcm(kStereo));
-    ASSERT_EQ(BeginMediaEdits(media), noErr);
-    for (std::size_t at = 0; at < samples.size(); at += 8820) {
-        const auto block = std::as_bytes(std::span(samples).subspan(at, 8820));
-        ASSERT_EQ(AddMediaSample(media, block, 1, description.get(), 4410), noErr);
-    }
-    ASSERT_EQ(EndMediaEdits(media), noErr);
-    ASSERT_EQ(InsertMediaIntoTrack(sound, 0, 0, GetMediaDuration(media), kNormalRate), noErr);
-    EXPECT_EQ(Exported(flat.get()), samples);
-}
-
 TEST_F(MediaSamples, FlatteningBringsForeignSamplesIn) {
     ASSERT_TRUE(Run("sox -R -r 44100 -n -c 2 -b 16 a.wav synth 1 pinknoise"));
     const qt::OwnedMovie movie = Open("a.wav");
@@ -132,7 +94,7 @@ TEST_F(MediaSamples, FlatteningBringsForeignSamplesIn) {
     const qt::OwnedMovie flat(
         FlattenMovieDataToDataRef(movie.get(), 0, reference.handle.get(), reference.type, 0, -1, 0));
     ASSERT_NE(flat, nullptr);
-    const std::vector<std::int16_t> samples = corvane::test::WaveSamples(Path("a.wav"));
+    const std::vector<std::int16_t> samples = WaveSamples(Path("a.wav"));
     ASSERT_TRUE(Run("rm a.wav"));
     EXPECT_EQ(Exported(flat.get()), samples);
 }

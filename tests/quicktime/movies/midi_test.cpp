@@ -1,5 +1,6 @@
 #include "platform/quicktime/movies/midi_events.h"
 
+#include "platform/quicktime/movies/atoms.h"
 #include "platform/quicktime/movies/movie_model.h"
 #include "tests/quicktime/movies/movie_test.h"
 #include "tests/support/environment_variable.h"
@@ -10,23 +11,22 @@
 
 namespace {
 
-using corvane::test::MovieTest;
-
-std::string Number(std::uint32_t value, int bytes) {
-    std::string text;
-    for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8) text += static_cast<char>(value >> shift);
-    return text;
-}
-
-std::string Chunk(const std::string& type, const std::string& data) {
-    return type + Number(static_cast<std::uint32_t>(data.size()), 4) + data;
-}
+using namespace corvane::test;
 
 std::string File(std::uint16_t format, std::uint16_t division, const std::vector<std::string>& tracks) {
-    const auto count = static_cast<std::uint32_t>(tracks.size());
-    std::string file = Chunk("MThd", Number(format, 2) + Number(count, 2) + Number(division, 2));
-    for (const std::string& track : tracks) file += Chunk("MTrk", track);
-    return file;
+    qt::AtomWriter writer;
+    writer.Put("MThd");
+    writer.Put32(6);
+    writer.Put16(format);
+    writer.Put16(static_cast<std::uint16_t>(tracks.size()));
+    writer.Put16(division);
+    for (const std::string& track : tracks) {
+        writer.Put("MTrk");
+        writer.Put32(static_cast<std::uint32_t>(track.size()));
+        writer.Put(track);
+    }
+    const qt::Bytes bytes = writer.Take();
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 const std::string kEnd("\x00\xFF\x2F\x00", 4);
@@ -54,16 +54,8 @@ double Strength(std::span<const float> frames, double frequency) {
 class Midi : public MovieTest {
 protected:
     [[nodiscard]] qt::OwnedMovie OpenBytes(const std::string& bytes) const {
-        corvane::test::WriteBytes(Path("song.mid"), bytes);
+        WriteBytes(Path("song.mid"), bytes);
         return Open("song.mid");
-    }
-    [[nodiscard]] OSErr CodeOf(const std::string& bytes) const {
-        corvane::test::WriteBytes(Path("bad.mid"), bytes);
-        const qt::DataReference reference = Reference("bad.mid");
-        Movie movie = nullptr;
-        const OSErr code = NewMovieFromDataRef(&movie, reference.handle.get(), reference.type);
-        const qt::OwnedMovie owned(movie);
-        return code;
     }
     static std::vector<float> Read(qt::FrameReader& reader, std::int64_t start, std::size_t frames) {
         std::vector<float> values(2 * frames);
@@ -76,7 +68,7 @@ protected:
 TEST_F(Midi, PlaysNotesAtTheirTimesAndPitches) {
     const qt::OwnedMovie movie = OpenBytes(Flute());
     EXPECT_EQ(GetMovieDuration(movie.get()), 44100 * 5 / 2); // 1 s, 0.5 s, and 1 s in which notes ring out
-    const auto opened = qt::OpenFrameReader(*GetTrackMedia(corvane::test::FirstSoundTrack(movie.get())));
+    const auto opened = qt::OpenFrameReader(*GetTrackMedia(FirstSoundTrack(movie.get())));
     ASSERT_EQ(opened.code, noErr);
     const std::vector<float> all = Read(*opened.reader, 0, 200'000);
     ASSERT_EQ(all.size(), 2U * 110'250);
@@ -123,15 +115,15 @@ TEST_F(Midi, CountsTimeInEveryWay) {
 
 TEST_F(Midi, RefusesWhatCannotBePlayed) {
     const std::string far("\xFF\xFF\xFF\x7F\xFF\x2F\x00", 7);
-    EXPECT_EQ(CodeOf(File(0, 1, {far})), badFileFormat); // years
-    EXPECT_EQ(CodeOf(File(2, 96, {kEnd})), badFileFormat);
-    EXPECT_EQ(CodeOf(File(0, 0, {kEnd})), badFileFormat);
-    EXPECT_EQ(CodeOf(File(0, 96, {})), badFileFormat);
+    EXPECT_EQ(OpeningCode("bad.mid", File(0, 1, {far})), badFileFormat); // years
+    EXPECT_EQ(OpeningCode("bad.mid", File(2, 96, {kEnd})), badFileFormat);
+    EXPECT_EQ(OpeningCode("bad.mid", File(0, 0, {kEnd})), badFileFormat);
+    EXPECT_EQ(OpeningCode("bad.mid", File(0, 96, {})), badFileFormat);
     const qt::OwnedMovie movie = OpenBytes(Flute());
     for (const char* bank : {"/nowhere/bank.sf2", "/etc/passwd"}) {
-        const corvane::test::EnvironmentVariable chosen("CORVANE_SOUNDFONT", bank);
+        const EnvironmentVariable chosen("CORVANE_SOUNDFONT", bank);
         EXPECT_EQ(Export(movie.get(), "out.wav"), cantOpenHandler);
-        EXPECT_FALSE(corvane::test::IsThere(Path("out.wav")));
+        EXPECT_FALSE(IsThere(Path("out.wav")));
     }
 }
 

@@ -19,20 +19,20 @@ bool MovieTest::Run(const std::string& command) const {
     return std::system(("cd '" + folder_ + "' && (" + command + ") >/dev/null 2>&1").c_str()) == 0;
 }
 
-std::vector<std::int16_t> MovieTest::DecodedBySox(const std::string& name) const {
-    EXPECT_TRUE(Run("sox -D " + name + " -e signed -b 16 -c 2 -r 44100 decoded.raw"));
+std::vector<std::int16_t> MovieTest::DecodedBy(const std::string& command) const {
+    EXPECT_TRUE(Run(command));
     const std::string bytes = ReadBytes(Path("decoded.raw"));
     std::vector<std::int16_t> samples(bytes.size() / 2);
     std::memcpy(samples.data(), bytes.data(), 2 * samples.size());
     return samples;
 }
 
+std::vector<std::int16_t> MovieTest::DecodedBySox(const std::string& name) const {
+    return DecodedBy("sox -D " + name + " -e signed -b 16 -c 2 -r 44100 decoded.raw");
+}
+
 std::vector<std::int16_t> MovieTest::DecodedByFfmpeg(const std::string& name) const {
-    EXPECT_TRUE(Run("ffmpeg -y -i " + name + " -ac 2 -ar 44100 -f s16le decoded.raw"));
-    const std::string bytes = ReadBytes(Path("decoded.raw"));
-    std::vector<std::int16_t> samples(bytes.size() / 2);
-    std::memcpy(samples.data(), bytes.data(), 2 * samples.size());
-    return samples;
+    return DecodedBy("ffmpeg -y -i " + name + " -ac 2 -ar 44100 -f s16le decoded.raw");
 }
 
 qt::OwnedMovie MovieTest::Open(const std::string& name) const {
@@ -42,15 +42,28 @@ qt::OwnedMovie MovieTest::Open(const std::string& name) const {
     return qt::OwnedMovie(movie);
 }
 
-OSErr MovieTest::Export(Movie movie, const std::string& name) const {
-    ComponentInstance instance = nullptr;
-    EXPECT_EQ(OpenADefaultComponent(qt::kMovieExporter, qt::Code("WAVE"), &instance), noErr);
-    const qt::OpenComponent exporter(instance);
-    const qt::MemoryHandle description = Block(qt::DescribePcm(kStereo));
-    EXPECT_EQ(MovieExportSetSampleDescription(instance, description.get(), qt::Code("soun")), noErr);
+OSErr MovieTest::OpeningCode(const std::string& name, const std::string& bytes) const {
+    WriteBytes(Path(name), bytes);
     const qt::DataReference reference = Reference(name);
-    return ConvertMovieToDataRef(movie, nullptr, reference.handle.get(), reference.type, qt::Code("WAVE"),
-                                 qt::Code("TVOD"), createMovieFileDeleteCurFile, instance);
+    Movie movie = nullptr;
+    const OSErr code = NewMovieFromDataRef(&movie, reference.handle.get(), reference.type);
+    EXPECT_EQ(code == noErr, movie != nullptr);
+    const qt::OwnedMovie owned(movie);
+    return code;
+}
+
+OSErr MovieTest::Export(Movie movie, const std::string& name) const {
+    const qt::OpenComponent exporter = OpenComponentOf(qt::kMovieExporter, qt::Code("WAVE"));
+    const qt::MemoryHandle description = HandleOf(qt::DescribePcm(kStereo));
+    EXPECT_EQ(MovieExportSetSampleDescription(exporter.get(), description.get(), qt::Code("soun")), noErr);
+    return ExportWith(exporter.get(), movie, name);
+}
+
+OSErr MovieTest::ExportWith(MovieExportComponent exporter, Movie movie, const std::string& name,
+                            std::uint32_t flags) const {
+    const qt::DataReference reference = Reference(name);
+    return ConvertMovieToDataRef(movie, nullptr, reference.handle.get(), reference.type, 0, 0, flags,
+                                 exporter);
 }
 
 std::vector<std::int16_t> MovieTest::Exported(Movie movie) const {
@@ -65,23 +78,39 @@ std::vector<std::int16_t> WaveSamples(const std::string& path) {
     return samples;
 }
 
-qt::MemoryHandle Block(std::span<const std::byte> bytes) {
-    Handle handle = nullptr;
-    EXPECT_EQ(PtrToHand(bytes.data(), &handle, static_cast<Size>(bytes.size())), noErr);
-    return qt::MemoryHandle(handle);
+std::vector<std::int16_t> Noise(std::size_t count, std::uint32_t seed) {
+    std::vector<std::int16_t> samples(count);
+    for (auto& sample : samples)
+        sample = static_cast<std::int16_t>((seed = seed * 1664525 + 1013904223) >> 16);
+    return samples;
 }
 
-qt::OwnedMovie MovieOf(const qt::PcmLayout& layout, std::span<const std::byte> samples) {
-    qt::OwnedMovie movie(NewMovie(0));
-    const Track track = NewMovieTrack(movie.get(), 0, 0, kFullVolume);
-    const Media media = NewTrackMedia(track, qt::Code("soun"), static_cast<TimeScale>(layout.rate), nullptr,
-                                      qt::Code("hndl"));
-    const qt::MemoryHandle description = Block(qt::DescribePcm(layout));
+void AddSamples(Media media, std::span<const std::int16_t> samples) {
+    const qt::MemoryHandle description = HandleOf(qt::DescribePcm(kStereo));
+    const auto frames = static_cast<std::int64_t>(samples.size() / 2);
     EXPECT_EQ(BeginMediaEdits(media), noErr);
-    const auto frames = static_cast<std::int64_t>(samples.size() / layout.FrameBytes());
-    EXPECT_EQ(AddMediaSample(media, samples, 1, description.get(), frames), noErr);
+    EXPECT_EQ(AddMediaSample(media, std::as_bytes(samples), 1, description.get(), frames), noErr);
     EXPECT_EQ(EndMediaEdits(media), noErr);
+}
+
+Track AddTrack(Movie movie, std::span<const std::int16_t> samples) {
+    const Track track = NewMovieTrack(movie, 0, 0, kFullVolume);
+    const Media media = NewTrackMedia(track, qt::Code("soun"), 44100, nullptr, qt::Code("hndl"));
+    AddSamples(media, samples);
     EXPECT_EQ(InsertMediaIntoTrack(track, 0, 0, GetMediaDuration(media), kNormalRate), noErr);
+    return track;
+}
+
+qt::Bytes DescriptionOf(Media media) {
+    const qt::MemoryHandle block(NewHandle(0));
+    EXPECT_EQ(GetMediaSampleDescription(media, 1, block.get()), noErr);
+    const auto bytes = qt::HandleBytes(block.get());
+    return {bytes.begin(), bytes.end()};
+}
+
+qt::OwnedMovie MovieOf(std::span<const std::int16_t> samples) {
+    qt::OwnedMovie movie(NewMovie(0));
+    AddTrack(movie.get(), samples);
     return movie;
 }
 

@@ -5,6 +5,7 @@
 #include "platform/quicktime/movies/media.h"
 #include "platform/quicktime/movies/movie_files.h"
 #include "platform/quicktime/movies/sound_description.h"
+#include "tests/quicktime/components.h"
 #include "tests/support/fake_host.h"
 
 #include <gtest/gtest.h>
@@ -29,19 +30,26 @@ protected:
     [[nodiscard]] std::vector<std::int16_t> DecodedByFfmpeg(const std::string& name) const;
 
     [[nodiscard]] qt::OwnedMovie Open(const std::string& name) const;
+    /// Writes the file, and opens it or fails with the code.
+    [[nodiscard]] OSErr OpeningCode(const std::string& name, const std::string& bytes) const;
     /// Exports as 16-bit stereo at 44,100 Hz.
     [[nodiscard]] OSErr Export(Movie movie, const std::string& name) const;
+    [[nodiscard]] OSErr ExportWith(MovieExportComponent exporter, Movie movie, const std::string& name,
+                                   std::uint32_t flags = createMovieFileDeleteCurFile) const;
     [[nodiscard]] std::vector<std::int16_t> Exported(Movie movie) const;
 
     ScratchDrives drives_;
     std::string folder_;
+
+private:
+    [[nodiscard]] std::vector<std::int16_t> DecodedBy(const std::string& command) const;
 };
 
 /// Samples behind a WAVE header of 44 bytes.
 std::vector<std::int16_t> WaveSamples(const std::string& path);
 
-/// A description in a block, as operations take it.
-qt::MemoryHandle Block(std::span<const std::byte> bytes);
+/// The same noise for the same seed.
+std::vector<std::int16_t> Noise(std::size_t count, std::uint32_t seed);
 
 inline Track FirstSoundTrack(Movie movie) {
     return GetMovieIndTrackType(movie, 1, qt::Code("soun"), movieTrackMediaType);
@@ -49,7 +57,14 @@ inline Track FirstSoundTrack(Movie movie) {
 
 constexpr qt::PcmLayout kStereo = {qt::SampleEncoding::kSigned16, false, 2, 44100};
 
-/// An empty movie with a sound track whose media is in memory, and has these samples.
-qt::OwnedMovie MovieOf(const qt::PcmLayout& layout, std::span<const std::byte> samples);
+/// Adds samples of kStereo to the media as one block.
+void AddSamples(Media media, std::span<const std::int16_t> samples);
+/// Adds a track with a media in memory that has these samples.
+Track AddTrack(Movie movie, std::span<const std::int16_t> samples);
+/// A description of the media's first samples.
+qt::Bytes DescriptionOf(Media media);
+
+/// A movie of one such track.
+qt::OwnedMovie MovieOf(std::span<const std::int16_t> samples);
 
 } // namespace corvane::test

@@ -9,7 +9,7 @@ namespace {
 
 using namespace std::string_literals;
 
-using corvane::test::MovieTest;
+using namespace corvane::test;
 
 /// A sound of 2 seconds and 17 frames that uses the whole range of levels.
 constexpr const char* kMakeSource =
@@ -86,14 +86,12 @@ TEST_P(Opening, ReportsTheFormatAndGivesTheSamplesThatOthersDecode) {
     EXPECT_EQ(importer, qt::Code(reinterpret_cast<const char(&)[5]>(*format.importer)));
     const qt::OwnedMovie movie = Open(format.file);
     ASSERT_NE(movie, nullptr);
-    const Media media = GetTrackMedia(corvane::test::FirstSoundTrack(movie.get()));
+    const Media media = GetTrackMedia(FirstSoundTrack(movie.get()));
     ASSERT_NE(media, nullptr);
     EXPECT_EQ(GetMediaTimeScale(media), 44100);
     EXPECT_EQ(GetMediaDuration(media), format.frames);
     EXPECT_EQ(GetMovieDuration(movie.get()), format.frames);
-    const qt::MemoryHandle description(NewHandle(0));
-    ASSERT_EQ(GetMediaSampleDescription(media, 1, description.get()), noErr);
-    const auto sound = qt::ReadSoundFormat(qt::HandleBytes(description.get()));
+    const auto sound = qt::ReadSoundFormat(DescriptionOf(media));
     ASSERT_TRUE(sound.has_value());
     EXPECT_EQ(sound->data_format, qt::Code(reinterpret_cast<const char(&)[5]>(*format.data_format)));
     EXPECT_EQ(sound->channels, 2U);
@@ -127,24 +125,6 @@ INSTANTIATE_TEST_SUITE_P(Formats, Opening, testing::ValuesIn(kFormats), [](const
 
 class OpeningOther : public MovieTest {};
 
-TEST_F(OpeningOther, WhatNothingReads) {
-    const auto code_of = [&](const std::string& name, const std::string& bytes) {
-        corvane::test::WriteBytes(Path(name), bytes);
-        const qt::DataReference reference = Reference(name);
-        Movie movie = nullptr;
-        const OSErr code = NewMovieFromDataRef(&movie, reference.handle.get(), reference.type);
-        EXPECT_EQ(movie, nullptr);
-        return code;
-    };
-    EXPECT_EQ(code_of("empty.wav", ""), noMovieFound);
-    EXPECT_EQ(code_of("text.txt", std::string(5000, 'a')), noMovieFound);
-    EXPECT_EQ(code_of("riff.wav", "RIFF\x10\0\0\0WAVEfmt "s), badFileFormat);
-    const qt::DataReference missing = Reference("missing.wav");
-    Movie movie = nullptr;
-    EXPECT_EQ(NewMovieFromDataRef(&movie, missing.handle.get(), missing.type), fnfErr);
-    EXPECT_EQ(GetMoviesError(), fnfErr);
-}
-
 TEST_F(OpeningOther, ReadsBlocksAnywhereAsOneRunOfSamples) {
     ASSERT_TRUE(Run(kMakeSource));
     ASSERT_TRUE(Run("lame -V 4 source.wav s.mp3 && ffmpeg -i source.wav s.ac3"));
@@ -159,7 +139,7 @@ TEST_F(OpeningOther, ReadsBlocksAnywhereAsOneRunOfSamples) {
             EXPECT_TRUE(std::equal(samples.begin(), samples.end(), whole.begin() + 2 * start))
                 << name << start;
         }
-        const Track track = corvane::test::FirstSoundTrack(movie.get()); // once more behind its end
+        const Track track = FirstSoundTrack(movie.get()); // once more behind its end
         ASSERT_EQ(InsertMediaIntoTrack(track, -1, 1000, 5000, 0x10000), noErr);
         const std::vector<std::int16_t> longer = Exported(movie.get());
         ASSERT_EQ(longer.size(), whole.size() + 10'000);
@@ -178,17 +158,6 @@ TEST_F(OpeningOther, OpusInAMovie) {
     double difference = 0; // two ways to convert the rate
     for (std::size_t i = 0; i < 2 * 88217; ++i) difference += std::abs(samples[i] - expected[i]);
     EXPECT_LT(difference / (2 * 88217), 60);
-}
-
-TEST_F(OpeningOther, MonoFillsBothChannels) {
-    ASSERT_TRUE(Run("sox -R -r 44100 -n -c 1 -b 16 mono.wav synth 0.5 sine 440 gain -1"));
-    const std::vector<std::int16_t> samples = Exported(Open("mono.wav").get());
-    const std::vector<std::int16_t> mono = corvane::test::WaveSamples(Path("mono.wav"));
-    ASSERT_EQ(samples.size(), 2 * mono.size());
-    for (std::size_t i = 0; i < mono.size(); ++i) {
-        ASSERT_EQ(samples[2 * i], mono[i]);
-        ASSERT_EQ(samples[2 * i + 1], mono[i]);
-    }
 }
 
 } // namespace

@@ -8,7 +8,7 @@
 
 namespace {
 
-using corvane::test::MovieTest;
+using namespace corvane::test;
 
 class ReferenceMovies : public MovieTest {
 protected:
@@ -41,10 +41,10 @@ TEST_F(ReferenceMovies, StandForTheSamplesOfTheirSource) {
     ASSERT_TRUE(Run("sox -R -r 44100 -n -c 2 -b 16 s.wav synth 2 pinknoise gain -3"));
     ASSERT_TRUE(Run("sox s.wav s.aiff && lame -V 2 s.wav s.mp3 && ffmpeg -i s.wav -c:a aac s.m4a"));
     for (const char* source : {"s.wav", "s.aiff", "s.mp3", "s.m4a"}) {
-        const std::string before = corvane::test::ReadBytes(Path(source));
+        const std::string before = ReadBytes(Path(source));
         MakeReference(source, "s_ref.mov");
-        EXPECT_EQ(corvane::test::ReadBytes(Path(source)), before);
-        EXPECT_LT(corvane::test::ReadBytes(Path("s_ref.mov")).size(), 8000U) << source;
+        EXPECT_EQ(ReadBytes(Path(source)), before);
+        EXPECT_LT(ReadBytes(Path("s_ref.mov")).size(), 8000U) << source;
         const qt::OwnedMovie movie = Open("s_ref.mov");
         EXPECT_EQ(qt::FirstText(movie.get()), qt::kPlaceholderText);
         EXPECT_EQ(SourceOf(movie.get()), Path(source));
@@ -101,14 +101,14 @@ TEST_F(ReferenceMovies, AliasesNameFilesAcrossFolders) {
         const char* movie;
         const char* seen_from; ///< the movie's place when the alias is read
         const char* first;
-    } kCases[] = {
+    } cases[] = {
         {"/a/b/s.wav", "/a/b/m.mov", "/z/m.mov", "/z/s.wav"},
         {"/a/b/c/s.wav", "/a/m.mov", "/z/y/m.mov", "/z/y/b/c/s.wav"},
         {"/a/x/s.wav", "/a/b/c/m.mov", "/1/2/3/m.mov", "/1/2/3/../../x/s.wav"},
         {"/top.wav", "/a/m.mov", "/q/a/m.mov", "/q/a/../top.wav"},
         {"/a/Ünï:cödé.wav", "/a/m.mov", "/z/m.mov", "/z/Ünï:cödé.wav"},
     };
-    for (const auto& [target, movie, seen_from, first] : kCases) {
+    for (const auto& [target, movie, seen_from, first] : cases) {
         const std::vector<std::string> paths = qt::ReadAlias(qt::MakeAlias(target, movie), seen_from);
         ASSERT_GE(paths.size(), 2U) << target;
         EXPECT_EQ(paths.front(), first);

@@ -12,7 +12,7 @@
 
 namespace {
 
-using corvane::test::MovieTest;
+using namespace corvane::test;
 using Samples = std::vector<std::int16_t>;
 
 constexpr std::size_t kFrames = 66150; // a second and a half
@@ -24,30 +24,20 @@ protected:
             Run("sox -R -r 44100 -n -c 2 -b 16 s.wav synth 66150s sine 440 sine 1250 vol 0.4 tremolo 3"));
     }
 
-    [[nodiscard]] qt::OpenComponent Exporter(OSType format, const qt::SoundFormatChoices& choices,
-                                             const qt::SoundSettings& settings) const {
-        ComponentInstance instance = nullptr;
-        EXPECT_EQ(OpenADefaultComponent(qt::kMovieExporter, format, &instance), noErr);
-        qt::OpenComponent exporter(instance);
-        fm::CurrentSession().answers = {Answer(choices, settings)};
+    static qt::OpenComponent Exporter(const qt::SoundExporterRow& row, const qt::SoundSettings& settings) {
+        qt::OpenComponent exporter = OpenComponentOf(qt::kMovieExporter, row.subtype);
+        std::string answer = "set:" + qt::SettingsText(row.choices, settings);
+        std::ranges::replace(answer, '\r', ',');
+        fm::CurrentSession().answers = {answer};
         bool cancelled = true;
-        EXPECT_EQ(MovieExportDoUserDialog(instance, nullptr, &cancelled), noErr);
+        EXPECT_EQ(MovieExportDoUserDialog(exporter.get(), nullptr, &cancelled), noErr);
         EXPECT_FALSE(cancelled);
         return exporter;
     }
 
-    [[nodiscard]] OSErr ExportTo(const std::string& name, Movie movie, MovieExportComponent exporter) const {
-        const qt::DataReference out = Reference(name);
-        return ConvertMovieToDataRef(movie, nullptr, out.handle.get(), out.type, 0, 0,
-                                     createMovieFileDeleteCurFile, exporter);
-    }
-
-private:
-    static std::string Answer(const qt::SoundFormatChoices& choices, const qt::SoundSettings& settings) {
-        std::string text = "set:" + qt::SettingsText(choices, settings);
-        for (char& character : text)
-            if (character == '\r') character = ',';
-        return text;
+    /// With the usual settings of the format.
+    static qt::OpenComponent Exporter(const qt::SoundExporterRow& row) {
+        return Exporter(row, qt::UsualSettings(row.choices));
     }
 };
 
@@ -100,8 +90,8 @@ TEST_F(SoundExporters, WriteWhatOthersDecodeToTheSource) {
                 SCOPED_TRACE(std::string(row.name) + " " + std::to_string(static_cast<int>(encoding)));
                 settings.encoding = encoding;
                 settings.big_endian ^= other_order;
-                const qt::OpenComponent exporter = Exporter(row.subtype, row.choices, settings);
-                ASSERT_EQ(ExportTo("out", movie.get(), exporter.get()), noErr);
+                const qt::OpenComponent exporter = Exporter(row, settings);
+                ASSERT_EQ(ExportWith(exporter.get(), movie.get(), "out"), noErr);
                 const Samples decoded = DecodedByFfmpeg("out");
                 const qt::OwnedMovie reopened = Open("out");
                 ASSERT_NE(reopened, nullptr);
@@ -135,8 +125,8 @@ TEST_F(SoundExporters, KeepTwentyFourBits) {
         settings.encoding = qt::SampleEncoding::kSigned24;
         settings.rate = 48000;
         if (row.choices.encodings.empty() || !qt::Offers(row.choices, settings)) continue;
-        const qt::OpenComponent exporter = Exporter(row.subtype, row.choices, settings);
-        ASSERT_EQ(ExportTo("out", movie.get(), exporter.get()), noErr) << row.name;
+        const qt::OpenComponent exporter = Exporter(row, settings);
+        ASSERT_EQ(ExportWith(exporter.get(), movie.get(), "out"), noErr) << row.name;
         EXPECT_TRUE(Run("ffmpeg -y -i out -f s24le out.raw && cmp deep.raw out.raw")) << row.name;
     }
 }
@@ -147,8 +137,8 @@ TEST_F(SoundExporters, ChangeRateAndChannels) {
         qt::SoundSettings settings = qt::UsualSettings(row.choices);
         settings.channels = 1;
         settings.rate = row.choices.usual_rate == 44100 ? 22050 : 16000;
-        const qt::OpenComponent exporter = Exporter(row.subtype, row.choices, settings);
-        ASSERT_EQ(ExportTo("out", movie.get(), exporter.get()), noErr) << row.name;
+        const qt::OpenComponent exporter = Exporter(row, settings);
+        ASSERT_EQ(ExportWith(exporter.get(), movie.get(), "out"), noErr) << row.name;
         EXPECT_TRUE(
             Run("ffprobe -v error -show_entries stream=channels,sample_rate -of csv=p=0 out > facts && "
                 "grep -q ',1$' facts"))
@@ -165,16 +155,16 @@ TEST_F(SoundExporters, OfAFullDiskTellAndLeaveWhatWasThere) {
     ASSERT_TRUE(Run("sox -R -r 44100 -n -c 2 -b 16 long.wav synth 20 pinknoise"));
     const qt::OwnedMovie movie = Open("long.wav");
     drives_.MakeFolder("drive/small");
-    const corvane::test::SmallDisk disk(Path("small"), "64k");
+    const SmallDisk disk(Path("small"), "64k");
     if (!disk.IsMounted()) GTEST_SKIP() << "mounting is not permitted";
-    corvane::test::WriteBytes(Path("small/old"), "kept");
+    WriteBytes(Path("small/old"), "kept");
     for (const qt::SoundExporterRow& row : qt::SoundExporters()) {
-        const qt::OpenComponent exporter = Exporter(row.subtype, row.choices, qt::UsualSettings(row.choices));
-        EXPECT_EQ(ExportTo("small/full", movie.get(), exporter.get()), dskFulErr) << row.name;
-        EXPECT_EQ(ExportTo("small/old", movie.get(), exporter.get()), dskFulErr) << row.name;
-        EXPECT_EQ(corvane::test::ReadBytes(Path("small/old")), "kept") << row.name;
-        EXPECT_EQ(ExportTo("small", movie.get(), exporter.get()), dupFNErr) << row.name;
-        EXPECT_EQ(corvane::test::CountEntries(Path("small")), 1) << row.name;
+        const qt::OpenComponent exporter = Exporter(row);
+        EXPECT_EQ(ExportWith(exporter.get(), movie.get(), "small/full"), dskFulErr) << row.name;
+        EXPECT_EQ(ExportWith(exporter.get(), movie.get(), "small/old"), dskFulErr) << row.name;
+        EXPECT_EQ(ReadBytes(Path("small/old")), "kept") << row.name;
+        EXPECT_EQ(ExportWith(exporter.get(), movie.get(), "small"), dupFNErr) << row.name;
+        EXPECT_EQ(CountEntries(Path("small")), 1) << row.name;
     }
 }
 
@@ -182,9 +172,8 @@ TEST_F(SoundExporters, ReplaceTheFileThatALinkLeadsTo) {
     ASSERT_TRUE(
         Run("sox -R -r 44100 -n -c 1 -b 16 short.wav synth 1 sine 440; echo old >old; ln -s old link"));
     const qt::OwnedMovie movie = Open("short.wav");
-    const qt::SoundExporterRow& row = qt::SoundExporters().front();
-    const qt::OpenComponent exporter = Exporter(row.subtype, row.choices, qt::UsualSettings(row.choices));
-    EXPECT_EQ(ExportTo("link", movie.get(), exporter.get()), noErr);
+    const qt::OpenComponent exporter = Exporter(qt::SoundExporters().front());
+    EXPECT_EQ(ExportWith(exporter.get(), movie.get(), "link"), noErr);
     EXPECT_TRUE(Run("test -L link && test \"$(stat -c %s old)\" -gt 1000"));
 }
 
@@ -192,41 +181,35 @@ TEST_F(SoundExporters, OfNoSamplesWriteAFileThatOpensOrNone) {
     ASSERT_TRUE(Run("sox -n -r 44100 -c 1 -b 16 empty.wav trim 0 0"));
     const qt::OwnedMovie movie = Open("empty.wav");
     for (const qt::SoundExporterRow& row : qt::SoundExporters()) {
-        corvane::test::WriteBytes(Path("out"), "kept");
-        const qt::OpenComponent exporter = Exporter(row.subtype, row.choices, qt::UsualSettings(row.choices));
-        const OSErr code = ExportTo("out", movie.get(), exporter.get());
+        WriteBytes(Path("out"), "kept");
+        const qt::OpenComponent exporter = Exporter(row);
+        const OSErr code = ExportWith(exporter.get(), movie.get(), "out");
         if (code == noErr) {
             EXPECT_NE(Open("out"), nullptr) << row.name;
         } else {
             EXPECT_EQ(code, invalidDuration) << row.name;
-            EXPECT_EQ(corvane::test::ReadBytes(Path("out")), "kept") << row.name;
+            EXPECT_EQ(ReadBytes(Path("out")), "kept") << row.name;
         }
     }
 }
 
 TEST_F(SoundExporters, RefuseWhatTheirFormatCannotHold) {
     const std::array<std::int16_t, 2> frame = {1, 1};
-    const qt::OwnedMovie movie =
-        corvane::test::MovieOf(corvane::test::kStereo, std::as_bytes(std::span(frame)));
+    const qt::OwnedMovie movie = MovieOf(frame);
     const Track track = GetMovieIndTrack(movie.get(), 1);
     ASSERT_EQ(InsertMediaIntoTrack(track, TimeValue{30000} * 600, 0, 1, kNormalRate), noErr);
     for (const OSType format : {qt::Code("WAVE"), qt::Code("AIFF"), qt::Code("AIFC"), qt::Code("ULAW")}) {
-        ComponentInstance instance = nullptr;
-        ASSERT_EQ(OpenADefaultComponent(qt::kMovieExporter, format, &instance), noErr);
-        const qt::OpenComponent exporter(instance);
-        EXPECT_EQ(ExportTo("large", movie.get(), instance), fileBoundsErr);
-        EXPECT_FALSE(corvane::test::IsThere(Path("large")));
+        const qt::OpenComponent exporter = OpenComponentOf(qt::kMovieExporter, format);
+        EXPECT_EQ(ExportWith(exporter.get(), movie.get(), "large"), fileBoundsErr);
+        EXPECT_FALSE(IsThere(Path("large")));
     }
 }
 
 TEST_F(SoundExporters, ASoundThatCannotBeReadLeavesTheTargetAlone) {
-    corvane::test::WriteBytes(Path("out"), "kept");
+    WriteBytes(Path("out"), "kept");
     const qt::OwnedMovie silent(NewMovie(0));
-    ComponentInstance instance = nullptr;
-    ASSERT_EQ(OpenADefaultComponent(qt::kMovieExporter, qt::Code("WAVE"), &instance), noErr);
-    const qt::OpenComponent exporter(instance);
-    EXPECT_EQ(ExportTo("out", silent.get(), instance), noSoundTrackInMovieErr);
-    EXPECT_EQ(corvane::test::ReadBytes(Path("out")), "kept");
+    EXPECT_EQ(Export(silent.get(), "out"), noSoundTrackInMovieErr);
+    EXPECT_EQ(ReadBytes(Path("out")), "kept");
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "platform/fmwrapper/session.h"
 #include "platform/quicktime/movie_exporters/movie_exporter.h"
 #include "platform/quicktime/movie_exporters/sound_exporter.h"
+#include "tests/quicktime/components.h"
 
 #include <gtest/gtest.h>
 
@@ -36,19 +37,13 @@ TEST(SoundSettings, WhatTheFormatDoesNotOfferChangesNothing) {
     const qt::SoundFormatChoices& choices = qt::SoundExporters()[0].choices; // WAVE
     qt::SoundSettings settings = qt::UsualSettings(choices);
     const qt::SoundSettings usual = settings;
-    qt::ChangeSettings(choices,
-                       {{"rate", "0"},
-                        {"rate", "44100x"},
-                        {"rate", "-8000"},
-                        {"rate", "99999999999"},
-                        {"channels", "0"},
-                        {"channels", "70000"},
-                        {"samples", "int8"},
-                        {"samples", ""},
-                        {"order", "big"},
-                        {"order", "middle"},
-                        {"nothing", "1"}},
-                       settings);
+    for (const char* rate : {"0", "44100x", "-8000", "99999999999"})
+        qt::ChangeSettings(choices, {{"rate", rate}}, settings);
+    for (const char* channels : {"0", "70000"})
+        qt::ChangeSettings(choices, {{"channels", channels}}, settings);
+    for (const char* samples : {"int8", ""}) qt::ChangeSettings(choices, {{"samples", samples}}, settings);
+    for (const char* order : {"big", "middle"}) qt::ChangeSettings(choices, {{"order", order}}, settings);
+    qt::ChangeSettings(choices, {{"nothing", "1"}}, settings);
     EXPECT_EQ(settings, usual);
     qt::ChangeSettings(choices, {{"samples", "int24"}, {"channels", "6"}, {"rate", "96000"}}, settings);
     EXPECT_EQ(qt::SettingsText(choices, settings), "rate=96000\rchannels=6\rsamples=int24\r");
@@ -59,11 +54,8 @@ TEST(SoundSettings, WhatTheFormatDoesNotOfferChangesNothing) {
 }
 
 struct OpenedExporter {
-    explicit OpenedExporter(OSType format) {
-        ComponentInstance instance = nullptr;
-        OpenADefaultComponent(qt::kMovieExporter, format, &instance);
-        component.reset(instance);
-    }
+    explicit OpenedExporter(OSType format)
+        : component(corvane::test::OpenComponentOf(qt::kMovieExporter, format)) {}
     void Answer(const std::string& answer) const {
         fm::CurrentSession().answers = {answer};
         bool cancelled = false;
@@ -77,10 +69,8 @@ struct OpenedExporter {
         return {*container, static_cast<std::size_t>(GetHandleSize(container))};
     }
     [[nodiscard]] ComponentResult Take(const std::string& settings) const {
-        Handle block = nullptr;
-        EXPECT_EQ(PtrToHand(settings.data(), &block, static_cast<Size>(settings.size())), noErr);
-        const qt::MemoryHandle owned(block);
-        return MovieExportSetSettingsFromAtomContainer(component.get(), block);
+        const qt::MemoryHandle block = corvane::test::HandleOf(std::as_bytes(std::span(settings)));
+        return MovieExportSetSettingsFromAtomContainer(component.get(), block.get());
     }
     qt::OpenComponent component;
 };
