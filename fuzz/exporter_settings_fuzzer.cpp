@@ -1,36 +1,32 @@
 // Settings of sound exporters, out of blocks that scripts kept: the exporter's own settings stay ones that it
 // offers, whatever it is given.
+#include "fuzz/fuzz_target.h"
 #include "platform/quicktime/movie_exporters/movie_exporter.h"
 
-#include <cstring>
+#include <algorithm>
 
 namespace {
 
 qt::MemoryHandle SettingsOf(MovieExportComponent exporter) {
     QTAtomContainer container = nullptr;
-    if (MovieExportGetSettingsAsAtomContainer(exporter, &container) != noErr) __builtin_trap();
+    Require(MovieExportGetSettingsAsAtomContainer(exporter, &container) == noErr);
     return qt::MemoryHandle(container);
-}
-
-bool AreEqual(std::span<const std::byte> first, std::span<const std::byte> second) {
-    return first.size() == second.size() && std::memcmp(first.data(), second.data(), first.size()) == 0;
 }
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+void Fuzz(std::string_view input) {
     Handle block = nullptr;
-    if (PtrToHand(data, &block, static_cast<Size>(size)) != noErr) return 0;
+    if (PtrToHand(input.data(), &block, static_cast<Size>(input.size())) != noErr) return;
     const qt::MemoryHandle given(block);
     for (const OSType format : {qt::Code("WAVE"), qt::Code("caff"), qt::Code("MP3 "), qt::Code("Ogg ")}) {
         ComponentInstance instance = nullptr;
-        if (OpenADefaultComponent(qt::kMovieExporter, format, &instance) != noErr) __builtin_trap();
+        Require(OpenADefaultComponent(qt::kMovieExporter, format, &instance) == noErr);
         const qt::OpenComponent exporter(instance);
         if (MovieExportSetSettingsFromAtomContainer(instance, block) != noErr) continue;
         const qt::MemoryHandle taken = SettingsOf(instance);
-        if (MovieExportSetSettingsFromAtomContainer(instance, taken.get()) != noErr) __builtin_trap();
-        if (!AreEqual(qt::HandleBytes(taken.get()), qt::HandleBytes(SettingsOf(instance).get())))
-            __builtin_trap();
+        Require(MovieExportSetSettingsFromAtomContainer(instance, taken.get()) == noErr);
+        Require(
+            std::ranges::equal(qt::HandleBytes(taken.get()), qt::HandleBytes(SettingsOf(instance).get())));
     }
-    return 0;
 }

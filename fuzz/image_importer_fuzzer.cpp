@@ -1,18 +1,17 @@
+#include "fuzz/fuzz_target.h"
 #include "platform/quicktime/data_references.h"
 #include "platform/quicktime/graphics_importer.h"
 
-#include <cstdlib>
-
 // Any data is recognised or not, and every question about it has an answer. A description means that the
 // dimensions are sound.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+void Fuzz(std::string_view input) {
     Handle handle = nullptr;
-    if (PtrToHand(bytes, &handle, static_cast<Size>(size)) != noErr) return 0;
+    if (PtrToHand(input.data(), &handle, static_cast<Size>(input.size())) != noErr) return;
     const qt::MemoryHandle data(handle);
     qt::DataReference reference;
     GraphicsImportComponent component = nullptr;
-    if (QTNewDataReferenceFromHandle(handle, reference) != noErr) std::abort();
-    if (GetGraphicsImporterForDataRef(reference.handle.get(), reference.type, &component) != noErr) return 0;
+    Require(QTNewDataReferenceFromHandle(handle, reference) == noErr);
+    if (GetGraphicsImporterForDataRef(reference.handle.get(), reference.type, &component) != noErr) return;
     const qt::OpenComponent importer(component);
 
     bool valid = false;
@@ -24,10 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     std::uint64_t offset = 0;
     std::uint64_t data_size = 0;
     const bool placed = GraphicsImportGetDataOffsetAndSize(component, &offset, &data_size) == noErr;
-    if (described != bounded || described != placed) std::abort();
-    if (!described) return 0;
-    if (bounds.right < 1 || bounds.bottom < 1 || bounds.right > 30'000 || bounds.bottom > 30'000)
-        std::abort();
-    if (offset > size || data_size > size - offset) std::abort();
-    return 0;
+    Require(described == bounded && described == placed);
+    if (!described) return;
+    Require(bounds.right >= 1 && bounds.bottom >= 1 && bounds.right <= 30'000 && bounds.bottom <= 30'000);
+    Require(offset <= input.size() && data_size <= input.size() - offset);
 }

@@ -1,12 +1,8 @@
+#include "fuzz/fuzz_target.h"
 #include "sounds/information_list.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-
 // A zero byte parts the list from the key path. Values lie within the list, and lines take all of it.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view input(reinterpret_cast<const char*>(data), size);
+void Fuzz(std::string_view input) {
     const std::size_t end = input.find('\0');
     const std::string_view list = input.substr(0, end);
     const std::string_view path = end == std::string_view::npos ? std::string_view() : input.substr(end + 1);
@@ -16,15 +12,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     corvane::InformationLines lines(list);
     for (std::string_view line; lines.Next(line); ++count) {
         bytes += line.size();
-        if (line.size() > 1023 || line.find_first_of("\r\n") != std::string_view::npos) std::abort();
+        Require(line.size() <= 1023 && line.find_first_of("\r\n") == std::string_view::npos);
     }
-    if (bytes > list.size() || bytes + std::size_t{2} * count < list.size()) std::abort();
+    Require(bytes <= list.size() && bytes + std::size_t{2} * count >= list.size());
     using corvane::InformationSearch;
-    if (count > 0 && corvane::FindInformationLine(list, count).outcome != InformationSearch::kFound)
-        std::abort();
-    if (corvane::FindInformationLine(list, count + 1).outcome == InformationSearch::kFound) std::abort();
+    const auto line_is_found = [&](std::uint32_t number) {
+        return corvane::FindInformationLine(list, number).outcome == InformationSearch::kFound;
+    };
+    Require((count == 0 || line_is_found(count)) && !line_is_found(count + 1));
     const corvane::FoundInformation found = corvane::FindInformationKey(list, path);
-    if (found.outcome == InformationSearch::kFound && list.find(found.value) == std::string_view::npos)
-        std::abort();
-    return 0;
+    Require(found.outcome != InformationSearch::kFound || list.find(found.value) != std::string_view::npos);
 }

@@ -1,5 +1,6 @@
 // Movie files whole: structure, sample tables, aliases, descriptions; then their first samples, and the sound
 // where no decoder is needed for it.
+#include "fuzz/fuzz_target.h"
 #include "platform/quicktime/movies/movie_atoms.h"
 #include "platform/quicktime/movies/reference_movies.h"
 #include "platform/quicktime/movies/sound_description.h"
@@ -28,11 +29,11 @@ void UseMedia(Media media) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-    const std::shared_ptr<qt::DataSource> source = qt::MemorySource(std::as_bytes(std::span(data, size)));
+void Fuzz(std::string_view input) {
+    const std::shared_ptr<qt::DataSource> source = qt::MemorySource(std::as_bytes(std::span(input)));
     const qt::DataReference reference = qt::MemoryReference();
     const qt::ReadMovie read = qt::ReadMovieFile(source, reference, "/nowhere/movie.mov");
-    if (read.movie == nullptr) return 0;
+    if (read.movie == nullptr) return;
     qt::FirstText(read.movie.get());
     GetMovieDuration(read.movie.get());
     for (std::int32_t i = 1; i <= GetMovieTrackCount(read.movie.get()); ++i)
@@ -41,5 +42,4 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     SetMovieSelection(read.movie.get(), 1, GetMovieDuration(read.movie.get()) / 2);
     const qt::OwnedMovie part(CopyMovieSelection(read.movie.get()));
     if (part != nullptr) PasteMovieSelection(read.movie.get(), part.get());
-    return 0;
 }

@@ -12,7 +12,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <regex>
 #include <sstream>
@@ -69,6 +68,23 @@ std::optional<std::string> Output(const std::string& command) {
     return Replaced(output, "\n", "\r");
 }
 
+std::string Complaint(const host::Outcome& outcome) {
+    if (!outcome.parse_error) return "no parse error";
+    const host::ParseError& error = *outcome.parse_error;
+    return std::to_string(error.line) + ":" + std::to_string(error.column) + " " + error.message;
+}
+
+// What an expectation of this kind is about.
+std::string Aspect(const host::Outcome& outcome, char kind) {
+    const bool is_container = outcome.value.Type() == kFM_TypeContainer;
+    switch (kind) {
+    case '?': return std::to_string(outcome.error);
+    case '!': return Complaint(outcome);
+    case '@': return is_container ? StreamList(outcome.value.AsContainer()) : "no container";
+    default: return Written(utf::ToUtf8(outcome.value.AsText().units));
+    }
+}
+
 host::SessionOptions SessionOptionsOf(const File& file, const fs::path& drive_c) {
     host::SessionOptions options;
     options.database = "file:/C:/Untitled.fp7";
@@ -100,10 +116,8 @@ public:
     explicit CalculationTest(fs::path path) : path_(std::move(path)) {}
 
     void TestBody() override {
-        std::ifstream stream(path_, std::ios::binary);
-        const std::string text(std::istreambuf_iterator<char>(stream), {});
         try {
-            const File file = Parse(text);
+            const File file = Parse(corvane::test::ReadBytes(path_));
             if (file.steps.empty()) throw FormatError(1, "nothing is tested here");
             const std::int64_t objects = fm::LiveObjects();
             Run(file);
@@ -135,58 +149,32 @@ private:
                 CheckCalculation(step, session.Evaluate(step.text));
             } else if (const auto output = Output(step.text)) {
                 for (const Expectation& expectation : step.expectations)
-                    CheckText(step, expectation, *output);
+                    Check(step, expectation, Written(*output));
             } else {
                 return Fail(step.line, "$ " + step.text + "\n  failed"); // what follows may rest on it
             }
         }
     }
 
-    void CheckText(const Step& step, const Expectation& expectation, const std::string& text) {
-        const std::string got = Written(text);
-        const bool met = expectation.kind == '=' ? got == expectation.text
-                                                 : std::regex_search(got, std::regex(expectation.text));
+    void Check(const Step& step, const Expectation& expectation, const std::string& got) {
+        bool met = got == expectation.text;
+        if (expectation.kind == '~') met = std::regex_search(got, std::regex(expectation.text));
+        if (expectation.kind == '@') met = SameWords(expectation.text, got);
         if (!met) FailStep(step, expectation.line, got, expectation.kind + (" " + expectation.text));
     }
 
     void CheckCalculation(const Step& step, const host::Outcome& outcome) {
         const auto has = [&](char kind) {
-            return std::any_of(step.expectations.begin(), step.expectations.end(),
-                               [&](const Expectation& expectation) { return expectation.kind == kind; });
+            return std::ranges::count(step.expectations, kind, &Expectation::kind) > 0;
         };
-        if (outcome.parse_error && !has('!')) {
-            const host::ParseError& error = *outcome.parse_error;
-            return FailStep(step, step.line,
-                            "! " + std::to_string(error.line) + ":" + std::to_string(error.column) + " " +
-                                error.message,
-                            "a calculation that parses");
-        }
+        if (outcome.parse_error && !has('!'))
+            return FailStep(step, step.line, "! " + Complaint(outcome), "a calculation that parses");
         if (outcome.error != 0 && !has('?'))
             FailStep(step, step.line, "? " + std::to_string(outcome.error) + " " + outcome.message, "? 0");
-        for (const Expectation& expectation : step.expectations) Check(step, expectation, outcome);
-        const std::string text = utf::ToUtf8(outcome.value.AsText().units);
+        for (const Expectation& expectation : step.expectations)
+            Check(step, expectation, Aspect(outcome, expectation.kind));
         if (step.expectations.empty() && !outcome.value.IsEmpty())
-            FailStep(step, step.line, Written(text), "an empty result, as nothing is expected");
-    }
-
-    void Check(const Step& step, const Expectation& expectation, const host::Outcome& outcome) {
-        std::string got;
-        switch (expectation.kind) {
-        case '?': got = std::to_string(outcome.error); break;
-        case '!':
-            got = outcome.parse_error
-                      ? std::to_string(outcome.parse_error->line) + ":" +
-                            std::to_string(outcome.parse_error->column) + " " + outcome.parse_error->message
-                      : "no parse error";
-            break;
-        case '@':
-            got = outcome.value.Type() == kFM_TypeContainer ? StreamList(outcome.value.AsContainer())
-                                                            : "no container";
-            break;
-        default: return CheckText(step, expectation, utf::ToUtf8(outcome.value.AsText().units));
-        }
-        const bool met = expectation.kind == '@' ? SameWords(expectation.text, got) : expectation.text == got;
-        if (!met) FailStep(step, expectation.line, got, expectation.kind + (" " + expectation.text));
+            FailStep(step, step.line, Aspect(outcome, '='), "an empty result, as nothing is expected");
     }
 
     fs::path path_;

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdlib>
+#include "tests/support/environment_variable.h"
+#include "tests/support/files.h"
+
 #include <filesystem>
-#include <stdexcept>
-#include <string>
 
 namespace calc {
 
@@ -11,36 +11,22 @@ namespace calc {
 // folder) are inside it, so that a test touches nothing else and finds nothing of another.
 class ScratchFolder {
 public:
-    ScratchFolder() : before_(std::filesystem::current_path()) {
-        std::string name = (std::filesystem::temp_directory_path() / "calc-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no scratch folder");
-        path_ = name;
-        std::filesystem::create_directories(path_ / "Temp");
-        std::filesystem::create_directories(path_ / "Home" / "Desktop");
-        std::filesystem::current_path(path_);
-        if (const char* temporary = std::getenv("TMPDIR")) temporary_ = temporary;
-        setenv("TMPDIR", (path_ / "Temp").c_str(), 1);
-        setenv("HOME", (path_ / "Home").c_str(), 1);
+    ScratchFolder() {
+        for (const char* folder : {"Temp", "Home/Desktop"})
+            std::filesystem::create_directories(Path() / folder);
+        std::filesystem::current_path(Path());
     }
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
-    ~ScratchFolder() {
-        std::filesystem::current_path(before_);
-        if (temporary_.empty()) {
-            unsetenv("TMPDIR");
-        } else {
-            setenv("TMPDIR", temporary_.c_str(), 1);
-        }
-        std::error_code error;
-        std::filesystem::remove_all(path_, error);
-    }
+    ~ScratchFolder() { std::filesystem::current_path(before_); }
 
-    [[nodiscard]] const std::filesystem::path& Path() const { return path_; }
+    [[nodiscard]] std::filesystem::path Path() const { return folder_.Path(); }
 
 private:
-    std::filesystem::path before_;
-    std::filesystem::path path_;
-    std::string temporary_;
+    std::filesystem::path before_ = std::filesystem::current_path();
+    corvane::test::ScratchFolder folder_;
+    corvane::test::EnvironmentVariable temporary_{"TMPDIR", Path() / "Temp"};
+    corvane::test::EnvironmentVariable home_{"HOME", Path() / "Home"};
 };
 
 } // namespace calc

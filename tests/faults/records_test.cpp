@@ -10,17 +10,6 @@ namespace {
 
 class StarvedRecords : public Program {
 protected:
-    // As SQLite's own shell sees the file.
-    std::string Sql(const std::string& statement) const {
-        const std::string command = "cd '" + folder_ + "'; sqlite3 m.corvane \"" + statement + "\" >sql 2>&1";
-        EXPECT_EQ(std::system(command.c_str()), 0);
-        return Contents(folder_ + "/sql");
-    }
-
-    void Shell(const std::string& command) const {
-        ASSERT_EQ(std::system(("cd '" + folder_ + "'; " + command).c_str()), 0);
-    }
-
     // Runs the command with the disk full from each write on, up to a run that has all the room that it
     // needs. `is_sound` looks at the file after each failure.
     void Sweep(const std::string& command, const std::function<void()>& is_sound) {
@@ -31,12 +20,11 @@ protected:
             setenv("CORVANE_FULL_DISK", std::to_string(write).c_str(), 1);
             const Finished run = Corvane(command);
             unsetenv("CORVANE_FULL_DISK");
-            EXPECT_EQ(Sql("PRAGMA integrity_check"), "ok\n");
+            EXPECT_EQ(Sql("PRAGMA integrity_check"), "ok");
             if (run.status == 0) break;
             ++failures;
             // The second is SQLite's word when its index of the log can't grow.
-            EXPECT_TRUE(run.errors.find("disk is full") != run.errors.npos ||
-                        run.errors.find("disk I/O error") != run.errors.npos)
+            EXPECT_TRUE(Contains(run.errors, "disk is full") || Contains(run.errors, "disk I/O error"))
                 << run.errors;
             is_sound();
             EXPECT_EQ(Corvane(command).status, 0);
@@ -56,10 +44,10 @@ TEST_F(StarvedRecords, StaySound) {
     const char* const streams =
         "SELECT count(*) = count(DISTINCT record), sum(length(bytes)) = 20000 * count(*), "
         "count(*) >= 6 FROM corvane_streams WHERE type = 'FILE'";
-    Sweep("import m.corvane t data in --name-field name", [&] { EXPECT_EQ(Sql(streams), "1|1|1\n"); });
+    Sweep("import m.corvane t data in --name-field name", [&] { EXPECT_EQ(Sql(streams), "1|1|1"); });
     Sweep("update m.corvane t 'n=Length(HostStream(data;\"FILE\"))' data=data", [&] {
-        EXPECT_EQ(Sql(streams), "1|1|1\n");
-        EXPECT_EQ(Sql("SELECT count(*) FROM t WHERE n IS NOT NULL AND n <> 40000"), "0\n");
+        EXPECT_EQ(Sql(streams), "1|1|1");
+        EXPECT_EQ(Sql("SELECT count(*) FROM t WHERE n IS NOT NULL AND n <> 40000"), "0");
     });
 }
 

@@ -1,16 +1,14 @@
 #include "files/file_spec.h"
 
-#include "tests/support/fake_host.h"
+#include "tests/support/drive_test.h"
 
-#include <gtest/gtest.h>
 #include <utility>
 
 namespace corvane {
 namespace {
 
-struct FileSpec : testing::Test {
+struct FileSpec : test::DriveTest {
     FileSpec() {
-        drives.Map("C:", "c");
         drives.Map("D:", "d");
         drives.Map(R"(\\srv\share)", "s");
         drives.MakeFile("c/Data/Märchen/ü.wav");
@@ -24,14 +22,15 @@ struct FileSpec : testing::Test {
         spec.SetFromNativePath(native);
         return spec;
     }
-    static std::pair<std::int32_t, std::string> Pair(const PathText& path) { return {path.code, path.text}; }
-
-    using Expected = std::pair<std::int32_t, std::string>;
-    test::ScratchDrives drives;
+    // "text code"
+    static std::string Shown(const PathText& path) { return path.text + " " + std::to_string(path.code); }
+    static std::string Host(std::string_view native, const char* word = "") {
+        return Shown(At(native).GetFileMakerPath(word));
+    }
 };
 
 TEST(VxObjects, DestroyThemselvesWithTheLastReference) {
-    struct Watched : VxObject {
+    struct Watched : XFileSpec {
         explicit Watched(int& count) : left(count) {}
         ~Watched() override { --left; }
         int& left;
@@ -39,17 +38,12 @@ TEST(VxObjects, DestroyThemselvesWithTheLastReference) {
     int alive = 1;
     auto* object = new Watched(alive);
     object->AddRef();
+    const XFileSpec copy = *object;
     EXPECT_EQ(object->Release(), 1);
     EXPECT_EQ(alive, 1);
     EXPECT_EQ(object->Release(), 0);
     EXPECT_EQ(alive, 0);
-
-    auto* shared = new XFileSpec;
-    shared->AddRef();
-    const XFileSpec copy = *shared;
-    EXPECT_EQ(shared->Release(), 1);
-    EXPECT_EQ(shared->Release(), 0);
-    EXPECT_EQ(std::make_unique<XFileSpec>(copy).release()->Release(), 0) << "a copy has one reference";
+    EXPECT_EQ((new XFileSpec(copy))->Release(), 0) << "a copy has one reference";
 }
 
 TEST_F(FileSpec, NativePathsOfFoldersEndWithASeparator) {
@@ -64,37 +58,31 @@ TEST_F(FileSpec, NativePathsOfFoldersEndWithASeparator) {
 }
 
 TEST_F(FileSpec, HostPathTexts) {
-    EXPECT_EQ(Pair(At("C:\\Data\\Märchen\\ü.wav").GetFileMakerPath("")),
-              Expected(0, "/C:/Data/Märchen/ü.wav"));
-    EXPECT_EQ(Pair(At("C:\\Data\\").GetFileMakerPath("file")), Expected(0, "filewin:/C:/Data"));
-    EXPECT_EQ(Pair(At("C:\\").GetFileMakerPath("")), Expected(0, "/C:"));
-    EXPECT_EQ(Pair(At("C:\\none").GetFileMakerPath("movie")), Expected(-43, "moviewin:/C:/none"));
-    EXPECT_EQ(Pair(At("\\\\srv\\share\\dir\\x.txt").GetFileMakerPath("file")),
-              Expected(0, "filewin://srv/share/dir/x.txt"));
-    EXPECT_EQ(Pair(At("\\\\srv\\share\\dir").GetFileMakerPath("image")),
-              Expected(0, "imagewin://srv/share/dir"));
-    EXPECT_EQ(Pair(At("\\\\srv\\share\\dir").GetFileMakerPath("")), Expected(0, "//srv/share/dir/"))
-        << "without a word this is the folder's native path with slashes";
-    EXPECT_EQ(Pair(XFileSpec().GetFileMakerPath("")), Expected(-35, "/"));
+    EXPECT_EQ(Host("C:\\Data\\Märchen\\ü.wav"), "/C:/Data/Märchen/ü.wav 0");
+    EXPECT_EQ(Host("C:\\Data\\", "file"), "filewin:/C:/Data 0");
+    EXPECT_EQ(Host("C:\\"), "/C: 0");
+    EXPECT_EQ(Host("C:\\none", "movie"), "moviewin:/C:/none -43");
+    EXPECT_EQ(Host("\\\\srv\\share\\dir\\x.txt", "file"), "filewin://srv/share/dir/x.txt 0");
+    EXPECT_EQ(Host("\\\\srv\\share\\dir", "image"), "imagewin://srv/share/dir 0");
+    EXPECT_EQ(Host("\\\\srv\\share\\dir"), "//srv/share/dir/ 0") << "the folder's native path with slashes";
+    EXPECT_EQ(Host(""), "/ -35");
 }
 
 TEST_F(FileSpec, RelativePaths) {
-    const XFileSpec db = At("C:\\Db\\");
-    EXPECT_EQ(Pair(At("C:\\Db\\img\\x.jpg").GetRelativePath("image", db)), Expected(0, "image:img/x.jpg"));
-    EXPECT_EQ(Pair(At("C:\\Data\\Märchen\\ü.wav").GetRelativePath("movie", db)),
-              Expected(0, "movie:../Data/Märchen/ü.wav"));
-    EXPECT_EQ(Pair(At("C:\\Db\\img\\").GetRelativePath("", db)), Expected(0, "img"));
-    EXPECT_EQ(Pair(db.GetRelativePath("file", db)), Expected(0, "file:"));
-    EXPECT_EQ(Pair(At("C:\\").GetRelativePath("", db)), Expected(0, ".."));
-    EXPECT_EQ(Pair(db.GetRelativePath("file", At("C:\\"))), Expected(0, "file:Db"));
-    EXPECT_EQ(Pair(At("C:\\db\\img\\x.jpg").GetRelativePath("", db)), Expected(0, "../db/img/x.jpg"))
-        << "folders are compared as written";
-    EXPECT_EQ(Pair(At("C:\\Db\\none").GetRelativePath("file", db)), Expected(-43, "file:none"));
-    EXPECT_EQ(Pair(At("C:\\Db\\img").GetRelativePath("", At("C:\\Db\\Media.fp7"))), Expected(-120, "../img"))
-        << "the base is a file";
-    EXPECT_EQ(Pair(At("D:\\").GetRelativePath("file", db)), Expected(-35, ""));
-    EXPECT_EQ(Pair(At("D:\\").GetRelativePath("file", At("D:\\"))), Expected(-35, ""))
-        << "not the system volume";
+    const auto relative = [](std::string_view native, std::string_view base, const char* word = "") {
+        return Shown(At(native).GetRelativePath(word, At(base)));
+    };
+    EXPECT_EQ(relative("C:\\Db\\img\\x.jpg", "C:\\Db\\", "image"), "image:img/x.jpg 0");
+    EXPECT_EQ(relative("C:\\Data\\Märchen\\ü.wav", "C:\\Db\\", "movie"), "movie:../Data/Märchen/ü.wav 0");
+    EXPECT_EQ(relative("C:\\Db\\img\\", "C:\\Db\\"), "img 0");
+    EXPECT_EQ(relative("C:\\Db\\", "C:\\Db\\", "file"), "file: 0");
+    EXPECT_EQ(relative("C:\\", "C:\\Db\\"), ".. 0");
+    EXPECT_EQ(relative("C:\\Db\\", "C:\\", "file"), "file:Db 0");
+    EXPECT_EQ(relative("C:\\db\\img\\x.jpg", "C:\\Db\\"), "../db/img/x.jpg 0") << "compared as written";
+    EXPECT_EQ(relative("C:\\Db\\none", "C:\\Db\\", "file"), "file:none -43");
+    EXPECT_EQ(relative("C:\\Db\\img", "C:\\Db\\Media.fp7"), "../img -120") << "the base is a file";
+    EXPECT_EQ(relative("D:\\", "C:\\Db\\", "file"), " -35");
+    EXPECT_EQ(relative("D:\\", "D:\\", "file"), " -35") << "not the system volume";
 }
 
 TEST_F(FileSpec, NamesAndParents) {
@@ -117,18 +105,6 @@ TEST_F(FileSpec, NamesAndParents) {
     inside.name.clear();
     inside.MoveToParent();
     EXPECT_TRUE(inside.folders.empty() && inside.name.empty());
-}
-
-TEST_F(FileSpec, Existence) {
-    EXPECT_TRUE(At("C:\\Data").IsDirectory());
-    EXPECT_FALSE(At("C:\\Db\\Media.fp7").IsDirectory());
-    EXPECT_FALSE(At("C:\\none").IsDirectory());
-    EXPECT_FALSE(XFileSpec().IsDirectory());
-    EXPECT_EQ(At("C:\\db\\MEDIA.FP7").CheckExists(), 0);
-    EXPECT_EQ(At("C:\\none").CheckExists(), -43);
-    EXPECT_EQ(At("C:\\None\\none").CheckExists(), -120);
-    EXPECT_EQ(At("\\\\none\\share\\x").CheckExists(), 53);
-    EXPECT_EQ(At("x").CheckExists(), -35);
 }
 
 } // namespace

@@ -5,26 +5,24 @@
 #include "files/reference_movie.h"
 #include "platform/quicktime/movies/media.h"
 #include "platform/quicktime/movies/reference_movies.h"
-#include "tests/support/fake_host.h"
+#include "tests/support/drive_test.h"
 #include "tests/support/files.h"
 #include "tests/support/small_disk.h"
 
 #include "platform/fmwrapper/session.h"
-
-#include <gtest/gtest.h>
 
 #include <filesystem>
 
 namespace corvane {
 namespace {
 
-struct MovieFiles : testing::Test {
+struct MovieFiles : test::DriveTest {
     MovieFiles() {
         Run("sox -n -r 44100 -c 2 -b 16 a.b.wav synth 1 sine 440 && convert -size 4x4 xc:red p.png");
     }
 
     void Run(const std::string& command) const {
-        const std::string all = "cd '" + folder + "' && " + command;
+        const std::string all = "cd '" + c + "' && " + command;
         if (std::system(all.c_str()) != 0) throw std::runtime_error(all);
     }
 
@@ -35,34 +33,20 @@ struct MovieFiles : testing::Test {
     }
 
     test::FakeHost host;
-    test::ScratchDrives drives;
-    std::string folder = drives.Map("C:", "c");
 };
 
-TEST_F(MovieFiles, ReferenceMoviesTakeTheNameAndTheSamplesOfTheirSource) {
-    XFileSpec file = Spec("C:\\a.b.wav");
-    test::WriteBytes(folder + "/a.b_ref.mov", "an older one");
-    ASSERT_EQ(MakeReferenceMovie(file), 0);
-    EXPECT_EQ(file.GetNativePath(), "C:\\a.b_ref.mov");
-    EXPECT_LT(std::filesystem::file_size(folder + "/a.b_ref.mov"), 4096U);
-    qt::OwnedMovie movie;
-    ASSERT_EQ(OpenMovieFile(file, movie), 0);
-    EXPECT_EQ(qt::FirstText(movie.get()), "This file has no preview");
-    const Media media =
-        GetTrackMedia(GetMovieIndTrackType(movie.get(), 1, qt::Code("soun"), movieTrackMediaType));
-    ASSERT_NE(media, nullptr);
-    EXPECT_EQ(GetMediaDuration(media), 44100);
-    qt::DataReference reference;
-    std::int32_t attributes = 0;
-    ASSERT_EQ(GetMediaDataRef(media, 1, reference, &attributes), 0);
-    XFileSpec source;
-    EXPECT_EQ(FileOfDataReference(reference, source), 0);
-    EXPECT_EQ(source.GetNativePath(), "C:\\a.b.wav");
-
+TEST_F(MovieFiles, ReferenceMoviesTakeTheNameOfTheirSource) {
     Run("cp a.b.wav plain");
-    file = Spec("C:\\plain");
-    EXPECT_EQ(MakeReferenceMovie(file), 0);
-    EXPECT_EQ(file.GetNativePath(), "C:\\plain_ref.mov");
+    test::WriteBytes(c + "/a.b_ref.mov", "an older one");
+    for (const std::string name : {"a.b.wav", "plain"}) {
+        XFileSpec file = Spec("C:\\" + name);
+        ASSERT_EQ(MakeReferenceMovie(file), 0);
+        EXPECT_EQ(file.GetName(), name.substr(0, name.rfind(".wav")) + "_ref.mov");
+        qt::OwnedMovie movie;
+        ASSERT_EQ(OpenMovieFile(file, movie), 0);
+        EXPECT_EQ(qt::FirstText(movie.get()), "This file has no preview");
+    }
+    EXPECT_LT(std::filesystem::file_size(c + "/a.b_ref.mov"), 4096U);
 }
 
 TEST_F(MovieFiles, AReferenceMovieThatCantBeMadeLeavesNothing) {
@@ -72,22 +56,22 @@ TEST_F(MovieFiles, AReferenceMovieThatCantBeMadeLeavesNothing) {
         EXPECT_EQ(file.GetNativePath(), "C:\\" + name);
         return code;
     };
-    const std::ptrdiff_t before = test::CountEntries(folder);
+    const std::ptrdiff_t before = test::CountEntries(c);
     EXPECT_EQ(fails("p.png"), noMovieFound);
     EXPECT_EQ(fails("none.wav"), -43);
-    EXPECT_EQ(test::CountEntries(folder), before);
+    EXPECT_EQ(test::CountEntries(c), before);
     Run("ffmpeg -v error -f lavfi -i color=red:s=16x16:d=1 -c:v mpeg4 silent.mov && mkdir a.b_ref.mov");
     EXPECT_EQ(fails("silent.mov"), invalidTrack);
     EXPECT_NE(fails("a.b.wav"), 0) << "a folder is in the way";
-    EXPECT_FALSE(test::IsThere(folder + "/silent_ref.mov"));
+    EXPECT_FALSE(test::IsThere(c + "/silent_ref.mov"));
 
-    std::filesystem::create_directory(folder + "/disk");
-    const test::SmallDisk disk(folder + "/disk", "1m");
+    std::filesystem::create_directory(c + "/disk");
+    const test::SmallDisk disk(c + "/disk", "1m");
     if (!disk.IsMounted()) GTEST_SKIP() << "mounting is not permitted";
     Run("cp a.b.wav disk/s.wav");
     ASSERT_TRUE(disk.MakeReadOnly());
     EXPECT_EQ(fails("disk\\s.wav"), -10000);
-    EXPECT_EQ(test::CountEntries(folder + "/disk"), 1);
+    EXPECT_EQ(test::CountEntries(c + "/disk"), 1);
 }
 
 TEST_F(MovieFiles, LocalFilesAreJudgedByTheirContentAndOthersByTheirName) {
@@ -101,7 +85,7 @@ TEST_F(MovieFiles, LocalFilesAreJudgedByTheirContentAndOthersByTheirName) {
         EXPECT_EQ(DataReferenceOf(Spec(path), reference), 0);
         return use(reference);
     };
-    test::WriteBytes(folder + "/text.wav", "no sound");
+    test::WriteBytes(c + "/text.wav", "no sound");
     Run("cp p.png picture.mov && cp a.b.wav sound.jpg");
     EXPECT_EQ(use_of("C:\\picture.mov"), "0 image preferred");
     EXPECT_EQ(use_of("C:\\sound.jpg"), "0 movie");
@@ -110,16 +94,16 @@ TEST_F(MovieFiles, LocalFilesAreJudgedByTheirContentAndOthersByTheirName) {
 
     drives.Map(R"(\\srv\share)", "s");
     for (fm::Drive& drive : fm::CurrentSession().drives) drive.remote = drive.root != "C:";
-    for (const auto& [name, expected] :
-         std::initializer_list<std::pair<const char*, const char*>>{{"a.MOV", "0 movie"},
-                                                                    {"a.mpeg", "0 movie"},
-                                                                    {"a.pdf", "0 image movie"},
-                                                                    {"a.b.Jpeg", "0 image preferred"},
-                                                                    {"a.jp2", "0 image preferred"},
-                                                                    {"a.Snd", "0 movie"},
-                                                                    {"a.txt", "0"},
-                                                                    {"a.", "0"},
-                                                                    {"plain", "-37"}})
+    const std::pair<const char*, const char*> uses[] = {{"a.MOV", "0 movie"},
+                                                        {"a.mpeg", "0 movie"},
+                                                        {"a.pdf", "0 image movie"},
+                                                        {"a.b.Jpeg", "0 image preferred"},
+                                                        {"a.jp2", "0 image preferred"},
+                                                        {"a.Snd", "0 movie"},
+                                                        {"a.txt", "0"},
+                                                        {"a.", "0"},
+                                                        {"plain", "-37"}};
+    for (const auto& [name, expected] : uses)
         EXPECT_EQ(use_of(std::string("\\\\srv\\share\\") + name), expected) << name;
     for (fm::Drive& drive : fm::CurrentSession().drives) drive.remote = true;
     EXPECT_EQ(use_of("C:\\picture.mov"), "-35") << "a letter does not tell whose share it is";

@@ -9,16 +9,12 @@
 #include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
-#include <vector>
 
 namespace host {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-void Sleep(double seconds) {
-    std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
-}
+using std::chrono::milliseconds;
 
 class FieldRuns : public Program {
 protected:
@@ -26,38 +22,19 @@ protected:
     void MakeTable(int count, int bytes = 100) const {
         ASSERT_EQ(Corvane("db create m.corvane").status, 0);
         ASSERT_EQ(Corvane("db table m.corvane t name:text n:number data:container").status, 0);
-        Sql("WITH RECURSIVE c(i) AS (VALUES (1) UNION ALL SELECT i + 1 FROM c WHERE i < " +
-            std::to_string(count) +
-            ") INSERT INTO t (id, name) SELECT i, i FROM c WHERE i <= " + std::to_string(count) +
-            ";"
-            "INSERT INTO corvane_streams (field, record, position, type, bytes) "
+        Sql("INSERT INTO t (id, name) SELECT value, value FROM generate_series(1, " + std::to_string(count) +
+            "); INSERT INTO corvane_streams (field, record, position, type, bytes) "
             "SELECT 3, id, 0, 'FILE', randomblob(" +
             std::to_string(bytes) + ") FROM t");
     }
 
-    // As the plain shell sees the file.
-    std::string Sql(const std::string& statements) const {
-        const std::string command =
-            "cd '" + folder_ + "'; sqlite3 -cmd '.timeout 60000' m.corvane \"" + statements + "\" >sql 2>&1";
-        EXPECT_EQ(std::system(command.c_str()), 0) << Contents(folder_ + "/sql");
-        std::string text = Contents(folder_ + "/sql");
-        if (text.ends_with('\n')) text.pop_back();
-        return text;
-    }
-
-    // Starts the program in the background, in a process group of its own; its errors go to a file.
-    [[nodiscard]] pid_t Start(const std::vector<std::string>& arguments,
-                              const std::string& plugin = CORVANE_TEST_PLUGIN) const {
+    // The program in the background; its errors go to a file.
+    [[nodiscard]] pid_t Start(const std::string& arguments) const {
+        const std::string command = "cd '" + folder_ + "'; exec '" CORVANE_PROGRAM "' --ui none --plugin '" +
+                                    CORVANE_TEST_PLUGIN "' " + arguments + " 2>errors";
         const pid_t process = ::fork();
         if (process != 0) return process;
-        std::vector<std::string> words = {CORVANE_PROGRAM, "--ui=none", "--plugin=" + plugin};
-        words.insert(words.end(), arguments.begin(), arguments.end());
-        std::vector<char*> pointers;
-        pointers.reserve(words.size() + 1);
-        for (std::string& word : words) pointers.push_back(word.data());
-        pointers.push_back(nullptr);
-        if (::chdir(folder_.c_str()) == 0 && std::freopen("errors", "w", stderr) != nullptr)
-            ::execv(CORVANE_PROGRAM, pointers.data());
+        ::execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
         ::_exit(127);
     }
 
@@ -70,19 +47,28 @@ protected:
         return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     }
 
+    static int Kill(pid_t process, int signal = SIGKILL) {
+        ::kill(process, signal);
+        return Wait(process);
+    }
+
     bool WaitFor(const std::string& query, const std::string& answer) const {
-        for (const auto end = Clock::now() + std::chrono::seconds(30); Clock::now() < end; Sleep(0.02))
+        const auto end = Clock::now() + std::chrono::seconds(30);
+        while (Clock::now() < end) {
             if (Sql(query) == answer) return true;
+            std::this_thread::sleep_for(milliseconds(20));
+        }
         return false;
     }
 };
 
 TEST_F(FieldRuns, SeveralWorkersDoWhatOneDoes) {
     MakeTable(200, 300'000);
-    ASSERT_EQ(Corvane("update m.corvane t 'n=Length(HostStream(data; \"FILE\")) + id' 'data=data' "
-                      "'name=If(Mod(id; 50) = 0; \"$-7:no\"; name & \"!\")' --where 'id > 10' --jobs 3")
-                  .status,
-              1);
+    const Finished run =
+        Corvane("update m.corvane t 'n=Length(HostStream(data; \"FILE\")) + id' 'data=data' "
+                "'name=If(Mod(id; 50) = 0; \"$-7:no\"; name & \"!\")' --where 'id > 10' --jobs 3");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.errors.starts_with("record 50: name: -7: no\n")) << run.errors;
     EXPECT_EQ(
         Sql("SELECT count(*), sum(n = 600000 + id AND name = id || '!') FROM t WHERE id > 10 AND id % 50"),
         "186|186");
@@ -90,24 +76,22 @@ TEST_F(FieldRuns, SeveralWorkersDoWhatOneDoes) {
     EXPECT_EQ(
         Sql("SELECT count(DISTINCT record), min(length(bytes)), count(DISTINCT bytes) FROM corvane_streams"),
         "200|300000|200");
-    EXPECT_EQ(Contents(folder_ + "/stderr").find("record 50: name: -7: no\n"), 0U)
-        << Contents(folder_ + "/stderr");
-    EXPECT_EQ(Sql("SELECT count(*) FROM corvane_runs") + Sql("SELECT count(*) FROM corvane_done"), "00");
+    EXPECT_EQ(Sql("SELECT count(*) FROM corvane_runs; SELECT count(*) FROM corvane_done"), "0\n0");
 }
 
 TEST_F(FieldRuns, WorkersHaveTheDrivesAndTheHostOfTheirParent) {
     MakeTable(4);
-    std::filesystem::create_directories(folder_ + "/d");
-    std::ofstream(folder_ + "/d/x.bin") << "hello";
+    Write("d/x.bin", "hello");
     const std::string update =
         "update m.corvane t 'name=Get(ApplicationVersion) & Media_ListDisks & "
         "Media_ExtractInfo(Media_GetItemInfo(\"/D:/x.bin\"); \"Data size (b)\") & "
         "Media_ExtractInfo(Media_GetItemInfo(\"//srv/s/x.bin\"); \"Data size (b)\")' "
         "--drive C:=/ --drive D:=d --drive '\\\\srv\\s='$DIR/d --host-version 10.0v3 --jobs ";
     for (const char* jobs : {"1", "2"}) {
-        Sql("UPDATE t SET name = ''");
-        ASSERT_EQ(Corvane(update + jobs).status, 0) << Contents(folder_ + "/stderr");
-        EXPECT_EQ(Sql("SELECT DISTINCT name FROM t"), "Pro 10.0v3C:\\|D:\\55") << jobs;
+        const Finished run = Corvane(update + jobs);
+        EXPECT_EQ(run.status, 0) << run.errors;
+        EXPECT_EQ(Sql("SELECT DISTINCT name FROM t; UPDATE t SET name = ''"), "Pro 10.0v3C:\\|D:\\55")
+            << jobs;
     }
 }
 
@@ -116,35 +100,28 @@ TEST_F(FieldRuns, AWorkerThatDiesCostsOneRecord) {
     const Finished run = Corvane("update m.corvane t 'n=If(id = 7 or id = 30; Test_Abort; id)' --jobs 2 "
                                  "--plugin '" CORVANE_SAMPLE_PLUGIN "'");
     EXPECT_EQ(run.status, 1);
-    EXPECT_NE(run.errors.find("record 7: worker: -1: the process ended with signal 6\n"), std::string::npos)
-        << run.errors;
-    EXPECT_NE(run.errors.find("records that failed: 2"), std::string::npos);
-    EXPECT_EQ(Sql("SELECT count(*), sum(n = id) FROM t WHERE id <> 7 AND id <> 30"), "28|28");
-    EXPECT_EQ(Sql("SELECT count(*) FROM t WHERE n IS NULL"), "2");
+    EXPECT_TRUE(Contains(run.errors, "record 7: worker: -1: the process ended with signal 6\n"));
+    EXPECT_TRUE(Contains(run.errors, "records that failed: 2"));
+    EXPECT_EQ(Sql("SELECT sum(n = id), sum(n IS NULL AND id IN (7, 30)) FROM t"), "28|2");
 }
 
 TEST_F(FieldRuns, InterruptionsEndAfterTheCurrentRecordAndRunsGoOn) {
     MakeTable(40);
     for (const char* jobs : {"1", "2"}) {
         Sql("UPDATE t SET n = 0");
-        const std::vector<std::string> update = {
-            "update", "m.corvane", "t", "n=n + 1 + Length(HostPump(0.02))", std::string("--jobs=") + jobs};
+        const std::string update =
+            std::string("update m.corvane t 'n=n + 1 + Length(HostPump(0.02))' --jobs ") + jobs;
         pid_t process = Start(update);
         ASSERT_TRUE(WaitFor("SELECT sum(n) > 5 FROM t", "1"));
-        ::kill(process, SIGINT);
-        EXPECT_EQ(Wait(process), 130);
+        EXPECT_EQ(Kill(process, SIGINT), 130);
         const int done = std::stoi(Sql("SELECT count(*) FROM corvane_done"));
         EXPECT_LT(done, 40);
         EXPECT_EQ(std::stoi(Sql("SELECT sum(n) FROM t")), done);
 
-        std::vector<std::string> resumed = update;
-        resumed.emplace_back("--resume");
-        process = Start(resumed);
+        process = Start(update + " --resume");
         ASSERT_TRUE(WaitFor("SELECT sum(n) > " + std::to_string(done + 2) + " FROM t", "1"));
-        ::kill(process, SIGKILL);
-        EXPECT_EQ(Wait(process), -SIGKILL);
-        process = Start(resumed);
-        EXPECT_EQ(Wait(process), 0) << Contents(folder_ + "/errors");
+        EXPECT_EQ(Kill(process), -SIGKILL);
+        EXPECT_EQ(Wait(Start(update + " --resume")), 0) << Read("errors");
         EXPECT_EQ(Sql("SELECT min(n), max(n), count(*) FROM t"), "1|1|40") << "each record once";
         EXPECT_EQ(Sql("SELECT count(*) FROM corvane_done"), "0");
     }
@@ -152,14 +129,13 @@ TEST_F(FieldRuns, InterruptionsEndAfterTheCurrentRecordAndRunsGoOn) {
 
 TEST_F(FieldRuns, ResumedRunsRememberWhatFailed) {
     MakeTable(4);
-    const std::vector<std::string> update = {
-        "update", "m.corvane", "t", "n=If(id = 1; \"$-3:no\"; id + Length(HostPump(If(id = 3; 30; 0))))"};
+    const std::string update =
+        "update m.corvane t 'n=If(id = 1; \"$-3:no\"; id + Length(HostPump(If(id = 3; 30; 0))))'";
     const pid_t process = Start(update);
     ASSERT_TRUE(WaitFor("SELECT count(*) FROM corvane_done", "2"));
-    ::kill(process, SIGKILL);
-    Wait(process);
+    Kill(process);
     Sql("DELETE FROM t WHERE id = 3");
-    const Finished run = Corvane("update m.corvane t '" + update[3] + "' --resume");
+    const Finished run = Corvane(update + " --resume");
     EXPECT_EQ(run.status, 1) << "a record failed before the run was stopped";
     EXPECT_EQ(run.errors, "corvane: records that failed: 1\n");
     EXPECT_EQ(Sql("SELECT id, n FROM t"), "1|\n2|2\n4|4");
@@ -167,49 +143,41 @@ TEST_F(FieldRuns, ResumedRunsRememberWhatFailed) {
 
 TEST_F(FieldRuns, KillsAtAnyMomentLeaveAWholeFile) {
     MakeTable(0);
-    std::filesystem::create_directories(folder_ + "/in");
-    for (int i = 0; i < 20; ++i)
-        std::ofstream(folder_ + "/in/" + std::to_string(i) + ".bin")
-            << std::string(static_cast<std::size_t>(i) * 1500, 'x');
+    for (std::size_t i = 0; i < 20; ++i)
+        Write("in/" + std::to_string(i) + ".bin", std::string(i * 1500, 'x'));
     ASSERT_EQ(Corvane("import m.corvane t data in").status, 0);
     std::mt19937 random(20);
-    const std::string update = "n=n + 1";
+    const std::string update = "update m.corvane t 'n=n + 1' data=data";
     for (int round = 0; round < 100; ++round) {
-        const std::vector<std::string> importing = {"import", "m.corvane", "t", "data", "in"};
-        const std::vector<std::string> updating = {"update", "m.corvane", "t",
-                                                   update,   "data=data", "--resume"};
-        const pid_t process = Start(round % 2 == 0 ? updating : importing);
-        Sleep(0.001 * std::uniform_int_distribution(5, 60)(random));
-        ::kill(process, SIGKILL);
-        Wait(process);
+        const pid_t process = Start(round % 2 == 0 ? update + " --resume" : "import m.corvane t data in");
+        std::this_thread::sleep_for(milliseconds(std::uniform_int_distribution(5, 60)(random)));
+        Kill(process);
         ASSERT_EQ(Sql("PRAGMA integrity_check"), "ok") << round;
-        ASSERT_EQ(Sql("SELECT count(*) FROM t WHERE (SELECT count(*) FROM corvane_streams WHERE record = "
-                      "t.id) <> 2"),
+        ASSERT_EQ(Sql("SELECT count(*) FROM t WHERE "
+                      "(SELECT count(*) FROM corvane_streams WHERE record = t.id) <> 2"),
                   "0")
             << "records come with all their streams";
         ASSERT_EQ(Sql("SELECT count(*) FROM corvane_streams WHERE record NOT IN (SELECT id FROM t)"), "0");
         if (round % 10 == 9) Sql("DELETE FROM t WHERE id > 20");
     }
     Sql("UPDATE t SET n = NULL; DELETE FROM corvane_done; DELETE FROM corvane_runs");
-    EXPECT_EQ(Corvane("update m.corvane t '" + update + "' data=data").status, 0);
+    EXPECT_EQ(Corvane(update).status, 0);
     EXPECT_EQ(Sql("SELECT count(*) FROM t WHERE n IS NOT 1"), "0");
 }
 
 TEST_F(FieldRuns, TwoProcessesWaitForEachOther) {
     MakeTable(150, 20'000);
-    const pid_t one = Start({"update", "m.corvane", "t", "n=id", "data=data"});
-    const pid_t two = Start({"update", "m.corvane", "t", "name=name & \"!\""});
-    EXPECT_EQ(Wait(one), 0) << Contents(folder_ + "/errors");
-    EXPECT_EQ(Wait(two), 0) << Contents(folder_ + "/errors");
+    const pid_t one = Start("update m.corvane t n=id data=data");
+    const pid_t two = Start("update m.corvane t 'name=name & \"!\"'");
+    EXPECT_EQ(Wait(one), 0) << Read("errors");
+    EXPECT_EQ(Wait(two), 0) << Read("errors");
     EXPECT_EQ(Sql("SELECT count(*) FROM t WHERE n = id AND name = id || '!'"), "150");
     EXPECT_EQ(Sql("SELECT count(*) FROM corvane_streams"), "150");
 }
 
 TEST_F(FieldRuns, AFullDiskLosesNothingThatWasCommitted) {
-    std::filesystem::create_directories(folder_ + "/in");
     for (int i = 0; i < 30; ++i)
-        std::ofstream(folder_ + "/in/" + std::to_string(10 + i))
-            << std::string(1'000'000, static_cast<char>('a' + i % 26));
+        Write("in/" + std::to_string(10 + i), std::string(1'000'000, static_cast<char>('a' + i % 26)));
     std::filesystem::create_directories(folder_ + "/disk");
     const corvane::test::SmallDisk disk(folder_ + "/disk", "24m");
     if (!disk.IsMounted()) GTEST_SKIP() << "mounting is not permitted";
@@ -219,7 +187,7 @@ TEST_F(FieldRuns, AFullDiskLosesNothingThatWasCommitted) {
     ASSERT_EQ(run.status, 0) << run.errors;
     run = Corvane("import disk/m.corvane t data in");
     EXPECT_EQ(run.status, 2);
-    EXPECT_NE(run.errors.find("full"), std::string::npos) << run.errors;
+    EXPECT_TRUE(Contains(run.errors, "full"));
     run = Corvane("show disk/m.corvane t --where 'name <> \"\" and Left(HostStream(data; \"FILE\"); 6) = "
                   "Choose(id; \"\"; \"616161\"; \"626262\"; \"636363\")'");
     EXPECT_EQ(std::ranges::count(run.output, '\n'), 4) << run.output;
@@ -234,13 +202,9 @@ TEST_F(FieldRuns, MemoryStaysFlatOverManyRecords) {
     MakeTable(10'000, 10'000);
     long few = 0;
     long many = 0;
-    ASSERT_EQ(Wait(Start({"update", "m.corvane", "t", "n=Length(HostStream(data; \"FILE\"))", "data=data",
-                          "--where=id <= 200"}),
-                   &few),
-              0);
-    ASSERT_EQ(
-        Wait(Start({"update", "m.corvane", "t", "n=Length(HostStream(data; \"FILE\"))", "data=data"}), &many),
-        0);
+    const std::string update = "update m.corvane t 'n=Length(HostStream(data; \"FILE\"))' data=data";
+    EXPECT_EQ(Wait(Start(update + " --where 'id <= 200'"), &few), 0);
+    EXPECT_EQ(Wait(Start(update), &many), 0);
     EXPECT_EQ(Sql("SELECT count(*) FROM t WHERE n = 20000"), "10000");
     EXPECT_LT(many, few + 8192) << "KiB";
 }

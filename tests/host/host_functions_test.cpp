@@ -2,13 +2,13 @@
 
 #include "platform/fmwrapper/session.h"
 #include "platform/text/utf.h"
+#include "tests/support/environment_variable.h"
+#include "tests/support/files.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <ctime>
-#include <filesystem>
-#include <fstream>
 #include <sys/stat.h>
 
 namespace host {
@@ -16,36 +16,30 @@ namespace {
 
 class HostFunctions : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string folder = testing::TempDir() + "corvane-host-XXXXXX";
-        ASSERT_NE(mkdtemp(folder.data()), nullptr);
-        folder_ = folder;
-        std::ofstream(File("a"), std::ios::binary) << std::string("\x00\x9F\xFF", 3);
-        const std::ofstream empty(File("empty"));
+    HostFunctions() {
+        corvane::test::WriteBytes(File("a"), std::string("\x00\x9F\xFF", 3));
+        corvane::test::WriteBytes(File("empty"), "");
         fm::CurrentSession() = {};
     }
-    void TearDown() override {
-        std::filesystem::remove_all(folder_);
-        fm::CurrentSession() = {};
-    }
+    ~HostFunctions() override { fm::CurrentSession() = {}; }
     [[nodiscard]] std::string File(const std::string& name) const { return folder_ + '/' + name; }
     std::string Text(const std::string& calculation) {
         return utf::ToUtf8(engine_.Evaluate(calculation).value.AsText().units);
     }
     FM_Error Error(const std::string& calculation) { return engine_.Evaluate(calculation).error; }
 
-    std::string folder_;
+    corvane::test::ScratchFolder scratch_;
+    std::string folder_ = scratch_.Path();
     Engine engine_;
 };
 
 TEST_F(HostFunctions, ContainersHoldTheBytesOfFiles) {
-    const Outcome outcome = engine_.Evaluate(R"(Let($c = HostContainer("JPEG";")" + File("a") +
-                                             R"(";"snd ";")" + File("empty") + "\"); $c)");
-    ASSERT_EQ(outcome.error, 0) << outcome.message;
-    const auto& streams = outcome.value.AsContainer().streams;
+    const std::string container =
+        R"(HostContainer("JPEG";")" + File("a") + R"(";"snd ";")" + File("empty") + "\")";
+    const FM_Data value = engine_.Evaluate("Let($c = " + container + "; $c)").value;
+    const auto& streams = value.AsContainer().streams;
     ASSERT_EQ(streams.size(), 2U);
     EXPECT_EQ(streams[0].type, 0x4A504547U);
-    EXPECT_EQ(*streams[0].bytes, (fm::Bytes{0x00, 0x9F, 0xFF}));
     EXPECT_TRUE(streams[1].bytes->empty());
     EXPECT_EQ(Text("HostStream($c;\"JPEG\")"), "009fff");
     EXPECT_EQ(Text("HostStream($c;\"snd \") & HostStream($c;\"PICT\") & HostStream(\"text\";\"JPEG\")"), "");
@@ -53,16 +47,15 @@ TEST_F(HostFunctions, ContainersHoldTheBytesOfFiles) {
 }
 
 TEST_F(HostFunctions, UnusableFilesAndTypesAreErrors) {
-    EXPECT_EQ(Error("HostContainer(\"JPEG\";\"" + File("none") + "\")"), -43);
-    EXPECT_EQ(Error("HostContainer(\"JPEG\";\"" + folder_ + "\")"), -43);
-    EXPECT_EQ(Error("HostContainer(\"JPEG\";\"/dev/zero\")"), -43);
-    ASSERT_EQ(mkfifo(File("pipe").c_str(), 0600), 0);
-    EXPECT_EQ(Error("HostContainer(\"JPEG\";\"" + File("pipe") + "\")"), -43) << "a pipe is not waited for";
+    ASSERT_EQ(mkfifo(File("pipe").c_str(), 0600), 0); // it is not waited for
+    for (const std::string& path : {File("none"), folder_, std::string("/dev/zero"), File("pipe")}) {
+        const Outcome outcome = engine_.Evaluate(R"(HostContainer("JPEG";")" + path + "\")");
+        EXPECT_EQ(outcome.error, -43) << path;
+        EXPECT_NE(outcome.message.find(path), std::string::npos) << outcome.message;
+    }
     EXPECT_EQ(Error("HostContainer(\"JPG\";\"" + File("a") + "\")"), -50);
     EXPECT_EQ(Error("HostStream(HostContainer;\"éé\")"), 0) << "four bytes of UTF-8";
     EXPECT_EQ(Error("HostStream(HostContainer;\"éabc\")"), -50);
-    EXPECT_NE(engine_.Evaluate("HostContainer(\"JPEG\";\"" + File("none") + "\")").message.find(File("none")),
-              std::string::npos);
 }
 
 TEST_F(HostFunctions, PumpLetsMessagesRunWithoutBusyWaiting) {
@@ -107,20 +100,13 @@ TEST_F(HostFunctions, RealWindowsTakeNoMadeUpInput) {
 }
 
 TEST_F(HostFunctions, TemporaryPathGoesThroughTheDrives) {
-    const char* saved = std::getenv("TMPDIR");
-    const std::string before = saved != nullptr ? saved : "";
-    setenv("TMPDIR", (folder_ + "/").c_str(), 1);
+    const corvane::test::EnvironmentVariable temporary("TMPDIR", folder_ + "/");
     fm::CurrentSession().drives = {{"T:", folder_, false}};
     EXPECT_EQ(Text("Get(TemporaryPath)"), "/T:/");
     fm::CurrentSession().drives = {{"C:", "", false}, {R"(\\server\share)", folder_, true}};
     EXPECT_EQ(Text("Get(TemporaryPath)"), "//server/share/");
     fm::CurrentSession().drives = {{"X:", "/nowhere", false}};
     EXPECT_EQ(Text("Get(TemporaryPath)"), "");
-    if (saved != nullptr) {
-        setenv("TMPDIR", before.c_str(), 1);
-    } else {
-        unsetenv("TMPDIR");
-    }
 }
 
 } // namespace

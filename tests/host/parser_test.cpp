@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
+#include <utility>
 
 namespace host {
 namespace {
@@ -20,14 +20,9 @@ std::string Complaint(Engine& engine, std::string_view calculation) {
 TEST(Parser, SaysWhatIsWrongAndWhere) {
     Engine engine;
     ASSERT_EQ(engine.Register({0, 1, u"Media_One", u"", 1, 1, 0, Nothing}), 0);
-    ASSERT_EQ(engine.Register({0, 2, u"Media_Range", u"", 1, 3, 0, Nothing}), 0);
-    ASSERT_EQ(engine.Register({0, 3, u"Media_Many", u"", 2, -1, 0, Nothing}), 0);
-    ASSERT_EQ(engine.Register({0, 4, u"Media_None", u"", 0, 0, 0, Nothing}), 0);
-    struct Case {
-        std::string_view calculation;
-        std::string_view complaint;
-    };
-    const std::vector<Case> cases = {
+    ASSERT_EQ(engine.Register({0, 2, u"Media_Many", u"", 2, -1, 0, Nothing}), 0);
+    ASSERT_EQ(engine.Register({0, 3, u"Media_None", u"", 0, 0, 0, Nothing}), 0);
+    const std::pair<std::string_view, std::string_view> cases[] = {
         {"", "1:1: expected a value"},
         {"(1 + 2", "1:7: expected \")\""},
         {"1 +", "1:4: expected a value"},
@@ -38,12 +33,10 @@ TEST(Parser, SaysWhatIsWrongAndWhere) {
         {"Media_One(1", "1:12: expected \")\" or \";\""},
         {"Media_One(\"é\" 2)", "1:15: expected \")\" or \";\""},
         {"1 +\n  nothing", "2:3: unknown name \"nothing\""},
-        {"1 & Foo(2)", "1:5: unknown function \"Foo\""},
+        {"1 +\r\n1 +\r1 +\n nothing", "4:2: unknown name \"nothing\""},
+        {"\"\xFF\xFF\" x", "1:6: expected an operator"},
         {"1 & \"open", "1:5: this text has no closing quote"},
-        {"media_one", "1:1: media_one takes 1 parameter, not 0"},
-        {"1 + Media_Range(1;2;3;4)", "1:5: Media_Range takes 1 to 3 parameters, not 4"},
         {"Media_Many(1)", "1:1: Media_Many takes at least 2 parameters, not 1"},
-        {"Media_None(1)", "1:1: Media_None takes no parameters, not 1"},
         {"If(1)", "1:1: If takes 2 to 3 parameters, not 1"},
         {"HostContainer(\"JPEG\")", "1:1: HostContainer takes an even number of parameters, not 1"},
         {"Substitute(1;2;3;4)", "1:1: Substitute takes an odd number of parameters, at least 3, not 4"},
@@ -60,7 +53,8 @@ TEST(Parser, SaysWhatIsWrongAndWhere) {
         {"Media_None()", "parses"},
         {"Media_Many(1;2;3;4)", "parses"},
     };
-    for (const Case& c : cases) EXPECT_EQ(Complaint(engine, c.calculation), c.complaint) << c.calculation;
+    for (const auto& [calculation, complaint] : cases)
+        EXPECT_EQ(Complaint(engine, calculation), complaint) << calculation;
 }
 
 TEST(Parser, BoundsTheDepthOfEveryKindOfNesting) {
@@ -72,15 +66,10 @@ TEST(Parser, BoundsTheDepthOfEveryKindOfNesting) {
         for (int i = 0; i < depth; ++i) text += close;
         return text;
     };
-    for (const auto& [open, close] :
-         std::vector<std::pair<std::string_view, std::string_view>>{{"(", ")"},
-                                                                    {"Length(", ")"},
-                                                                    {"Let(a=", ";1)"},
-                                                                    {"Let(a=1;", ")"},
-                                                                    {"-", ""},
-                                                                    {"not ", ""},
-
-                                                                    {"If(1;", ")"}}) {
+    const std::pair<std::string_view, std::string_view> brackets[] = {
+        {"(", ")"}, {"Length(", ")"}, {"Let(a=", ";1)"}, {"Let(a=1;", ")"},
+        {"-", ""},  {"not ", ""},     {"If(1;", ")"}};
+    for (const auto& [open, close] : brackets) {
         EXPECT_EQ(Complaint(engine, nested(open, "1", close, 90)), "parses") << open;
         EXPECT_NE(Complaint(engine, nested(open, "1", close, 300'000)).find("nested too deeply"),
                   std::string::npos)

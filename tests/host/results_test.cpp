@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 namespace host {
 namespace {
 
@@ -14,23 +12,10 @@ Outcome TextOutcome(std::u16string text) {
 }
 
 TEST(Results, ErrorTextsAreFailures) {
-    struct Case {
-        std::u16string text;
-        bool failure;
-    };
-    const std::vector<Case> cases = {{u"$-43:File was not found.", true},
-                                     {u"$20100:", true},
-                                     {u"$0:Cancel", false},
-                                     {u"$-0:x", false},
-                                     {u"$:x", false},
-                                     {u"$12", false},
-                                     {u"$12x:", false},
-                                     {u"$--1:", false},
-                                     {u"43:x", false},
-                                     {u"$", false},
-                                     {u"", false},
-                                     {u"$99999999999999999999:x", true}};
-    for (const Case& c : cases) EXPECT_EQ(IsFailure(TextOutcome(c.text)), c.failure);
+    for (const auto* text : {u"$-43:File was not found.", u"$20100:", u"$99999999999999999999:x"})
+        EXPECT_TRUE(IsFailure(TextOutcome(text))) << testing::PrintToString(text);
+    for (const auto* text : {u"$0:Cancel", u"$-0:x", u"$:x", u"$12", u"$12x:", u"$--1:", u"43:x", u"$", u""})
+        EXPECT_FALSE(IsFailure(TextOutcome(text))) << testing::PrintToString(text);
     Outcome outcome;
     outcome.error = -1;
     EXPECT_TRUE(IsFailure(outcome));

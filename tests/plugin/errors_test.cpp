@@ -6,29 +6,11 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-
 namespace corvane {
 namespace {
 
-TEST(ErrorMessage, KnowsEachCodeOfItsRanges) {
-    const std::string_view memory = "A serious memory related error has occured. Contact developer, please.";
-    for (std::int32_t code = -117; code <= -110; ++code) EXPECT_EQ(ErrorMessage(code), memory);
-    EXPECT_EQ(ErrorMessage(-118), "");
-    EXPECT_EQ(ErrorMessage(-109), "Null handle has occured, contact developer, please.");
-    EXPECT_EQ(ErrorMessage(-2023), ErrorMessage(-2024));
-    EXPECT_EQ(ErrorMessage(-50), "Wrong parameter(s).");
-    EXPECT_EQ(ErrorMessage(-50000),
-              "The operation could not be finished because QuickTime would hang. To work "
-              "around, enable linking media. Sorry.");
-}
-
 // A row out of order would hide from the search; this finds them all, from the first to the last.
-TEST(ErrorMessage, FindsExactlyTheCodesOfItsTable) {
-    const std::set<std::int32_t> gaps = {-2002, -2016, -2017, -2018, -2020,
-                                         -2021, -2025, -2027, -2040, -2052};
-    for (std::int32_t code = -2056; code <= -2000; ++code)
-        EXPECT_EQ(ErrorMessage(code).empty(), gaps.contains(code)) << code;
+TEST(ErrorMessage, FindsEveryRowOfItsTable) {
     int found = 0;
     for (std::int32_t code = -60000; code <= 30000; ++code) found += !ErrorMessage(code).empty();
     EXPECT_EQ(found, 92);
@@ -36,18 +18,11 @@ TEST(ErrorMessage, FindsExactlyTheCodesOfItsTable) {
 
 TEST(LastErrorRecord, PutsTheFunctionsNameInFront) {
     CVSError error;
-    error.SetCode(-50);
-    EXPECT_EQ(error.GetMessage(), "Wrong parameter(s).");
     error.SetFunctionName("Media_Amplify");
     error.SetCode(-2002);
-    EXPECT_EQ(error.GetMessage(), "Media_Amplify: ");
-    error.AppendMessage("");
-    EXPECT_EQ(error.GetMessage(), "Media_Amplify: ");
+    EXPECT_EQ(error.GetMessage(), "Media_Amplify: ") << "a code without a text";
     error.AppendMessage("Detail.");
     EXPECT_EQ(error.GetMessage(), "Media_Amplify:  Detail.");
-    error.SetMessage("Other.");
-    EXPECT_EQ(error.GetMessage(), "Media_Amplify: Other.");
-    EXPECT_EQ(error.GetCode(), -2002);
     EXPECT_EQ(error.Fail(-50000 - 65536, "x"), 15536) << "the host takes the low 16 bits, signed";
 }
 
@@ -57,18 +32,6 @@ TEST(LastErrorRecord, EachCallBeginsAnew) {
     BeginCall("Media_Second");
     EXPECT_EQ(LastError().GetCode(), 0);
     EXPECT_EQ(LastError().GetMessage(), "");
-}
-
-TEST(GetLastErrorFunction, ShowsTheRecordAndLeavesIt) {
-    const test::FakeHost host;
-    LastError() = CVSError();
-    EXPECT_EQ(test::Call(GetLastError, {}).text, "$0:");
-    BeginCall("Media_Set").Fail(-50, "Invalid tag.");
-    for (int i = 0; i < 2; ++i) {
-        const test::Outcome outcome = test::Call(GetLastError, {});
-        EXPECT_EQ(outcome.text, "$-50:Media_Set: Wrong parameter(s). Invalid tag.");
-        EXPECT_EQ(outcome.error, 0);
-    }
 }
 
 TEST(GetLastErrorFunction, CutsALongTextAtACharacter) {

@@ -132,20 +132,20 @@ TEST_F(Timers, LeaveNoThreadBehind) {
 TEST_F(Timers, IgnoreMessagesThatAreNotTheirs) {
     EventLoopTimer* const timer = Install(30, 0);
     // The window's handle is nobody's business but the service's: windows are numbered from 1.
-    const auto address = reinterpret_cast<LPARAM>(timer);
-    int taken = 0;
-    for (std::intptr_t window = 1; window < 1000; ++window) {
-        const auto handle = reinterpret_cast<HWND>(window);
-        if (!PostMessageA(handle, WM_USER, static_cast<WPARAM>(address), address)) continue;
-        PostMessageA(handle, WM_USER + 1, ~static_cast<WPARAM>(address), address);
-        PostMessageA(handle, WM_USER, ~static_cast<WPARAM>(address + 8), address + 8);
-        ++taken;
-    }
-    EXPECT_EQ(taken, 1);
+    const auto post = [](UINT message, WPARAM word, WPARAM parameter) {
+        int taken = 0;
+        for (std::intptr_t window = 1; window < 1000; ++window)
+            taken +=
+                PostMessageA(reinterpret_cast<HWND>(window), message, word, static_cast<LPARAM>(parameter));
+        return taken;
+    };
+    const auto address = reinterpret_cast<WPARAM>(timer);
+    EXPECT_EQ(post(WM_USER, address, address), 1);
+    post(WM_USER + 1, ~address, address);
+    post(WM_USER, ~(address + 8), address + 8);
     fm::CurrentSession().dispatch_messages();
     EXPECT_TRUE(fired.empty());
-    for (std::intptr_t window = 1; window < 1000; ++window)
-        PostMessageA(reinterpret_cast<HWND>(window), WM_USER, ~static_cast<WPARAM>(address), address);
+    post(WM_USER, ~address, address);
     fm::CurrentSession().dispatch_messages();
     EXPECT_EQ(fired.size(), 1U);
 }

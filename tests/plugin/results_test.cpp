@@ -16,27 +16,9 @@ protected:
         FinishResult(result);
         return utf::ToUtf8(result.AsText().units);
     }
-    static FM_DataVect List(std::initializer_list<FM_Data> values) {
-        FM_DataVect list;
-        list.values = values;
-        return list;
-    }
 
     test::FakeHost host;
-    std::int64_t objects_before = fm::LiveObjects();
 };
-
-TEST_F(Results, ABufferLivesFromItsFirstTextToItsDelivery) {
-    EXPECT_EQ(Finish(), "");
-    AppendResultBufferText("a");
-    AppendResultBufferText("");
-    AppendResultBufferText("\xC3\xA4\r");
-    EXPECT_EQ(ResultBufferSize(), 4);
-    EXPECT_EQ(Finish(), "a\xC3\xA4\r");
-    EXPECT_EQ(ResultBufferSize(), 0);
-    EXPECT_EQ(Finish(), "") << "nothing is left of the earlier text";
-    EXPECT_EQ(fm::LiveObjects(), objects_before);
-}
 
 TEST_F(Results, TheLastErrorStands) {
     AppendResultBufferText("half a result");
@@ -76,8 +58,8 @@ TEST_F(Results, AContainerDropsTheText) {
 }
 
 TEST_F(Results, ChecksParameterCounts) {
-    const FM_DataVect none = List({});
-    const FM_DataVect two = List({test::TextValue("a"), test::TextValue("b")});
+    const FM_DataVect none = test::ParameterList({});
+    const FM_DataVect two = test::ParameterList({test::TextValue("a"), test::TextValue("b")});
     EXPECT_FALSE(CheckParameterCount(none, 0));
     EXPECT_FALSE(CheckParameterCount(two, 2));
     EXPECT_FALSE(CheckParameterCount(two, -1));
@@ -88,13 +70,6 @@ TEST_F(Results, ChecksParameterCounts) {
     EXPECT_EQ(Finish(), "$20100:Requires exactly one parameter");
     EXPECT_TRUE(CheckParameterCount(none, 9));
     EXPECT_EQ(Finish(), "$20100:Requires exactly 9 parameters");
-}
-
-TEST_F(Results, WantsTextWhereTextIsDue) {
-    const FM_DataVect list = List({test::TextValue("12"), test::NumberValue("12"), FM_Data()});
-    EXPECT_FALSE(RequireTextParameter(list, 0, "Parameter (path) must be text"));
-    EXPECT_TRUE(RequireTextParameter(list, 1, "Parameter (path) must be text"));
-    EXPECT_EQ(Finish(), "$20102:Parameter (path) must be text");
 }
 
 } // namespace

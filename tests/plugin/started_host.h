@@ -16,7 +16,7 @@ namespace corvane::test {
 
 class EntryHost : public FakeHost {
 public:
-    EntryHost() {
+    explicit EntryHost(FM_EntryPoint entry = FMExternCallProc) : entry_(entry) {
         fm::Session& session = fm::CurrentSession();
         session.drives = {{"C:", ""}};
         session.application_file = drives_.MakeFile("host");
@@ -27,10 +27,13 @@ public:
 
     void Send(FM_CallSelector selector) {
         block.selector = selector;
-        FMExternCallProc(&block);
+        entry_(&block);
     }
 
+    /// Its answer; what is registered and unregistered counts from here.
     std::intptr_t StartUp() {
+        registered.clear();
+        unregistered.clear();
         block.result = 0;
         Send(kFM_CallStartUp);
         return block.result;
@@ -57,6 +60,7 @@ public:
     }
 
 private:
+    FM_EntryPoint entry_;
     ScratchDrives drives_;
 };
 

@@ -1,8 +1,9 @@
 #include "plugin/time_text.h"
 
+#include "tests/support/environment_variable.h"
+
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <ctime>
 #include <limits>
 
@@ -42,24 +43,6 @@ TEST(TimeText, KeepsTheLow32BitsOfATimeTooLong) {
     EXPECT_TRUE(ParseTime("4294967295:4294967295:4294967295.9"));
 }
 
-TEST(TimeText, TakesASignOnlyWhereAskedFor) {
-    std::string_view cursor = " \t-0:0:1";
-    EXPECT_TRUE(ParseTimeSign(cursor));
-    EXPECT_EQ(cursor, "0:0:1");
-    cursor = "  0:0:1";
-    EXPECT_FALSE(ParseTimeSign(cursor));
-    EXPECT_EQ(cursor, "0:0:1");
-    cursor = "  ";
-    EXPECT_FALSE(ParseTimeSign(cursor));
-    EXPECT_EQ(cursor, "");
-}
-
-TEST(TimeText, AFieldStopsInFrontOfItsTerminator) {
-    std::string_view cursor = " 12 :3";
-    EXPECT_EQ(ParseTimeField(cursor, ':'), 12U);
-    EXPECT_EQ(cursor, ":3");
-}
-
 TEST(Duration, ShowsHoursMinutesSecondsMilliseconds) {
     EXPECT_EQ(FormatDuration(8325, 100), "000:01:23.250");
     EXPECT_EQ(FormatDuration(1, 1000), "000:00:00.001");
@@ -79,29 +62,23 @@ TEST(Duration, StaysReadableForTimesThatMakeNoSense) {
     EXPECT_FALSE(FormatDuration(std::numeric_limits<std::int32_t>::min(), -1).empty());
 }
 
-class DateTime : public testing::Test {
-protected:
-    ~DateTime() override { UseZone("UTC0"); }
-    static void UseZone(const char* zone) {
-        setenv("TZ", zone, 1);
-        tzset();
-    }
-};
-
-TEST_F(DateTime, CountsFrom1904) {
-    UseZone("UTC0");
-    EXPECT_EQ(FormatDateTime(0), "01-01-1904 00:00:00");
-    EXPECT_EQ(FormatDateTime(3255948129), "05-03-2007 14:02:09");
-    EXPECT_EQ(FormatDateTime(59U * 86400), "29-02-1904 00:00:00");
-    EXPECT_EQ(FormatDateTime(std::numeric_limits<std::uint32_t>::max()), "06-02-2040 06:28:15");
+std::string InZone(const char* zone, std::uint32_t time) {
+    const test::EnvironmentVariable variable("TZ", zone);
+    tzset();
+    return FormatDateTime(time);
 }
 
-TEST_F(DateTime, ShiftsByTodaysOffset) {
-    UseZone("XXX-5:30");
-    EXPECT_EQ(FormatDateTime(3255948129), "05-03-2007 19:32:09");
-    UseZone("XXX+3");
-    EXPECT_EQ(FormatDateTime(3600), "31-12-1903 22:00:00") << "before the first date";
-    EXPECT_EQ(FormatDateTime(std::numeric_limits<std::uint32_t>::max()), "06-02-2040 03:28:15");
+TEST(DateTime, CountsFrom1904) {
+    EXPECT_EQ(InZone("UTC0", 0), "01-01-1904 00:00:00");
+    EXPECT_EQ(InZone("UTC0", 3255948129), "05-03-2007 14:02:09");
+    EXPECT_EQ(InZone("UTC0", 59U * 86400), "29-02-1904 00:00:00");
+    EXPECT_EQ(InZone("UTC0", std::numeric_limits<std::uint32_t>::max()), "06-02-2040 06:28:15");
+}
+
+TEST(DateTime, ShiftsByTodaysOffset) {
+    EXPECT_EQ(InZone("XXX-5:30", 3255948129), "05-03-2007 19:32:09");
+    EXPECT_EQ(InZone("XXX+3", 3600), "31-12-1903 22:00:00") << "before the first date";
+    EXPECT_EQ(InZone("XXX+3", std::numeric_limits<std::uint32_t>::max()), "06-02-2040 03:28:15");
 }
 
 } // namespace

@@ -18,6 +18,12 @@ inline FM_Data NumberValue(std::string_view digits) {
     return FM_Data(fm::Decimal::FromText(digits).value());
 }
 
+inline FM_DataVect ParameterList(std::initializer_list<FM_Data> values) {
+    FM_DataVect list;
+    list.values = values;
+    return list;
+}
+
 struct Outcome {
     FM_Error error = 0;
     FM_NativeType type = kFM_TypeInvalid;
@@ -25,11 +31,9 @@ struct Outcome {
 };
 
 inline Outcome Call(FM_ExternalFunction handler, std::initializer_list<FM_Data> values, std::int16_t id = 0) {
-    FM_ExprEnv environment;
-    FM_DataVect parameters;
-    parameters.values = values;
+    const FM_ExprEnv environment;
     FM_Data result;
-    const FM_Error error = handler(id, environment, parameters, result);
+    const FM_Error error = handler(id, environment, ParameterList(values), result);
     return {error, result.Type(), utf::ToUtf8(result.AsText().units)};
 }
 

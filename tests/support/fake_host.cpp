@@ -4,10 +4,7 @@
 #include "platform/fmwrapper/objects.h"
 #include "plugin/call_block.h"
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <stdexcept>
 
 namespace corvane::test {
 
@@ -40,16 +37,11 @@ FM_Error FakeHost::Evaluate(const std::u16string& expression, FM_Data& result) {
 }
 
 ScratchDrives::ScratchDrives() : session_(fm::CurrentSession()) {
-    std::string name = (std::filesystem::temp_directory_path() / "corvane-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no scratch folder: " + name);
-    folder_ = name;
     fm::CurrentSession().drives.clear();
 }
 
 ScratchDrives::~ScratchDrives() {
     fm::CurrentSession() = session_;
-    std::error_code error;
-    std::filesystem::remove_all(folder_, error);
 }
 
 std::string ScratchDrives::Map(const std::string& root, const std::string& subfolder) const {
@@ -59,7 +51,7 @@ std::string ScratchDrives::Map(const std::string& root, const std::string& subfo
 }
 
 std::string ScratchDrives::Path(const std::string& relative) const {
-    return relative.empty() ? folder_ : folder_ + "/" + relative;
+    return relative.empty() ? folder_.Path() : folder_.Path() + "/" + relative;
 }
 
 std::string ScratchDrives::MakeFolder(const std::string& relative) const {
@@ -68,10 +60,8 @@ std::string ScratchDrives::MakeFolder(const std::string& relative) const {
 }
 
 std::string ScratchDrives::MakeFile(const std::string& relative, const std::string& bytes) const {
-    const std::filesystem::path file = Path(relative);
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << bytes;
-    return file.string();
+    WriteBytes(Path(relative), bytes);
+    return Path(relative);
 }
 
 } // namespace corvane::test

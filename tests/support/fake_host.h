@@ -4,6 +4,7 @@
 #include "platform/fmwrapper/call_block.h"
 #include "platform/fmwrapper/host_engine.h"
 #include "platform/fmwrapper/session.h"
+#include "tests/support/files.h"
 
 #include <cstdint>
 #include <optional>
@@ -55,7 +56,7 @@ public:
     std::string MakeFile(const std::string& relative, const std::string& bytes = "x") const;
 
 private:
-    std::string folder_;
+    ScratchFolder folder_;
     fm::Session session_;
 };
 

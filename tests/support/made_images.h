@@ -3,10 +3,9 @@
 
 #include "platform/quicktime/data_source.h"
 #include "tests/support/fake_host.h"
+#include "tests/support/files.h"
 
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -16,8 +15,7 @@ namespace corvane::test {
 using Bytes = std::vector<std::byte>;
 
 inline Bytes FileBytes(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    const std::string text = ReadBytes(path);
     const auto* first = reinterpret_cast<const std::byte*>(text.data());
     return {first, first + text.size()};
 }

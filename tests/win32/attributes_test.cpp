@@ -1,7 +1,6 @@
 #include "platform/win32/attributes.h"
 
-#include "platform/win32/errors.h"
-#include "tests/support/fake_host.h"
+#include "tests/support/drive_test.h"
 
 #include <cerrno>
 #include <filesystem>
@@ -11,10 +10,7 @@
 
 namespace {
 
-struct Attributes : testing::Test {
-    Attributes() { drives.Map("C:", "c"); }
-    corvane::test::ScratchDrives drives;
-};
+struct Attributes : corvane::test::DriveTest {};
 
 TEST_F(Attributes, OfFilesFoldersAndLinks) {
     drives.MakeFile("c/file");
@@ -34,18 +30,6 @@ TEST_F(Attributes, OfFilesFoldersAndLinks) {
               FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT);
     EXPECT_EQ(GetFileAttributesW(u"C:\\file link"), FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_REPARSE_POINT);
     EXPECT_EQ(GetFileAttributesW(u"C:\\dangling"), FILE_ATTRIBUTE_REPARSE_POINT);
-}
-
-TEST_F(Attributes, SetTheLastErrorOnFailure) {
-    const auto error_at = [](const char16_t* path) {
-        SetLastError(ERROR_SUCCESS);
-        EXPECT_EQ(GetFileAttributesW(path), INVALID_FILE_ATTRIBUTES);
-        return GetLastError();
-    };
-    EXPECT_EQ(error_at(u"C:\\x"), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(error_at(u"C:\\x\\y"), ERROR_PATH_NOT_FOUND);
-    EXPECT_EQ(error_at(u"C:\\x?"), ERROR_INVALID_NAME);
-    EXPECT_EQ(error_at(u"\\\\no\\share"), ERROR_BAD_NETPATH);
 }
 
 TEST_F(Attributes, ReadTheFileServersHiddenBit) {

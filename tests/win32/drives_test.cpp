@@ -17,7 +17,7 @@ TEST(Drives, RootsByLetterAndKinds) {
     std::array<WCHAR, 32> buffer{};
     EXPECT_EQ(GetLogicalDriveStringsW(buffer.size(), buffer.data()), 0U);
     drives.Map("Z:", "z");
-    drives.Map("\\\\srv\\share", "s");
+    drives.Map(R"(\\srv\share)", "s");
     const std::string c = drives.Map("C:", "c");
     fm::CurrentSession().drives.front().remote = true; // Z:
     buffer.fill(u'?');

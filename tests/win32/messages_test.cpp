@@ -1,7 +1,7 @@
 #include "platform/win32/messages.h"
 
 #include "platform/fmwrapper/session.h"
-#include "platform/win32/errors.h"
+#include "tests/win32/error_of.h"
 
 #include <gtest/gtest.h>
 
@@ -19,6 +19,8 @@ struct Received {
     UINT message;
     WPARAM word;
     LPARAM parameter;
+
+    bool operator==(const Received&) const = default;
 };
 
 std::vector<Received> g_received;
@@ -61,12 +63,7 @@ TEST_F(Messages, ReachTheirWindowInOrderWhenTheHostPumps) {
     PostMessageA(second, 0x401, 2, -2);
     EXPECT_TRUE(g_received.empty());
     Dispatch();
-    ASSERT_EQ(g_received.size(), 2U);
-    EXPECT_EQ(g_received[0].window, first);
-    EXPECT_EQ(g_received[0].parameter, -1);
-    EXPECT_EQ(g_received[1].window, second);
-    EXPECT_EQ(g_received[1].message, 0x401U);
-    EXPECT_EQ(g_received[1].word, 2U);
+    EXPECT_EQ(g_received, (std::vector<Received>{{first, 0x400, 1, -1}, {second, 0x401, 2, -2}}));
 }
 
 TEST_F(Messages, PostedByAProcedureWaitForTheNextRound) {
@@ -87,8 +84,7 @@ TEST_F(Messages, OfADestroyedWindowAreGone) {
     Dispatch();
     ASSERT_EQ(g_received.size(), 2U);
     EXPECT_EQ(g_received[1].window, other);
-    EXPECT_FALSE(PostMessageA(window, 0x400, 0, 0));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_WINDOW_HANDLE);
+    EXPECT_EQ(ErrorOf(PostMessageA(window, 0x400, 0, 0)), ERROR_INVALID_WINDOW_HANDLE);
     EXPECT_FALSE(DestroyWindow(window));
     DestroyWindow(other);
     EXPECT_FALSE(fm::CurrentSession().dispatch_messages) << "without windows there is no queue to pump";
@@ -112,18 +108,15 @@ TEST_F(Messages, WakeAHostThatWaits) {
 TEST_F(Messages, AreRefusedWhenNobodyPumps) {
     const HWND window = Make();
     for (int i = 0; i < 10'000; ++i) ASSERT_TRUE(PostMessageA(window, 0x400, 0, 0));
-    EXPECT_FALSE(PostMessageA(window, 0x400, 0, 0));
-    EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_QUOTA);
+    EXPECT_EQ(ErrorOf(PostMessageA(window, 0x400, 0, 0)), ERROR_NOT_ENOUGH_QUOTA);
 }
 
 TEST_F(Messages, ClassesBelongToTheirInstance) {
-    EXPECT_EQ(RegisterClassExA(&window_class), 0);
-    EXPECT_EQ(GetLastError(), ERROR_CLASS_ALREADY_EXISTS);
-    EXPECT_EQ(CreateWindowExA(0, "sample", "", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_CLASS_DOES_NOT_EXIST);
+    EXPECT_EQ(ErrorOf(RegisterClassExA(&window_class)), ERROR_CLASS_ALREADY_EXISTS);
+    EXPECT_EQ(ErrorOf(CreateWindowExA(0, "sample", "", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr)),
+              ERROR_CLASS_DOES_NOT_EXIST);
     Make();
-    EXPECT_FALSE(UnregisterClassA("sample", this));
-    EXPECT_EQ(GetLastError(), ERROR_CLASS_HAS_WINDOWS);
+    EXPECT_EQ(ErrorOf(UnregisterClassA("sample", this)), ERROR_CLASS_HAS_WINDOWS);
 }
 
 } // namespace

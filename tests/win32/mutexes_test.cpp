@@ -1,7 +1,7 @@
 #include "platform/win32/mutexes.h"
 
-#include "platform/win32/errors.h"
 #include "platform/win32/file_handles.h"
+#include "tests/win32/error_of.h"
 
 #include <gtest/gtest.h>
 
@@ -15,8 +15,7 @@ TEST(Mutexes, KeepOtherThreadsOutUntilEveryHoldIsReleased) {
     EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0) << "a second hold";
     std::thread([&] {
         EXPECT_EQ(WaitForSingleObject(mutex, 10), WAIT_TIMEOUT);
-        EXPECT_FALSE(ReleaseMutex(mutex));
-        EXPECT_EQ(GetLastError(), ERROR_NOT_OWNER);
+        EXPECT_EQ(ErrorOf(ReleaseMutex(mutex)), ERROR_NOT_OWNER);
     }).join();
     EXPECT_TRUE(ReleaseMutex(mutex));
     std::thread([&] { EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_TIMEOUT); }).join();

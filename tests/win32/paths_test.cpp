@@ -1,22 +1,14 @@
 #include "platform/win32/paths.h"
 
-#include "tests/support/fake_host.h"
+#include "tests/support/drive_test.h"
 
 #include <filesystem>
-#include <gtest/gtest.h>
 
 namespace win32 {
 namespace {
 
-struct Paths : testing::Test {
-    Paths() {
-        c = drives.Map("C:", "c");
-        share = drives.Map("\\\\srv\\share", "s");
-    }
-
-    corvane::test::ScratchDrives drives;
-    std::string c;
-    std::string share;
+struct Paths : corvane::test::DriveTest {
+    std::string share = drives.Map("\\\\srv\\share", "s");
 };
 
 TEST_F(Paths, ReachEntriesExactlyOrElseInAnotherCase) {

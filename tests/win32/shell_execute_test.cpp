@@ -1,8 +1,8 @@
 #include "platform/win32/shell_execute.h"
 
 #include "platform/win32/shell_link.h"
+#include "tests/support/drive_test.h"
 #include "tests/support/environment_variable.h"
-#include "tests/support/fake_host.h"
 #include "tests/support/files.h"
 
 #include <chrono>
@@ -12,9 +12,7 @@
 
 namespace {
 
-struct ShellExecute : testing::Test {
-    ShellExecute() { c = drives.Map("C:", "c"); }
-
+struct ShellExecute : corvane::test::DriveTest {
     // An opener that notes its argument and runs `command`.
     std::string MakeOpener(const std::string& command = "") {
         const std::string path = drives.MakeFile("opener", "#!/bin/sh\nprintf %s \"$#:$1\" > '" +
@@ -32,9 +30,7 @@ struct ShellExecute : testing::Test {
         return reinterpret_cast<std::intptr_t>(ShellExecuteW(path));
     }
 
-    corvane::test::ScratchDrives drives;
     corvane::test::EnvironmentVariable opener{"CORVANE_OPENER", std::nullopt};
-    std::string c;
 };
 
 TEST_F(ShellExecute, HandsTheItemOver) {
