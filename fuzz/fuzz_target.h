@@ -7,7 +7,7 @@
 #include <string_view>
 
 /// Uses the input in every way that it can reach; Require what has to be true of it.
-void Fuzz(std::string_view input);
+void Fuzz(std::string_view);
 
 inline void Require(bool holds) {
     if (!holds) std::abort();

@@ -11,7 +11,7 @@ void Fuzz(std::string_view text) {
     static corvane::test::ScratchDrives drives;
     static const bool ready = [] {
         drives.Map("C:", "c");
-        drives.Map("\\\\s\\s", "s");
+        drives.Map(R"(\\s\s)", "s");
         drives.MakeFile("c/Data/a.jpg");
         corvane::ResetDefaultFolder();
         return true;

@@ -10,12 +10,6 @@
 namespace host {
 namespace {
 
-SessionOptions TestOptions() {
-    SessionOptions options;
-    options.plugin = CORVANE_TEST_PLUGIN;
-    return options;
-}
-
 std::string Text(Session& session, std::string_view calculation) {
     return utf::ToUtf8(session.Evaluate(calculation).value.AsText().units);
 }
@@ -23,7 +17,9 @@ std::string Text(Session& session, std::string_view calculation) {
 TEST(Session, RunsAPluginThroughItsLife) {
     const auto alive = fm::LiveObjects();
     {
-        Session session(TestOptions());
+        SessionOptions options;
+        options.plugin = CORVANE_TEST_PLUGIN;
+        Session session(options);
         ASSERT_EQ(session.Start(), "");
         EXPECT_EQ(session.Plugin().Answer(), 51);
         EXPECT_EQ(session.Plugin().String(kFM_StringName), "Tést");

@@ -65,8 +65,7 @@ protected:
 
 constexpr const char* kNotInstalled =
     "alert: QuickTime is not installed.: Corvane requires QuickTime. Please (re)install the latest version "
-    "of "
-    "QuickTime, which you can download from the QuickTime download page. [Cancel]\n";
+    "of QuickTime, which you can download from the QuickTime download page. [Cancel]\n";
 
 TEST_F(QuickTimeStart, StopsInReverseOrder) {
     EXPECT_EQ(StartUp(), 51);

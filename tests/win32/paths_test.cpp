@@ -8,7 +8,7 @@ namespace win32 {
 namespace {
 
 struct Paths : corvane::test::DriveTest {
-    std::string share = drives.Map("\\\\srv\\share", "s");
+    std::string share = drives.Map(R"(\\srv\share)", "s");
 };
 
 TEST_F(Paths, ReachEntriesExactlyOrElseInAnotherCase) {

@@ -15,8 +15,8 @@ namespace {
 struct ShellExecute : corvane::test::DriveTest {
     // An opener that notes its argument and runs `command`.
     std::string MakeOpener(const std::string& command = "") {
-        const std::string path = drives.MakeFile("opener", "#!/bin/sh\nprintf %s \"$#:$1\" > '" +
-                                                               drives.Path("opened") + "'\n" + command);
+        std::string path = drives.MakeFile("opener", "#!/bin/sh\nprintf %s \"$#:$1\" > '" +
+                                                         drives.Path("opened") + "'\n" + command);
         chmod(path.c_str(), 0755);
         return path;
     }

@@ -14,7 +14,7 @@ using win32::DecodeShellLink;
 using win32::EncodeShellLink;
 
 struct ShellLinks : corvane::test::DriveTest {
-    ShellLinks() { drives.Map("\\\\srv\\share", "s"); }
+    ShellLinks() { drives.Map(R"(\\srv\share)", "s"); }
 };
 
 TEST_F(ShellLinks, WhatIsWrittenIsRead) {
@@ -94,7 +94,7 @@ TEST_F(ShellLinks, OtherToolsReadThem) {
     for (const char* part : {"C:\\Ünï.txt", ": A note", "Fixed (3)", "5 bytes"})
         EXPECT_NE(local.find(part), std::string::npos) << part << " in " << local;
     const std::string network = read(u"\\\\srv\\share\\a.txt");
-    for (const char* part : {"\\\\srv\\share", "a.txt"})
+    for (const char* part : {R"(\\srv\share)", "a.txt"})
         EXPECT_NE(network.find(part), std::string::npos) << part << " in " << network;
 }
 

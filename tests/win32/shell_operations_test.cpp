@@ -197,7 +197,9 @@ TEST_F(ShellOperations, MoveKeepsTheItemAndReplaces) {
 TEST_F(ShellOperations, RenameReplacesNothing) {
     drives.MakeFile("c/old.txt", "1");
     drives.MakeFile("c/other", "2");
-    const auto rename = [](std::u16string from, std::u16string to) { return Shell(FO_RENAME, from, to, 0); };
+    const auto rename = [](const char16_t* from, const std::u16string& to) {
+        return Shell(FO_RENAME, from, to, 0);
+    };
     EXPECT_EQ(rename(u"C:\\old.txt", u"C:\\OTHER"), DE_FLDDESTISFILE);
     EXPECT_EQ(rename(u"C:\\old.txt", u"C:\\.."), DE_DIFFDIR);
     EXPECT_EQ(rename(u"C:\\old.txt", u"C:\\" + std::u16string(256, u'x')), ERROR_FILENAME_EXCED_RANGE);
