@@ -94,16 +94,23 @@ private:
                     levels_.back().folders.push_back({entry.name, target});
                     continue;
                 }
-                const DWORD error = CopyFileTo({source, entry.name}, {targets_.folder(), target.c_str()});
-                if (error != ERROR_SUCCESS && !IsGone(error, source, entry.name)) return error;
+                const DWORD error = CopyListed({source, entry.name}, {targets_.folder(), target.c_str()});
+                if (error != ERROR_SUCCESS) return error;
             }
         }
         return ReadError(reader_.error());
     }
 
-    // True when an error says no more than that the entry was removed since it was listed.
-    static bool IsGone(DWORD error, int source, const char* name) {
-        return error == ERROR_FILE_NOT_FOUND && !HasEntry(source, name);
+    // An entry that was removed since it was listed is passed over; one that somebody put in its place
+    // meanwhile is copied.
+    static DWORD CopyListed(EntryAt from, EntryAt to) {
+        constexpr int kMostReplacements = 10;
+        DWORD error = CopyFileTo(from, to);
+        for (int i = 0; error == ERROR_FILE_NOT_FOUND && i < kMostReplacements; ++i) {
+            if (!HasEntry(from.folder, from.name)) return ERROR_SUCCESS;
+            error = CopyFileTo(from, to);
+        }
+        return error;
     }
 
     DWORD Descend() {
