@@ -6,11 +6,29 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 namespace corvane {
 namespace {
 
+TEST(ErrorMessage, KnowsEachCodeOfItsRanges) {
+    const std::string_view memory = "A serious memory related error has occured. Contact developer, please.";
+    for (std::int32_t code = -117; code <= -110; ++code) EXPECT_EQ(ErrorMessage(code), memory);
+    EXPECT_EQ(ErrorMessage(-118), "");
+    EXPECT_EQ(ErrorMessage(-109), "Null handle has occured, contact developer, please.");
+    EXPECT_EQ(ErrorMessage(-2023), ErrorMessage(-2024));
+    EXPECT_EQ(ErrorMessage(-50), "Wrong parameter(s).");
+    EXPECT_EQ(ErrorMessage(-50000),
+              "The operation could not be finished because QuickTime would hang. To work "
+              "around, enable linking media. Sorry.");
+}
+
 // A row out of order would hide from the search; this finds them all, from the first to the last.
-TEST(ErrorMessage, FindsEveryRowOfItsTable) {
+TEST(ErrorMessage, FindsExactlyTheCodesOfItsTable) {
+    const std::set<std::int32_t> gaps = {-2002, -2016, -2017, -2018, -2020,
+                                         -2021, -2025, -2027, -2040, -2052};
+    for (std::int32_t code = -2056; code <= -2000; ++code)
+        EXPECT_EQ(ErrorMessage(code).empty(), gaps.contains(code)) << code;
     int found = 0;
     for (std::int32_t code = -60000; code <= 30000; ++code) found += !ErrorMessage(code).empty();
     EXPECT_EQ(found, 92);
