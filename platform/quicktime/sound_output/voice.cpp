@@ -33,11 +33,13 @@ bool Voice::Advance() {
 float Voice::Fade() {
     constexpr float kChange = 1.0F / kRampFrames;
     const bool in = settings_.playing && !settings_.ending;
-    fade_ = in ? std::min(fade_ + kChange, 1.0F) : std::max(fade_ - kChange, 0.0F);
-    if (!queue_ended_.load(std::memory_order_acquire)) return fade_;
-    const std::int64_t end = frames_ + static_cast<std::int64_t>(queue_.Available());
-    const auto left = static_cast<double>(end - (taken_ - kLead)) / settings_.step;
-    return std::min(fade_, static_cast<float>(left) * kChange);
+    const float fade = in ? std::min(fade_ + kChange, 1.0F) : std::max(fade_ - kChange, 0.0F);
+    // Silence follows the sound's last frame, and the last that is queued when the host lets nothing decode.
+    const std::int64_t unplayed =
+        queue_ended_.load(std::memory_order_acquire) ? frames_ - (taken_ - kLead) : 0;
+    const auto left =
+        static_cast<double>(unplayed + static_cast<std::int64_t>(queue_.Available())) / settings_.step;
+    return fade_ = std::min(fade, static_cast<float>(left) * kChange);
 }
 
 void Voice::MoveGains() {

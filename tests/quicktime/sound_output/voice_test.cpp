@@ -77,19 +77,20 @@ TEST(Voice, PlaysEveryFrameAndStartsAndEndsGently) {
     EXPECT_EQ(voice.Position(), 700);
 }
 
-TEST(Voice, WaitsForFramesAndGoesOnWhereItStopped) {
-    Voice voice(1000);
-    const auto frames = Ramp(600);
-    voice.Queue().Push(std::span(frames).first(300));
+TEST(Voice, WaitsForFramesAndGoesOnWhereItStoppedWithoutAStep) {
+    Voice voice(2000);
+    const std::vector<StereoFrame> frames(1000, {1, 1});
+    voice.Queue().Push(std::span(frames).first(500));
     Play(voice, {});
-    const auto first = Mix(voice, 400);
-    EXPECT_EQ(first[399].left, 0);
+    auto mix = Mix(voice, 600);
     EXPECT_FALSE(voice.IsFinished());
-    const auto played = voice.Position();
-    EXPECT_EQ(played, 300 - static_cast<std::int64_t>(RateConverter::kDelay));
-    voice.Queue().Push(std::span(frames).subspan(300));
-    const auto second = Mix(voice, 200);
-    EXPECT_EQ(second[0].left, static_cast<float>(played));
+    EXPECT_EQ(voice.Position(), 500 - static_cast<std::int64_t>(RateConverter::kDelay));
+    EXPECT_EQ(mix[250].left, 1);
+    voice.Queue().Push(std::span(frames).subspan(500));
+    std::ranges::copy(Mix(voice, 300), std::back_inserter(mix));
+    EXPECT_EQ(mix[600 + kRamp].left, 1);
+    for (std::size_t i = 1; i < mix.size(); ++i)
+        ASSERT_LE(std::abs(mix[i].left - mix[i - 1].left), 1.01F / kRamp) << i;
 }
 
 TEST(Voice, PausesInPlace) {
