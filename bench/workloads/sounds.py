@@ -13,7 +13,8 @@ def facts():
             peers["soxi"] = f"soxi {name}"
         kind = "alac" if name.startswith("alac") else name.split(".")[1] if name[1] == "." else name.replace(".", " ")
         yield Row(f"sound-info-{kind.replace(' ', '-')}", f"facts of a 10-minute {kind}",
-                  sound_call(f'Media_GetSoundInfo("/C:/{name}")'), peers, make=media.encoded_sounds, why=START)
+                  sound_call(f'Media_GetSoundInfo("/C:/{name}")'), peers, make=media.encoded_sounds,
+                  why=START + ", and libsndfile with its seven codec libraries, 0.8 ms")
 
 
 def edit(name, what, calculation, ffmpeg=None, sox=None, make=media.waves, why=START):
