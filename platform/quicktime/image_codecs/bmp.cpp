@@ -283,22 +283,22 @@ bool Sniff(std::span<const std::byte> head) {
            IsKnownSize(LittleEndian32(head.data() + kFileHeader));
 }
 
-ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& image) {
-    constexpr std::uint32_t kMostPixelsOfRunByte = 128;
-    Header header;
-    ImageDescription description;
-    if (const auto code = ReadHeader(source, header); code != noErr) return code;
-    if (const auto code = Describe(header, description); code != noErr) return code;
-    const bool has_runs = header.compression == kRle8 || header.compression == kRle4;
-    const std::uint32_t pixels_per_byte = has_runs ? kMostPixelsOfRunByte : std::max(8 / header.bits, 1U);
-    if (const auto code = AllocateFor(description, source, pixels_per_byte, image); code != noErr)
-        return code;
+bool HasRuns(const Header& header) {
+    return header.compression == kRle8 || header.compression == kRle4;
+}
+
+/// A run is 255 pixels in two bytes.
+std::uint32_t MostPixelsOfByte(const Header& header) {
+    return HasRuns(header) ? 128 : std::max(8 / header.bits, 1U);
+}
+
+ComponentResult Paint(DataSource& source, const Header& header, PixelImage& image) {
     Palette palette{};
     const std::size_t colours = header.bits <= 8 ? ReadPalette(source, header, palette) : 0;
     image.has_alpha = header.masks[kAlpha] != 0;
     image.is_grey = colours > 0 && IsGrey(palette, colours);
-    const std::int32_t rows = has_runs ? RunDecoder(source, header, palette, image).Decode()
-                                       : DecodeRows(source, header, palette, image);
+    const std::int32_t rows = HasRuns(header) ? RunDecoder(source, header, palette, image).Decode()
+                                              : DecodeRows(source, header, palette, image);
     if (rows == 0) return codecBadDataErr;
     const std::int32_t missing = image.height() - rows;
     if (header.top_down) {
@@ -311,6 +311,7 @@ ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& 
 
 } // namespace
 
-const ImageCodec kBmpCodec = {kTypes, Sniff, ReadHeaderFacts<Header, ReadHeader, Describe>, true, Decode};
+const ImageCodec kBmpCodec = {kTypes, Sniff, ReadHeaderFacts<Header, ReadHeader, Describe>, true,
+                              DecodeByHeader<Header, ReadHeader, Describe, MostPixelsOfByte, Paint>};
 
 } // namespace qt

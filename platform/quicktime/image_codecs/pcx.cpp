@@ -160,14 +160,12 @@ bool Sniff(std::span<const std::byte> head) {
     return ParseHeader(head, header);
 }
 
-ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& image) {
-    constexpr std::uint32_t kMostPixelsOfRunByte = 252;
-    Header header;
-    ImageDescription description;
-    if (const auto code = ReadHeader(source, header); code != noErr) return code;
-    if (const auto code = Describe(header, description); code != noErr) return code;
-    if (const auto code = AllocateFor(description, source, kMostPixelsOfRunByte, image); code != noErr)
-        return code;
+/// A run is 63 bytes of eight pixels, in two.
+std::uint32_t MostPixelsOfByte(const Header& /*header*/) {
+    return 252;
+}
+
+ComponentResult Paint(DataSource& source, const Header& header, PixelImage& image) {
     const Palette palette = ReadPalette(source, header);
     image.has_alpha = header.planes == 4 && header.bits == 8;
     image.is_grey = header.bits * header.planes <= 8 && IsGrey(palette, palette.size());
@@ -194,6 +192,7 @@ ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& 
 
 } // namespace
 
-const ImageCodec kPcxCodec = {kTypes, Sniff, ReadHeaderFacts<Header, ReadHeader, Describe>, true, Decode};
+const ImageCodec kPcxCodec = {kTypes, Sniff, ReadHeaderFacts<Header, ReadHeader, Describe>, true,
+                              DecodeByHeader<Header, ReadHeader, Describe, MostPixelsOfByte, Paint>};
 
 } // namespace qt

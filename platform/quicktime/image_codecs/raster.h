@@ -78,6 +78,22 @@ ComponentResult ReadHeaderFacts(DataSource& source, ImageFacts& facts) {
     return Describe(header, facts.description);
 }
 
+/// Decodes an image whose header tells its size: makes room for it, when DataHolds says for
+/// MostPixels(header) that it is worth it, and lets Paint fill it.
+template <class Header, ComponentResult (*ReadHeader)(DataSource&, Header&),
+          ComponentResult (*Describe)(const Header&, ImageDescription&),
+          std::uint32_t (*MostPixels)(const Header&),
+          ComponentResult (*Paint)(DataSource&, const Header&, PixelImage&)>
+ComponentResult DecodeByHeader(DataSource& source, std::uint32_t /*index*/, PixelImage& image) {
+    Header header;
+    ImageDescription description;
+    if (const auto code = ReadHeader(source, header); code != noErr) return code;
+    if (const auto code = Describe(header, description); code != noErr) return code;
+    if (const auto code = AllocateFor(description, source, MostPixels(header), image); code != noErr)
+        return code;
+    return Paint(source, header, image);
+}
+
 /// Paints the rows from `first` up to `end` white.
 void WhitenRows(PixelImage& image, std::int32_t first, std::int32_t end);
 

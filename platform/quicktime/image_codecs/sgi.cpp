@@ -150,15 +150,12 @@ bool Sniff(std::span<const std::byte> head) {
     return ParseHeader(head, header);
 }
 
-ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& image) {
-    constexpr std::uint32_t kMostPixelsOfRunByte = 64;
-    Header header;
-    ImageDescription description;
-    if (const auto code = ReadHeader(source, header); code != noErr) return code;
-    if (const auto code = Describe(header, description); code != noErr) return code;
-    const std::uint32_t pixels_per_byte = header.has_runs ? kMostPixelsOfRunByte : 1;
-    if (const auto code = AllocateFor(description, source, pixels_per_byte, image); code != noErr)
-        return code;
+/// A run is up to 128 pixels in two bytes.
+std::uint32_t MostPixelsOfByte(const Header& header) {
+    return header.has_runs ? 64 : 1;
+}
+
+ComponentResult Paint(DataSource& source, const Header& header, PixelImage& image) {
     image.Fill(kWhite);
     image.is_grey = header.channels <= 2;
     image.has_alpha = header.channels % 2 == 0;
@@ -188,7 +185,11 @@ ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& item
 
 } // namespace
 
-const ImageCodec kSgiCodec = {kTypes, Sniff,  ReadHeaderFacts<Header, ReadHeader, Describe>,
-                              true,   Decode, ReadMetadata};
+const ImageCodec kSgiCodec = {kTypes,
+                              Sniff,
+                              ReadHeaderFacts<Header, ReadHeader, Describe>,
+                              true,
+                              DecodeByHeader<Header, ReadHeader, Describe, MostPixelsOfByte, Paint>,
+                              ReadMetadata};
 
 } // namespace qt
