@@ -103,13 +103,14 @@ std::int32_t Draw(Movie movie, std::uint32_t track, DrawnSpan span, const Wavefo
     std::int32_t code = FindFrames(movie, track, span, frames);
     if (code != 0) return code;
     // The width is shared out among the frames that there are: they are drawn anew when they turn out fewer.
-    for (std::int64_t expected = 0; expected != frames.count;) {
+    std::int64_t expected = 0;
+    do {
         expected = frames.count;
         WaveformDrawing drawing;
         code = DrawFrames(frames, request, drawing);
         if (code != 0) return code;
         picture = drawing.TakePicture();
-    }
+    } while (expected != frames.count);
     return 0;
 }
 

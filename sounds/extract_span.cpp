@@ -5,9 +5,10 @@
 namespace corvane {
 namespace {
 
-// Movie units of a span of seconds, as single precision has them.
+// Movie units of a span of seconds. The seconds are in single precision; the product isn't, which would have
+// too few digits for the frames of a longer sound.
 TimeValue ToUnits(std::int64_t seconds, TimeScale scale) {
-    return static_cast<TimeValue>(static_cast<float>(seconds) / 65536.0F * static_cast<float>(scale));
+    return static_cast<TimeValue>(double{static_cast<float>(seconds)} / 65536 * scale);
 }
 
 } // namespace
