@@ -173,7 +173,7 @@ TEST_F(Recording, IsOneAtATime) {
     EXPECT_EQ(Error(kStop), -3155);
     EXPECT_EQ(LastError(), "$-3155:Media_RecordSoundStop: Plug-in tried to issue a call in a wrong internal "
                            "state. Please contact, developer. There is no recording to stop. Call "
-                           "Media_RecordSoundStart before calling this function again.");
+                           "Media_RecordSoundStart before calling this function.");
     EXPECT_EQ(Error(kPause), 0);
     EXPECT_TRUE(LastError().ends_with(
         "You are currently not recording. Use Media_RecordSoundStart before using this function."));
