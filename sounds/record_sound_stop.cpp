@@ -37,7 +37,7 @@ FM_Error RecordSoundStop(std::int16_t, const FM_ExprEnv&, const FM_DataVect&, FM
     });
     if (recorder == nullptr)
         return error.Fail(kWrongState, "There is no recording to stop. Call Media_RecordSoundStart before "
-                                       "calling this function again.");
+                                       "calling this function.");
     RecordingManager::Instance().Unregister(recorder);
     const FM_Error answer = PutRecording(*recorder, result, error);
     recorder->Dispose();

@@ -236,6 +236,7 @@ QuickTime movie whatever the file's name. docs/sound.md tells of devices.)",
      "-43    there is no such folder\n-50    the path is none, or a container\n"
      "-61    the file can't be written to\n-120   the folder is a file\n-200   there is no sound input\n"
      "-227   another recording runs\n-1302  the path is a folder\n"
+     "other codes of files: the file can't be made\n"
      "With a code the result is empty; Media_GetLastError has the message.",
      R"(Media_RecordSoundStart ( "/C:/sounds/memo.mov" ; True ) & Media_Get ( "recording" ))", "1"},
     {"Media_RecordSoundPause", "Pauses the recording in the background, or lets it go on.", "none",

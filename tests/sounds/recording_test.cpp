@@ -156,6 +156,8 @@ TEST_F(Recording, RefusesWhatIsNoTarget) {
     EXPECT_EQ(refused({File("no/no/r.mov")}), "File was not found. Parent folder must exist.");
     EXPECT_EQ(refused({File("file/r.mov")}), " Parent folder must be a directory.");
     EXPECT_EQ(refused({File("r?.mov")}), "Wrong parameter(s).");
+    EXPECT_EQ(Start({Text("/C:/dev/pts/r.mov")}).error, 5) << "the platform's number";
+    EXPECT_TRUE(LastError().ends_with(" Failed to create recording file."));
     EXPECT_EQ(refused({Text(""), Text("1"), Text("<hex></hex>")}),
               "Feature is not implemented yet. Hex settings are currently unimplemented.");
     driver.Set("none such");
@@ -173,7 +175,7 @@ TEST_F(Recording, IsOneAtATime) {
     EXPECT_EQ(Error(kStop), -3155);
     EXPECT_EQ(LastError(), "$-3155:Media_RecordSoundStop: Plug-in tried to issue a call in a wrong internal "
                            "state. Please contact, developer. There is no recording to stop. Call "
-                           "Media_RecordSoundStart before calling this function again.");
+                           "Media_RecordSoundStart before calling this function.");
     EXPECT_EQ(Error(kPause), 0);
     EXPECT_TRUE(LastError().ends_with(
         "You are currently not recording. Use Media_RecordSoundStart before using this function."));
