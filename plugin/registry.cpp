@@ -36,7 +36,6 @@ FM_ExternalFunction HandlerOf(std::int16_t id) {
 
 // A call that an exception ended leaves nothing behind but its code.
 void EndFailedCall(FM_ExternalFunction handler, std::int16_t id, FM_Error code, FM_Data& result) {
-    DiscardResultBuffer();
     ClearResult(result);
     const bool keeps_record = id < kFirstCountedId && handler != Version && handler != GetLastError;
     if (keeps_record) LastError().SetCode(code);
@@ -58,6 +57,9 @@ FM_Error RunHandler(std::int16_t id, const FM_ExprEnv& environment, const FM_Dat
             EndFailedCall(handler, id, answer, result);
             return kFM_ErrorNone;
         });
+    // A call whose result is no text from the buffer may have put one there all the same: resolving a path
+    // tells of a chosen file or an unknown code. The next call's result must not begin with it.
+    DiscardResultBuffer();
     return answer;
 }
 
