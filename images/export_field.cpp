@@ -10,6 +10,7 @@
 #include "plugin/results.h"
 
 #include <algorithm>
+#include <new>
 #include <span>
 #include <string>
 #include <vector>
@@ -32,6 +33,17 @@ struct Content {
     std::int32_t stream = 0;
 };
 
+// The whole text, zero characters and all; false when there is no memory for it and that is reported.
+bool TakeText(const FM_Data* parameter, std::string& text) {
+    try {
+        text = utf::ToUtf8(ParameterAsUtf16(parameter));
+    } catch (const std::bad_alloc&) {
+        ReportError(kErrorOutOfMemory, "Out of memory");
+        return false;
+    }
+    return true;
+}
+
 // Finds the content of an image or a text parameter; false when there is none and that is reported.
 bool FindContent(const FM_Data* parameter, Content& content) {
     content.type = GetMainImageType(parameter);
@@ -45,8 +57,7 @@ bool FindContent(const FM_Data* parameter, Content& content) {
     }
     if (content.type == kReferenceType) {
         content.type = kTextType;
-        content.text = ParameterAsUtf8(parameter);
-        return true;
+        return TakeText(parameter, content.text);
     }
     if (content.type == kPictureType) {
         content.picture = GetMainImageData(parameter).data;

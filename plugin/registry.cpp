@@ -57,7 +57,8 @@ FM_Error RunHandler(std::int16_t id, const FM_ExprEnv& environment, const FM_Dat
             EndFailedCall(handler, id, answer, result);
             return kFM_ErrorNone;
         });
-    // A sound function leaves there what a path syntax wrote: an unknown code, or a chosen file's name.
+    // A call whose result is no text from the buffer may have put one there all the same: resolving a path
+    // tells of a chosen file or an unknown code. The next call's result must not begin with it.
     DiscardResultBuffer();
     return answer;
 }

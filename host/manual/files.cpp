@@ -55,7 +55,7 @@ Media_ListFolder ( "/C:/home/ann/Archive" ; False ))",
      "item      path of the item\nnewName   a name, no path", "Empty text.",
      "$CODE:MESSAGE as the result:\n-43  there is no such item\n123  the name has characters that names "
      "can't "
-     "have\n183  there is an item of that name\nother codes of paths and of the system",
+     "have\n126  there is a file of that name, 128 a folder\nother codes of paths and of the system",
      R"(Media_RenameItem ( "/C:/home/ann/a.txt" ; "Größe.txt" ) &
 Media_GetName ( "/C:/home/ann/größe.txt" ))",
      "größe.txt"},

@@ -161,6 +161,15 @@ TEST(HostFailure, LeavesFileFunctionsInOrder) {
                    {94, {text("http://"), yes, no}, "$0:Source must be a file to import by reference"}});
 }
 
+TEST(HostFailure, IsReportedByAnExportOfAText) {
+    test::StartedHost host;
+    fm::FailOperation(0, kFM_StatusNoMemory, "FM_Text_GetUnicode");
+    const test::Outcome outcome =
+        host.CallFunction(51, {test::TextValue("text"), test::TextValue("/C:/out"), test::NumberValue("1")});
+    EXPECT_EQ(outcome.text, "$-108:Out of memory");
+    EXPECT_EQ(outcome.error, 0);
+}
+
 TEST(HostFailure, IsWhatTheLastErrorTells) {
     test::StartedHost host;
     fm::FailOperation(0, kFM_StatusNoMemory, "FM_DataVect_AtAsText");
