@@ -54,7 +54,8 @@ constexpr Format kFormats[] = {
      "M4A ", "mp4a", 88217 + 1024, false},
     // The encoder's delay in the item list alone, as some players' own files have it.
     {"gapless.m4a",
-     "ffmpeg -i source.wav -c:a aac -use_editlist 0 gapless.m4a && python3 -c 'import mutagen.mp4 as m; "
+     "ffmpeg -i source.wav -c:a aac -use_editlist 0 gapless.m4a && /usr/bin/python3 -c 'import mutagen.mp4 "
+     "as m; "
      "f = m.MP4(\"gapless.m4a\"); f[\"----:com.apple.iTunes:iTunSMPB\"] = "
      "m.MP4FreeForm(b\" 00000000 00000400 00000000 0000000000015899\"); f.save()'",
      "M4A ", "mp4a", 88217, false},
