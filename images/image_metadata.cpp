@@ -6,7 +6,6 @@
 #include "plugin/results.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace corvane {
 namespace {
@@ -37,18 +36,23 @@ void AddTextItems(GraphicsImportComponent importer, MetadataText& text) {
     }
 }
 
-/// False when the data can't be read and that is reported.
+/// False when there is no memory for the data, or it can't be read, and that is reported.
 bool AddExif(GraphicsImportComponent importer, MetadataText& text) {
     std::uint64_t offset = 0;
     std::uint64_t size = 0;
     ComponentResult code = GraphicsImportGetDataOffsetAndSize(importer, &offset, &size);
-    std::vector<std::byte> data(std::min<std::uint64_t>(size, kExifDumpBytes));
-    if (code == noErr) code = GraphicsImportReadData(importer, data.data(), offset, data.size());
+    const qt::MemoryHandle data(NewHandle(static_cast<Size>(std::min<std::uint64_t>(size, kExifDumpBytes))));
+    if (!data) {
+        ReportError(kErrorOutOfMemory, "Out of memory");
+        return false;
+    }
+    const std::span<std::byte> bytes = qt::HandleBytes(data.get());
+    if (code == noErr) code = GraphicsImportReadData(importer, bytes.data(), offset, bytes.size());
     if (code != noErr) {
         ReportError(code, "Error reading image data");
         return false;
     }
-    AddExifDump(data, text);
+    AddExifDump(bytes, text);
     return true;
 }
 

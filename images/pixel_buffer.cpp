@@ -21,7 +21,8 @@ constexpr std::size_t kMaximumBytes = std::size_t{1} << 30;
 
 std::int32_t CreatePixelBuffer(std::uint32_t width, std::uint32_t height, PixelBufferHandle* result) {
     if (result == nullptr) return kErrorWrongParameter;
-    PixelBufferHandle buffer(std::make_unique<CPixelBuffer>().release());
+    PixelBufferHandle buffer(new (std::nothrow) CPixelBuffer);
+    if (buffer == nullptr) return kErrorOutOfMemory;
     const std::int32_t code = buffer->Allocate(width, height);
     if (code == 0) *result = std::move(buffer);
     return code;

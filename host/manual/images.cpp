@@ -168,7 +168,7 @@ the window's right and lower edge lie from it. Without a window, what the latest
      R"(Text: an information list (see Media_ExtractInfo) with the lines
 Height (px), Width (px), Depth (bits), Quality, V Resolution (dpi), H Resolution (dpi), Image Count,
 Size (bytes), Compressor Type (four characters), Compressor Description.)",
-     "$CODE:MESSAGE as the result:\n20100  not exactly one parameter\n20103  the container is empty\n"
+     "$CODE:MESSAGE as the result:\n20100  not exactly one parameter\n20400  the container has no image\n"
      "-43    there is no such file\n-989   the data of the image are not valid\n"
      "other codes of files and of the image decoder",
      R"(Media_GetImageInfo ( "/C:/home/ann/photo.jpg" ))",

@@ -1,10 +1,13 @@
 // Whatever allocation fails in whatever function, its libraries included: a code, nothing left behind, and
 // the next call works.
+#include "images/pixel_buffer.h"
 #include "platform/fmwrapper/fault.h"
 #include "tests/faults/faults.h"
 #include "tests/faults/media_world.h"
 
 #include <gtest/gtest.h>
+
+#include <set>
 
 namespace corvane {
 namespace {
@@ -80,6 +83,24 @@ TEST_F(MemoryShortage, EndsFunctionsOfImagesWithACode) {
     SweepBoth(63, {"/C:/photo.jpg", "#0"});
     SweepBoth(62, {"/C:/photo.png", "<effect type=\"blur\"><radius>3</radius></effect>"});
     SweepBoth(57, {"/C:/photo.png"});
+}
+
+TEST_F(MemoryShortage, IsReportedForThePhotoWhoseMetadataIsAskedFor) {
+    world_.Call(93, {"/C:/photo.jpg"});
+    world_.Call(93, {"/C:/photo.jpg"});
+    const std::int64_t allocations = world_.calls;
+    std::set<std::string> texts;
+    for (std::int64_t after = 0; after < allocations; ++after)
+        texts.insert(world_.Call(93, {"/C:/photo.jpg"}, test::Resource::kMemory, after, 1).text);
+    EXPECT_TRUE(texts.contains("$-108:Out of memory"));
+}
+
+TEST(PixelBufferShortage, EndsWithACode) {
+    for (std::int64_t after = 0; after < 2; ++after) { // the object, its pixels
+        const test::Shortage shortage(test::Resource::kMemory, after, 1);
+        PixelBufferHandle buffer;
+        EXPECT_EQ(CreatePixelBuffer(8, 8, &buffer), -108);
+    }
 }
 
 TEST_F(MemoryShortage, EndsFunctionsOfSoundsWithACode) {
