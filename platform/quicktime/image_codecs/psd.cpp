@@ -4,6 +4,7 @@
 // the colours themselves. The pixels tell: none that was laid on white is darker than what shines through.
 #include "platform/quicktime/image_codecs/psd_header.h"
 
+#include "platform/quicktime/image_codecs/metadata_items.h"
 #include "platform/quicktime/image_codecs/psd_channels.h"
 
 #include <algorithm>
@@ -178,8 +179,19 @@ ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& 
     return noErr;
 }
 
+ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& items) {
+    PsdHeader header;
+    if (!ReadPsdHeader(source, header)) return codecBadDataErr;
+    std::vector<std::byte> resources(header.resources_size);
+    resources.resize(source.Read(header.resources_at, resources));
+    AppendIptcItems(FindImageResource(resources, kIptcResource), items);
+    const std::span<const std::byte> packet = FindImageResource(resources, kXmpResource);
+    AppendXmpItems({reinterpret_cast<const char*>(packet.data()), packet.size()}, items);
+    return noErr;
+}
+
 } // namespace
 
-const ImageCodec kPhotoshopCodec = {kTypes, Sniff, ReadFacts, true, Decode};
+const ImageCodec kPhotoshopCodec = {kTypes, Sniff, ReadFacts, true, Decode, ReadMetadata};
 
 } // namespace qt

@@ -54,11 +54,12 @@ struct Resources {
 };
 
 /// Reads what is needed of the image resources: each a signature, number, name, size and data.
-Resources ReadResources(DataSource& source, std::uint64_t at, std::uint64_t end, PsdHeader& header) {
+Resources ReadResources(DataSource& source, PsdHeader& header) {
     constexpr std::size_t kLeast = 12;
     Resources found;
     std::array<std::byte, 512> bytes;
-    while (at + kLeast <= end) {
+    const std::uint64_t end = header.resources_at + header.resources_size;
+    for (std::uint64_t at = header.resources_at; at + kLeast <= end;) {
         const std::size_t count = source.Read(at, bytes);
         const std::size_t name_size = count < kLeast ? 0 : std::to_integer<std::size_t>(bytes[6]) / 2 * 2 + 2;
         const std::size_t data_at = 6 + name_size + 4;
@@ -120,7 +121,9 @@ bool ReadPsdHeader(DataSource& source, PsdHeader& header) {
     }
     at += 4 + size;
     if (!ReadSize(source, at, false, size)) return false;
-    const Resources resources = ReadResources(source, at + 4, at + 4 + size, header);
+    header.resources_at = at + 4;
+    header.resources_size = size;
+    const Resources resources = ReadResources(source, header);
     at += 4 + size;
     if (!ReadSize(source, at, header.is_large, size)) return false;
     const std::uint64_t layers_at = at + (header.is_large ? 8 : 4);

@@ -27,7 +27,9 @@ struct PsdHeader {
     bool has_alpha = false; ///< the channel behind the colours is the merged image's transparency
     double horizontal_dpi = 0.0;
     double vertical_dpi = 0.0;
-    std::uint64_t image_at = 0; ///< the merged image: compression, then rows
+    std::uint64_t resources_at = 0;
+    std::uint64_t resources_size = 0; ///< never beyond the end of the data
+    std::uint64_t image_at = 0;       ///< the merged image: compression, then rows
 
     /// Channels that make colours: 1, 3, or 4 inks.
     [[nodiscard]] std::uint32_t ColourChannels() const;
