@@ -13,34 +13,46 @@ constexpr auto kNames = std::to_array<std::string_view>(
 
 constexpr auto kPages = std::to_array<ManualPage>({
     {"Media_InsertImage", "An image file as a container, or a reference to it.",
-     "filepath      the path of an image file, an http:// address, or a container with an image\n"
-     "byReference   true: only a reference to the file",
+     R"(filepath      the path of an image file, an http:// address, or a container with an image
+byReference   true: only a reference to the file)",
      R"(A container: the image as it is in the file, its size, and for images that hosts can't show (all but
 JPEG and PICT) a JPEG preview; or the reference text.)",
-     "$CODE:MESSAGE as the result:\n20100  not exactly two parameters\n-43    there is no such file\n"
-     "-2005  nothing reads this kind of data\n-2012  by reference, and the source is no file\n"
-     "other codes of files and of the image decoder",
+     R"($CODE:MESSAGE as the result:
+20100  not exactly two parameters
+-43    there is no such file
+-2005  nothing reads this kind of data
+-2012  by reference, and the source is no file
+other codes of files and of the image decoder)",
      R"(Media_InsertImage ( "/C:/home/ann/a.gif" ; False ))",
-     "container\n  GIFf … bytes\n  SIZE 4 bytes\n  JPEG … bytes"},
+     R"(container
+  GIFf … bytes
+  SIZE 4 bytes
+  JPEG … bytes)"},
     {"Media_InsertFile", "Any file as a container, as a reference to it, or as text.",
-     "filepath      the path of a file, an http:// address, or a container with a stream \"FILE\"\n"
-     "byReference   true: only a reference to the file\nasText        true: the file's bytes as text, in "
-     "UTF-8",
+     R"(filepath      the path of a file, an http:// address, or a container with a stream "FILE"
+byReference   true: only a reference to the file
+asText        true: the file's bytes as text, in UTF-8)",
      R"(A container: the bytes as "FILE", and the file's path as "FNAM"; or the reference text; or the text.)",
-     "$CODE:MESSAGE as the result:\n20100  not exactly three parameters\n20400  the container has no stream "
-     "\"FILE\"\n-43    there is no such file\n0      by reference, and the source is no file\n"
-     "other codes of paths, files and servers",
+     R"($CODE:MESSAGE as the result:
+20100  not exactly three parameters
+20400  the container has no stream "FILE"
+-43    there is no such file
+0      by reference, and the source is no file
+other codes of paths, files and servers)",
      R"(Media_InsertFile ( "/C:/home/ann/a.txt" ; False ; True ))", "hello"},
     {"Media_ExportField", "Writes the main stream of a container, or a text, to a file.",
      R"(container   a container, or a text
 path        the file; a name without extension gets that of the stream's type
 replace     true: a file that is there is replaced)",
      "Empty text.",
-     "$CODE:MESSAGE as the result:\n20100  not exactly three parameters\n20103  the container is empty\n"
-     "20200  the file is there, and replace is false\n20401  a CV image, which Media_ConvertImage can "
-     "convert\n"
-     "-1302  the path leads to a folder\n-120   there is no such folder\nother codes of paths and of the "
-     "system",
+     R"($CODE:MESSAGE as the result:
+20100  not exactly three parameters
+20103  the container is empty
+20200  the file is there, and replace is false
+20401  a CV image, which Media_ConvertImage can convert
+-1302  the path leads to a folder
+-120   there is no such folder
+other codes of paths and of the system)",
      R"(Media_ExportField ( "Hello" ; "/C:/home/ann/Archive/note" ; False ) &
 Media_ListFolder ( "/C:/home/ann/Archive" ; False ))",
      "note.txt"},
@@ -60,7 +72,8 @@ Media_TApply, behind the steps that are pending; so call Media_TClear between im
      R"(Media_TResize ( 128 ; 0 ) & HostStream ( Media_TApply ( "/C:/home/ann/photo.jpg" ) ; "SIZE" ))",
      "00800060"},
     {"Media_TSkew", "Adds a skew to the pending transformation.",
-     "xSkew   pixels to the right for each pixel down\nySkew   pixels down for each pixel to the right",
+     R"(xSkew   pixels to the right for each pixel down
+ySkew   pixels down for each pixel to the right)",
      "Empty text.", "$20100:MESSAGE as the result: not exactly two parameters",
      R"(Media_TSkew ( 0.5 ; 0 ) & HostStream ( Media_TApply ( "/C:/home/ann/photo.jpg" ) ; "SIZE" ))",
      "00580030"},
@@ -97,19 +110,27 @@ image; Media_ExportField takes what Media_ConvertImage makes of it.)",
 -8963  the result is empty, or above 30,000 pixels either way
 other codes of files and of the image decoder)",
      R"(Let ( [ a = Media_TClear ; b = Media_TRotate ( 30 ) ] ; Media_TApply ( "/C:/home/ann/photo.jpg" ) ))",
-     "container\n  CVIM … bytes\n  SIZE 4 bytes\n  JPEG … bytes"},
+     R"(container
+  CVIM … bytes
+  SIZE 4 bytes
+  JPEG … bytes)"},
     {"Media_SetImageDefaults", "How previews of images are made from now on.",
-     "previewQuality   0 lowest to 1024 best, 512 at start; -1: no previews\n"
-     "previewMark      true (at start): thin lines in the picture say that it is a preview",
+     R"(previewQuality   0 lowest to 1024 best, 512 at start; -1: no previews
+previewMark      true (at start): thin lines in the picture say that it is a preview)",
      "Empty text.", "$20100:MESSAGE as the result: not exactly two parameters",
      R"(Media_SetImageDefaults ( 700 ; False ) & "no text")", "no text"},
     {"Media_ConversionDialog", "Asks for an encoder's settings.",
      "imageType   a type of Media_ListImageOutputTypes; a whole line of that list will do",
      R"(Text: lines KEY=VALUE: format, depth, resolution, quality, size, method, as far as they are set or the
 format has them. Without windows the answer "set:quality=300,depth=8" changes settings, "ok" none.)",
-     "$CODE:MESSAGE as the result:\n20100  not exactly one parameter\n20101  no type code\n"
-     "20102  the type is no text\nAn unknown type gives empty text.",
-     R"(Media_ConversionDialog ( "JPEG" ))", "format=JPEG\nquality=512\nmethod=0"},
+     R"($CODE:MESSAGE as the result:
+20100  not exactly one parameter
+20101  no type code
+20102  the type is no text
+An unknown type gives empty text.)",
+     R"(Media_ConversionDialog ( "JPEG" ))", R"(format=JPEG
+quality=512
+method=0)"},
     {"Media_ConvertImage", "An image in another format.",
      R"(container     a container with an image, the path of an image file, or an http:// address
 imageType     a type of Media_ListImageOutputTypes; empty: the source's own
@@ -124,11 +145,17 @@ interlace     1: progressive or interlaced; 0: not
 -1 in any of them leaves it to the encoder. Two parameters alone use the settings of the latest call with all.)",
      R"(A container: the image, its size, and for images that hosts can't show (all but JPEG, BMP, PNG and TIFF)
 a JPEG preview.)",
-     "$CODE:MESSAGE as the result:\n20100  neither 2 nor 11 parameters\n20101  no type code\n"
-     "20102  the type is no text\n-2005  no encoder for the type, or no decoder for the data\n"
-     "-8969  the data of the image are broken\nother codes of files, decoders and encoders",
+     R"($CODE:MESSAGE as the result:
+20100  neither 2 nor 11 parameters
+20101  no type code
+20102  the type is no text
+-2005  no encoder for the type, or no decoder for the data
+-8969  the data of the image are broken
+other codes of files, decoders and encoders)",
      R"(Media_ConvertImage ( "/C:/home/ann/pages.tif" ; "JPEG" ; -1 ; -1 ; -1 ; 100000 ; -1 ; 2 ; -1 ; -1 ; -1 ))",
-     "container\n  JPEG … bytes\n  SIZE 4 bytes"},
+     R"(container
+  JPEG … bytes
+  SIZE 4 bytes)"},
     {"Media_EffectDialog", "Asks for an effect and its parameters.",
      R"(effectType      the effect to choose; empty: the person chooses among
                 one image: blur brco embs edge fmns genk hslb levl mosa post rgbb shrp solr tint
@@ -137,11 +164,18 @@ previewImage    an image that the dialog shows the effect on: a container, a pat
 previewImage2   the second one, for effects of two images)",
      R"(Text: the description for Media_EffectApply, XML to read and edit; its comments name the parameters, their
 ranges and defaults. Without windows the answer "set:effect=blur,radius=5" chooses, "ok" takes what is first.)",
-     "$CODE:MESSAGE as the result:\n0      Cancel; or there is no such effect\n20101  no type code\n"
-     "20102  the type is no text\nother codes of files and of the image decoder",
+     R"($CODE:MESSAGE as the result:
+0      Cancel; or there is no such effect
+20101  no type code
+20102  the type is no text
+other codes of files and of the image decoder)",
      R"(Media_EffectDialog ( "blur" ; "/C:/home/ann/photo.jpg" ))",
-     "<?xml version=\"1.0\"?>\n<!-- Blur: one image -->\n<effect type=\"blur\">\n  <!-- Radius: …\n  "
-     "<radius>4</radius>\n</effect>"},
+     R"(<?xml version="1.0"?>
+<!-- Blur: one image -->
+<effect type="blur">
+  <!-- Radius: …
+  <radius>4</radius>
+</effect>)"},
     {"Media_EffectApply", "An image, or two, drawn through an effect.",
      R"(container           the image, source A: a container, the path of an image file, or an http:// address
 effectDescription   text of Media_EffectDialog, as it is or edited: parameters that are missing have their
@@ -150,11 +184,17 @@ container2          source B, for effects of two images; drawn at its own size, 
      R"(A container of source A's size: the picture ("CVIM"), its size and a JPEG preview. A description that is no
 XML, names no known effect, or has more than 32767 bytes leaves the image as it is; so does one for two images
 without the second.)",
-     "$CODE:MESSAGE as the result:\n20100  fewer than two parameters\n20400  no image\n"
-     "-43    there is no such file\n-8969  the data of the image are broken\n"
-     "other codes of files and of the image decoder",
+     R"($CODE:MESSAGE as the result:
+20100  fewer than two parameters
+20400  no image
+-43    there is no such file
+-8969  the data of the image are broken
+other codes of files and of the image decoder)",
      R"(Media_EffectApply ( "/C:/home/ann/photo.jpg" ; "<effect type='blur'><radius>5</radius></effect>" ))",
-     "container\n  CVIM … bytes\n  SIZE 4 bytes\n  JPEG … bytes"},
+     R"(container
+  CVIM … bytes
+  SIZE 4 bytes
+  JPEG … bytes)"},
     {"Media_GetMouseUp", "Where the pointer is in the front window of the database.", "",
      R"(Text: X|Y|RIGHT|BOTTOM in pixels: the pointer from the upper left corner of the window's content, and how far
 the window's right and lower edge lie from it. Without a window, what the latest call found; -1 in all at first.)",
@@ -168,13 +208,23 @@ the window's right and lower edge lie from it. Without a window, what the latest
      R"(Text: an information list (see Media_ExtractInfo) with the lines
 Height (px), Width (px), Depth (bits), Quality, V Resolution (dpi), H Resolution (dpi), Image Count,
 Size (bytes), Compressor Type (four characters), Compressor Description.)",
-     "$CODE:MESSAGE as the result:\n20100  not exactly one parameter\n20400  the container has no image\n"
-     "-43    there is no such file\n-989   the data of the image are not valid\n"
-     "other codes of files and of the image decoder",
+     R"($CODE:MESSAGE as the result:
+20100  not exactly one parameter
+20400  the container has no image
+-43    there is no such file
+-989   the data of the image are not valid
+other codes of files and of the image decoder)",
      R"(Media_GetImageInfo ( "/C:/home/ann/photo.jpg" ))",
-     "Height (px): 48\nWidth (px): 64\nDepth (bits): 24\nQuality: …\nV Resolution (dpi): 72\n"
-     "H Resolution (dpi): 72\nImage Count: 1\nSize (bytes): …\nCompressor Type: jpeg\n"
-     "Compressor Description: Photo - JPEG"},
+     R"(Height (px): 48
+Width (px): 64
+Depth (bits): 24
+Quality: …
+V Resolution (dpi): 72
+H Resolution (dpi): 72
+Image Count: 1
+Size (bytes): …
+Compressor Type: jpeg
+Compressor Description: Photo - JPEG)"},
 });
 
 } // namespace
