@@ -56,6 +56,8 @@ options
   --save-streams DIR       write the streams of container results to files
   --strict                 exit status 1 when a calculation fails
   --progress auto|always|never   progress of long work on standard error
+  --help                   this text
+  --version                the version of program and plug-in
 
 options of commands on database files
   --where CALC             only records for which it is true
@@ -85,6 +87,7 @@ enum Option : int {
     kSaveStreams,
     kStrict,
     kProgress,
+    kVersion,
     kTableOption ///< of TableOptions, by its name
 };
 
@@ -112,6 +115,7 @@ constexpr option kOptions[] = {
     {"replace", no_argument, nullptr, kTableOption},
     {"resume", no_argument, nullptr, kTableOption},
     {"help", no_argument, nullptr, 'h'},
+    {"version", no_argument, nullptr, kVersion},
     {nullptr, 0, nullptr, 0},
 };
 
@@ -204,12 +208,14 @@ std::optional<CommandLine> ReadCommandLine(int argc, char** argv, int& status) {
     (void)SetUi(line.session, "auto");
     (void)SetProgress(line.session, "auto");
     std::string problem = AddDrivesOfEnvironment(line.session.drives);
+    static char name[] = "corvane";
+    argv[0] = name; // for what getopt says, which begins as all messages do
     for (int option = 0; problem.empty();) {
         int index = 0;
         option = ::getopt_long(argc, argv, "h", kOptions, &index);
         if (option == -1) break;
-        if (option == 'h') {
-            std::fputs(kUsage, stdout);
+        if (option == 'h' || option == kVersion) {
+            std::fputs(option == 'h' ? kUsage : "corvane " CORVANE_VERSION "\n", stdout);
             status = 0;
             return std::nullopt;
         }

@@ -22,7 +22,8 @@ struct CommandLine {
 };
 
 /// Options may stand before, between and after the other words, up to "--". On a usage error it prints the
-/// message, on --help the usage, and answers nullopt with the exit status in `status`.
+/// message, on --help the usage, on --version the version, and answers nullopt with the exit status in
+/// `status`.
 std::optional<CommandLine> ReadCommandLine(int argc, char** argv, int& status);
 
 inline constexpr int kUsageError = 2;

@@ -4,7 +4,7 @@ _corvane() {
     local commands='eval functions about help db import show update export sheet worker'
     local options='--plugin --database --drive --hidden --interface-version --host-version --ui --answer --json --raw
         --save-streams --strict --progress --where --to --name --name-field --as --by-reference --replace --jobs
-        --resume --help'
+        --resume --help --version'
     COMPREPLY=()
     case $before in
     --ui) COMPREPLY=($(compgen -W 'auto none gtk' -- "$word")) && return ;;

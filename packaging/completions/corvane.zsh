@@ -36,5 +36,6 @@ _arguments \
     '--jobs[so many processes]:number:' \
     '--resume[go on where the same update stopped]' \
     '--help[show the usage]' \
+    '--version[show the version]' \
     '1:command:((eval\:"evaluate calculations" functions\:"list the functions" about\:"show what the plug-in says" help\:"show the manual of a function" db\:"make a database file, or a table" import\:"files into records" show\:"show records or tables" update\:"evaluate calculations for each record" export\:"fields into files" sheet\:"a page of pictures and waveforms" worker\:"evaluate what standard input asks for"))' \
     '*:argument:_corvane_rest'

@@ -96,7 +96,7 @@ TEST_F(Program, RefusesWrongUse) {
         {"", "a command is missing"},
         {"unknown", "unknown command \"unknown\""},
         {"about more", "about does not take \"more\""},
-        {"eval --nothing 1", "--nothing"},
+        {"eval --nothing 1", "corvane: unrecognized option '--nothing'"},
         {"eval --ui x 1", "--ui takes"},
         {"eval --hidden x 1", "--hidden takes"},
         {"eval --progress x 1", "--progress takes"},
@@ -112,6 +112,7 @@ TEST_F(Program, RefusesWrongUse) {
     });
     EXPECT_EQ(Corvane("eval 1", "", "CORVANE_DRIVES=x").status, 2);
     EXPECT_EQ(Corvane("--help").status, 0);
+    EXPECT_EQ(Corvane("--version").output, "corvane 10.0.3\n");
     EXPECT_EQ(Corvane("eval 1 >/dev/full 2>stderr #").status, 2) << "lost output is no success";
 }
 
