@@ -130,6 +130,7 @@ TEST_F(PathSyntax, AnyTextFindsItsSyntax) {
     EXPECT_EQ(Any("file:a"), "0|C:|Data/|file:a 123") << "two characters after the word are too few";
     EXPECT_EQ(Any("files"), "0|C:|Data/|files -43");
     EXPECT_EQ(Any("files\\x/y"), "0|C:|Data/files/|x/y -120");
+    EXPECT_EQ(Any("files/x"), "0|C:|Data/files/|x -120");
     EXPECT_EQ(Any("Pics\\a.jpg"), "0|C:|Data/Pics/|a.jpg 0");
     EXPECT_EQ(Any("..\\Data\\Pics\\"), "0|C:|Data/|Pics 0");
     EXPECT_EQ(Any("Pics/a.jpg"), "0|C:|Data/|Pics/a.jpg 0") << "only the backslash separates here";

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <random>
 #include <sys/resource.h>
+#include <sys/xattr.h>
 #include <thread>
 #include <unistd.h>
 
@@ -82,15 +83,17 @@ TEST_F(FieldRuns, SeveralWorkersDoWhatOneDoes) {
 TEST_F(FieldRuns, WorkersHaveTheDrivesAndTheHostOfTheirParent) {
     MakeTable(4);
     Write("d/x.bin", "hello");
+    ::setxattr((folder_ + "/d/x.bin").c_str(), "user.DOSATTRIB", "0x2", 3, 0); // does not count with --hidden
     const std::string update =
         "update m.corvane t 'name=Get(ApplicationVersion) & Media_ListDisks & "
         "Media_ExtractInfo(Media_GetItemInfo(\"/D:/x.bin\"); \"Data size (b)\") & "
-        "Media_ExtractInfo(Media_GetItemInfo(\"//srv/s/x.bin\"); \"Data size (b)\")' "
+        "Media_ExtractInfo(Media_GetItemInfo(\"//srv/s/x.bin\"); \"Data size (b)\") & "
+        "Media_ExtractInfo(Media_GetItemInfo(\"/D:/x.bin\"); \"Invisible\")' --hidden named "
         "--drive C:=/ --drive D:=d --drive '\\\\srv\\s='$DIR/d --host-version 10.0v3 --jobs ";
     for (const char* jobs : {"1", "2"}) {
         const Finished run = Corvane(update + jobs);
         EXPECT_EQ(run.status, 0) << run.errors;
-        EXPECT_EQ(Sql("SELECT DISTINCT name FROM t; UPDATE t SET name = ''"), "Pro 10.0v3C:\\|D:\\55")
+        EXPECT_EQ(Sql("SELECT DISTINCT name FROM t; UPDATE t SET name = ''"), "Pro 10.0v3C:\\|D:\\550")
             << jobs;
     }
 }

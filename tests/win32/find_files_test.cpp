@@ -78,6 +78,7 @@ TEST_F(FindFiles, FileServersNotesInSmallAndLargeFolders) {
     fm::CurrentSession().hidden_marks = false;
     EXPECT_EQ(All(u"C:\\small\\*.*").at(u"marked"), 0U);
     EXPECT_EQ(All(u"C:\\small\\*.*").at(u".named"), FILE_ATTRIBUTE_HIDDEN);
+    EXPECT_EQ(GetFileAttributesW(u"C:\\small\\marked"), FILE_ATTRIBUTE_ARCHIVE);
     fm::CurrentSession().hidden_marks = true;
 
     constexpr int kCount = 3'000; // several blocks of entries

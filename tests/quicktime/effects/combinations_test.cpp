@@ -165,6 +165,8 @@ TEST(Combinations, BeyondASmallerSecondSourceThereIsNothing) {
     ForEachPixel(out, [](int x, int y, std::uint32_t pixel) {
         EXPECT_TRUE(x < 3 && y < 2 ? pixel == kBlue : qt::Alpha(pixel) == 0) << x << " " << y;
     });
+    const qt::PixelImage larger = MakeImage(50, 40, kBlue);
+    EXPECT_FALSE(Render("smpt", {{"percent", "100"}}, a, &larger).has_alpha);
 }
 
 } // namespace
