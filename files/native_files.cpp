@@ -76,7 +76,6 @@ OperationPath GetOperationPath(const XFileSpec& spec) {
         return item;
     }
     item.is_folder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    if (item.is_folder && !item.path.ends_with(u'\\')) item.path += u'\\';
     return item;
 }
 

@@ -124,6 +124,9 @@ TEST_F(WaveExporter, SettingsChooseTheLayout) {
         EXPECT_EQ(DecodedBySox("out.wav"), DecodedBySox("s.wav"));
         EXPECT_EQ(ReadBytes(Path("out.wav")).size() / (1001 * layout.FrameBytes()), 1U);
     }
+    ASSERT_EQ(set_layout({qt::SampleEncoding::kUnsigned8, false, 1, 44100}), noErr);
+    ASSERT_EQ(ExportWith(exporter.get(), movie.get(), "out.wav"), noErr);
+    EXPECT_EQ(ReadBytes(Path("out.wav")).size(), 44U + 1001 + 1) << "chunks begin at even offsets";
     EXPECT_EQ(set_layout({qt::SampleEncoding::kMuLaw, false, 1, 8000}), paramErr) << "compressed";
     OSType type = 0;
     ASSERT_EQ(MovieExportGetFileType(exporter.get(), &type), noErr);
