@@ -10,6 +10,7 @@
 #include "sounds/waveform_drawing.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <string>
 #include <utility>
@@ -63,14 +64,15 @@ std::int32_t FindFrames(Movie movie, std::uint32_t track_number, DrawnSpan span,
     const auto duration = static_cast<double>(GetTrackDuration(track));
     const auto scale = static_cast<double>(GetMovieTimeScale(movie));
     if (duration < scale * span.start) return kStartsBehindEnd;
-    if (span.end == 0 || duration < scale * span.end) span.end = static_cast<float>(duration / scale);
-
     const auto rate = static_cast<double>(GetMediaTimeScale(frames.media));
+    const double skipped = std::trunc(rate * span.start);
+    // The end of the track in seconds would be rounded, half the time to before the last frame.
+    const bool to_end = span.end == 0 || duration < scale * span.end;
+    const auto count = static_cast<std::int64_t>(to_end ? duration * rate / scale - skipped
+                                                        : (span.end - span.start) * rate);
     // The media of a part that was cut out is still the whole one.
-    frames.first = std::max<TimeValue>(TrackTimeToMediaTime(0, track), 0);
-    frames.first += static_cast<TimeValue>(rate * span.start);
-    frames.count = std::min(static_cast<std::int64_t>((span.end - span.start) * rate),
-                            GetMediaDuration(frames.media) - frames.first);
+    frames.first = std::max<TimeValue>(TrackTimeToMediaTime(0, track), 0) + static_cast<TimeValue>(skipped);
+    frames.count = std::min(count, GetMediaDuration(frames.media) - frames.first);
     return 0;
 }
 
