@@ -7,13 +7,14 @@ namespace corvane {
 namespace {
 
 void Create(const FM_DataVect& parameters) {
-    const native::OperationPath target = ResolveItemParameter(parameters, 0);
-    if (target.code != 0) return ReportError(target.code, "CreateAlias failed");
+    XFileSpec target; // a special folder need not exist
+    std::int32_t code = ResolvePathParameter(parameters, 0, target);
+    if (code != 0) return ReportError(code, "CreateAlias failed");
     XFileSpec alias;
-    std::int32_t code = ResolvePathParameter(parameters, 1, alias);
+    code = ResolvePathParameter(parameters, 1, alias);
     if (code == 0) return ReportError(0, "Specified alias file already exists");
     if (code != kErrorFileNotFound) return ReportError(code, "Error in destination file specification");
-    code = native::CreateShortcut(target.path, alias.GetNativePathW() + u".lnk", {});
+    code = native::CreateShortcut(target.GetNativePathW(), alias.GetNativePathW() + u".lnk", {});
     if (code != 0) ReportError(code, "CreateAlias failed");
 }
 

@@ -90,7 +90,11 @@ bool InsertReference(const FileSource& source, FM_Data& result) {
         ReportError(0, "Source must be a file to import by reference");
         return false;
     }
-    const std::int32_t code = PutFileReferenceResult(result, source.spec, "file", 0, 0);
+    // A drive in small letters would keep the file from lying beside the database: the reference has
+    // capitals.
+    XFileSpec file;
+    std::int32_t code = FileOfDataReference(source.reference, file);
+    if (code == 0) code = PutFileReferenceResult(result, file, "file", 0, 0);
     if (code != 0) ReportMissing(code);
     return code == 0;
 }

@@ -161,6 +161,7 @@ UnixPath ToUnixPath(std::u16string_view native) {
         return result;
     }
 
+    if (names.empty()) result.root = drive->root;
     result.path = drive->folder;
     for (const std::u16string_view name : names) {
         result.path += '/';

@@ -14,6 +14,7 @@ namespace win32 {
 struct UnixPath {
     DWORD error = ERROR_SUCCESS; ///< 2, 3, 5, 53 (no such share), 123 (invalid name), 206 (too long)…
     std::string path;            ///< absolute; usable with error 0, and with 2 to create the item
+    std::string root; ///< "C:" or "\\server\share" when the path leads to that root itself, else empty
     bool exists = false;
     struct stat status {}; ///< of the entry itself (lstat), when it exists
 };

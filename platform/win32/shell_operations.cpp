@@ -24,6 +24,7 @@ namespace {
 struct Place {
     DWORD error = ERROR_SUCCESS;
     std::string path;
+    std::string root;
     Descriptor folder;
     std::string name;
     bool exists = false;
@@ -42,6 +43,7 @@ Place PlaceOf(std::u16string_view native) {
         return place;
     }
     place.path = std::move(found.path);
+    place.root = std::move(found.root);
     const std::size_t slash = place.path.rfind('/');
     place.name = place.path.substr(slash + 1);
     if (place.name.empty()) place.name = ".";
@@ -130,6 +132,12 @@ bool IsFolder(const Place& place) {
            S_ISDIR(status.st_mode);
 }
 
+// The item's name inside another folder. The Unix folder behind a root doesn't name it: a share has its own
+// name, a drive ("D:") none that an entry may have.
+std::u16string NameOf(const Place& item) {
+    return item.root.empty() ? FromUnixName(item.name) : std::u16string(LastName(FromUnixName(item.root)));
+}
+
 // Where a copy or move of `from` leads: into an existing folder, else to the name given.
 Place TargetOf(const Place& from, std::u16string_view native, FILEOP_FLAGS flags) {
     Place target = PlaceOf(native);
@@ -140,7 +148,7 @@ Place TargetOf(const Place& from, std::u16string_view native, FILEOP_FLAGS flags
     if (target.error != ERROR_SUCCESS || !IsFolder(target)) return target;
     std::u16string inside(native);
     if (inside.back() != u'\\') inside += u'\\';
-    return PlaceOf(inside + FromUnixName(from.name));
+    return PlaceOf(inside + NameOf(from));
 }
 
 DWORD Perform(std::u16string_view source, const SHFILEOPSTRUCTW& operation) {
