@@ -3,6 +3,7 @@
 
 #include "platform/quicktime/types.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -29,6 +30,25 @@ public:
 
     /// All the bytes, when they lie in memory anyhow: good as long as the source. Else empty.
     [[nodiscard]] virtual std::span<const std::byte> InMemory() const noexcept { return {}; }
+};
+
+/// A part of another source, which must outlive it.
+class PartSource final : public DataSource {
+public:
+    PartSource(DataSource& whole, std::uint64_t offset, std::uint64_t size)
+        : whole_(whole), offset_(offset), size_(size) {}
+
+    [[nodiscard]] std::uint64_t GetSize() const noexcept override { return size_; }
+    std::size_t Read(std::uint64_t offset, std::span<std::byte> buffer) noexcept override {
+        if (offset >= size_) return 0;
+        const std::uint64_t count = std::min<std::uint64_t>(buffer.size(), size_ - offset);
+        return whole_.Read(offset_ + offset, buffer.first(static_cast<std::size_t>(count)));
+    }
+
+private:
+    DataSource& whole_;
+    std::uint64_t offset_;
+    std::uint64_t size_;
 };
 
 /// A source, or why there is none. The source is null when the code is not 0.

@@ -22,6 +22,19 @@ ComponentResult EncodePort(const GraphicsExporter& exporter, EncodedBytes& out) 
     return code == noErr ? exporter.format.encode(shown, exporter.settings, out) : code;
 }
 
+/// Whether the input's compressed data, which may be a part of its file, could be passed on.
+bool PassOn(const GraphicsExporter& exporter, const ImageDescription& description,
+            const ExportSettings& settings, EncodedBytes& out) {
+    if (!exporter.dont_recompress || exporter.format.transcode == nullptr) return false;
+    DataSource* source = UnchangedSource(exporter.input);
+    std::uint64_t offset = 0;
+    std::uint64_t size = 0;
+    if (source == nullptr || GraphicsImportGetDataOffsetAndSize(exporter.input, &offset, &size) != noErr)
+        return false;
+    PartSource data(*source, offset, size);
+    return exporter.format.transcode(data, description, settings, out);
+}
+
 ComponentResult EncodeDrawing(const GraphicsExporter& exporter, EncodedBytes& out) {
     ImageDescription description;
     const auto description_code = GraphicsImportGetImageDescription(exporter.input, &description);
@@ -31,10 +44,7 @@ ComponentResult EncodeDrawing(const GraphicsExporter& exporter, EncodedBytes& ou
         settings.horizontal_resolution = description.hRes;
         settings.vertical_resolution = description.vRes;
     }
-    DataSource* source = exporter.dont_recompress ? UnchangedSource(exporter.input) : nullptr;
-    if (source != nullptr && exporter.format.transcode != nullptr &&
-        exporter.format.transcode(*source, description, settings, out))
-        return noErr;
+    if (PassOn(exporter, description, settings, out)) return noErr;
     PixelImage image;
     if (const auto code = DrawImporter(exporter.input, image); code != noErr) return code;
     return exporter.format.encode(image, settings, out);

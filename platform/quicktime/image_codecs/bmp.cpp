@@ -51,8 +51,9 @@ void TakeInfoHeader(const std::byte* fields, Header& header) {
     header.bits = LittleEndian16(fields + 14);
     if (header.size >= 20) header.compression = LittleEndian32(fields + 16);
     if (header.size < kInfoHeader) return;
-    header.horizontal_dpi = LittleEndian32(fields + 24) * kMetresPerInch;
-    header.vertical_dpi = LittleEndian32(fields + 28) * kMetresPerInch;
+    // Signed: below 0 is no resolution, not one beyond all measure.
+    header.horizontal_dpi = static_cast<std::int32_t>(LittleEndian32(fields + 24)) * kMetresPerInch;
+    header.vertical_dpi = static_cast<std::int32_t>(LittleEndian32(fields + 28)) * kMetresPerInch;
     header.colours = LittleEndian32(fields + 32);
     header.masks = header.bits == 16 ? kMasks555 : kMasksBgrx;
     if (header.compression != kBitFields && header.compression != kAlphaBitFields) return;

@@ -13,25 +13,6 @@ constexpr std::uint64_t kLongAtomHeader = 16;
 constexpr std::uint64_t kLargestDescription = 65'536; ///< bytes, colours included
 constexpr int kMostAtoms = 1000;
 
-/// A part of another source.
-class PartSource final : public DataSource {
-public:
-    PartSource(DataSource& whole, std::uint64_t offset, std::uint64_t size)
-        : whole_(whole), offset_(offset), size_(size) {}
-
-    [[nodiscard]] std::uint64_t GetSize() const noexcept override { return size_; }
-    std::size_t Read(std::uint64_t offset, std::span<std::byte> buffer) noexcept override {
-        if (offset >= size_) return 0;
-        const std::uint64_t count = std::min<std::uint64_t>(buffer.size(), size_ - offset);
-        return whole_.Read(offset_ + offset, buffer.first(static_cast<std::size_t>(count)));
-    }
-
-private:
-    DataSource& whole_;
-    std::uint64_t offset_;
-    std::uint64_t size_;
-};
-
 struct Atom {
     OSType type = 0;
     std::uint64_t data_at = 0;

@@ -207,11 +207,20 @@ bool EncodeComponents(const PixelImage& image, std::uint32_t components, const A
            opj_end_compress(codec.get(), stream.get()) != OPJ_FALSE;
 }
 
-/// A resolution as pixels per metre: a fraction, and a power of ten that is 0.
-std::uint32_t PerMetre(const std::optional<Fixed>& dots_per_inch, double divisor) {
-    constexpr double kMetresPerInch = 0.0254;
-    return static_cast<std::uint32_t>(std::lround(ResolutionIn(dots_per_inch, kMetresPerInch) * divisor));
-}
+/// A resolution in pixels per metre: a fraction of 16-bit numbers, times a power of ten.
+struct PerMetre {
+    explicit PerMetre(const std::optional<Fixed>& dots_per_inch) {
+        constexpr double kMetresPerInch = 0.0254;
+        double value = ResolutionIn(dots_per_inch, kMetresPerInch);
+        if (value < 6'000) divisor = 10;
+        for (; value > 65'535; value /= 10) ++exponent;
+        numerator = static_cast<std::uint32_t>(std::lround(value * divisor));
+    }
+
+    std::uint32_t numerator;
+    std::uint32_t divisor = 1;
+    std::uint32_t exponent = 0;
+};
 
 /// Adds the resolution to the header box, which is the third of the file that begins at `begin`.
 void InsertResolution(const ExportSettings& settings, std::size_t begin, EncodedBytes& out) {
@@ -219,20 +228,17 @@ void InsertResolution(const ExportSettings& settings, std::size_t begin, Encoded
     if (!horizontal || *horizontal <= 0) return;
     const auto& vertical =
         settings.vertical_resolution.value_or(0) > 0 ? settings.vertical_resolution : horizontal;
-    const std::uint32_t divisor = PerMetre(std::max(horizontal, vertical), 1.0) < 6'000 ? 10 : 1;
-    const auto clamped = [&](const std::optional<Fixed>& resolution) {
-        return std::min(PerMetre(resolution, divisor), 65'535U);
-    };
+    const std::array<PerMetre, 2> values = {PerMetre(vertical), PerMetre(horizontal)};
     EncodedBytes box;
     Append32(box, 26);
     Append32(box, Code("res "));
     Append32(box, 18);
     Append32(box, Code("resc"));
-    for (const auto& resolution : {vertical, horizontal}) {
-        Append16(box, clamped(resolution));
-        Append16(box, divisor);
+    for (const PerMetre& value : values) {
+        Append16(box, value.numerator);
+        Append16(box, value.divisor);
     }
-    Append16(box, 0); // both exponents
+    Append16(box, values[0].exponent << 8 | values[1].exponent);
     std::size_t at = begin;
     const auto field = [&](std::size_t offset) {
         std::uint32_t value = 0;

@@ -1,5 +1,6 @@
 #include "platform/quicktime/image_exporters/jpeg_transcode.h"
 
+#include "platform/quicktime/image_codecs/codec.h"
 #include "platform/quicktime/image_codecs/jpeg_reader.h"
 #include "platform/quicktime/image_exporters/jpeg_writer.h"
 
@@ -64,9 +65,11 @@ bool Differs(const std::optional<Fixed>& wanted, Fixed present) {
 
 } // namespace
 
-bool TranscodeJpeg(DataSource& source, const ImageDescription& description, const ExportSettings& settings,
-                   EncodedBytes& out) {
-    if (description.cType != Code("jpeg")) return false;
+bool TranscodeJpeg(DataSource& source, const ImageDescription& /*description*/,
+                   const ExportSettings& settings, EncodedBytes& out) {
+    ImageFacts facts; // the data's own: a file around it may say something else
+    if (kJpegCodec.read_facts(source, facts) != noErr) return false;
+    const ImageDescription& description = facts.description;
     if (settings.depth && *settings.depth != description.depth) return false;
     const std::size_t before = out.size();
     const bool as_it_is = !settings.compression_method &&

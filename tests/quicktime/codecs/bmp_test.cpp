@@ -62,11 +62,12 @@ TEST(BmpCodec, RunsJumpsAndLiterals) {
 
 TEST(BmpCodec, FactsAndRefusals) {
     const MadeImages images;
-    const Bytes made =
-        images.MakeBytes("-size 67x41 plasma: -units PixelsPerInch -density 300x150", "bmp3:d.bmp");
+    Bytes made = images.MakeBytes("-size 67x41 plasma: -units PixelsPerInch -density 300x150", "bmp3:d.bmp");
     EXPECT_EQ(ResolutionOf(qt::kBmpCodec, made), std::pair(300, 150));
     EXPECT_EQ(FactsOf(qt::kBmpCodec, made).description.cType, qt::Code("WRLE"));
     EXPECT_EQ(FactsOf(qt::kBmpCodec, made).description.spatialQuality, 1024);
+    made[41] = made[45] = std::byte{0x80}; // below 0
+    EXPECT_EQ(ResolutionOf(qt::kBmpCodec, made), std::pair(72, 72));
     const auto code = [](const Bytes& bytes) { return FactsCode(qt::kBmpCodec, bytes); };
     EXPECT_EQ(code(MadeBmp(30'000, 30'000, 8, 0, {1})), noErr);
     EXPECT_EQ(code(MadeBmp(30'001, 1, 8, 0, {1})), codecSizeErr);

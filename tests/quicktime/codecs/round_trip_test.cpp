@@ -75,7 +75,7 @@ TEST(RoundTrip, PixelsAndResolutionStay) {
             SCOPED_TRACE(NameOf(tried) + ", width " + std::to_string(width));
             const qt::PixelImage image = MadeImage(width, height, tried.depth == 32);
             const Bytes bytes =
-                Encoded(*tried.exporter, image, {tried.depth, 300 << 16, 150 << 16, 1024, {}, tried.method});
+                Encoded(*tried.exporter, image, {tried.depth, 2400 << 16, 150 << 16, 1024, {}, tried.method});
             EXPECT_EQ(Difference(RgbaOf(ReadBack(bytes)), RgbaOf(image)), 0);
             EXPECT_EQ(Difference(MagickReads(images, *tried.exporter, bytes), RgbaOf(image)), 0);
             const bool has_resolution =
@@ -85,7 +85,7 @@ TEST(RoundTrip, PixelsAndResolutionStay) {
             const ImageDescription description = FactsOf(*codec, bytes).description;
             EXPECT_EQ(description.depth, tried.depth);
             EXPECT_EQ(description.spatialQuality, 1024);
-            EXPECT_EQ(ResolutionOf(*codec, bytes), has_resolution ? std::pair(300, 150) : std::pair(72, 72));
+            EXPECT_EQ(ResolutionOf(*codec, bytes), has_resolution ? std::pair(2400, 150) : std::pair(72, 72));
             EXPECT_EQ(qt::FindImageExporter(description.cType), tried.exporter);
         }
     }
