@@ -61,7 +61,8 @@ std::optional<double> BitRateOf(Handle description) {
     std::memcpy(&fields, bytes.data(), sizeof fields);
     if (fields.compressionID == kVaryingPackets && bytes.size() > sizeof fields)
         return WaveBitRate(converted.get());
-    if (fields.samplesPerPacket == 0) return std::nullopt;
+    // Version 1 has no rate from 65,536 Hz on.
+    if (fields.samplesPerPacket == 0 || fields.sampleRate == 0) return std::nullopt;
     return fields.numChannels * 8.0 * fields.bytesPerPacket * (fields.sampleRate / 65536.0) /
                (fields.samplesPerPacket * 1000.0) +
            0.5;

@@ -133,7 +133,7 @@ private:
             const auto whole = walk.Whole();
             Bytes description(whole.begin(), whole.end());
             if (media.type == Code("soun")) {
-                auto sound = SoundDescriptionFromFile(whole);
+                auto sound = SoundDescriptionFromFile(whole, static_cast<std::uint32_t>(media.time_scale));
                 if (!sound.has_value()) break;
                 description = std::move(*sound);
             }

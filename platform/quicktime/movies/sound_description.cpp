@@ -18,6 +18,7 @@ constexpr std::uint32_t kLpcmPacked = 8;
 
 constexpr double kFixedOne = 65536.0;
 constexpr std::uint32_t kMaximumRate = 10'000'000;
+constexpr std::uint32_t kFirstRateOfVersion2 = 65536; // what 16.16 can't hold
 
 template <class Description>
 Description Fields(std::span<const std::byte> bytes) {
@@ -55,17 +56,21 @@ std::optional<SampleEncoding> LpcmEncoding(std::uint32_t bits, std::uint32_t fla
     }
 }
 
-/// The fields of a version-2 description of uncompressed samples.
-SoundDescriptionV2 DescribeLpcm(const PcmLayout& layout) {
+SoundDescriptionV2 DescribeInVersion2(OSType data_format, double rate, std::uint32_t channels) {
     SoundDescriptionV2 description;
-    description.dataFormat = Code("lpcm");
+    description.dataFormat = data_format;
     description.version = 2;
     description.numChannels = 3;
     description.sampleSize = 16;
     description.compressionID = -2;
     description.sampleRate = 0x10000;
-    description.audioSampleRate = layout.rate;
-    description.numAudioChannels = layout.channels;
+    description.audioSampleRate = rate;
+    description.numAudioChannels = channels;
+    return description;
+}
+
+SoundDescriptionV2 DescribeLpcm(const PcmLayout& layout) {
+    SoundDescriptionV2 description = DescribeInVersion2(Code("lpcm"), layout.rate, layout.channels);
     description.constBitsPerChannel = 8 * layout.SampleBytes();
     description.formatSpecificFlags = LpcmFlags(layout);
     description.constBytesPerAudioPacket = layout.FrameBytes();
@@ -289,7 +294,7 @@ std::uint32_t StatedBitRate(std::span<const std::byte> description) {
 }
 
 Bytes DescribePcm(const PcmLayout& layout) {
-    if (layout.encoding == SampleEncoding::kSigned8 || layout.rate >= 65536)
+    if (layout.encoding == SampleEncoding::kSigned8 || layout.rate >= kFirstRateOfVersion2)
         return ToBytes(DescribeLpcm(layout));
     SoundDescriptionV1 description;
     description.numChannels = static_cast<std::int16_t>(layout.channels);
@@ -314,6 +319,12 @@ Bytes DescribePcm(const PcmLayout& layout) {
 }
 
 Bytes DescribeCompressed(const CompressedSound& sound) {
+    if (sound.rate >= kFirstRateOfVersion2) {
+        SoundDescriptionV2 description = DescribeInVersion2(sound.data_format, sound.rate, sound.channels);
+        description.constBytesPerAudioPacket = sound.bytes_per_packet;
+        description.constLPCMFramesPerAudioPacket = sound.frames_per_packet;
+        return ToBytes(description, WaveFormatExtension(sound));
+    }
     SoundDescriptionV1 description;
     description.dataFormat = sound.data_format;
     description.version = 1;
@@ -328,7 +339,7 @@ Bytes DescribeCompressed(const CompressedSound& sound) {
     return ToBytes(description, WaveFormatExtension(sound));
 }
 
-std::optional<Bytes> SoundDescriptionFromFile(std::span<const std::byte> entry) {
+std::optional<Bytes> SoundDescriptionFromFile(std::span<const std::byte> entry, std::uint32_t time_scale) {
     if (entry.size() < sizeof(SoundDescription)) return std::nullopt;
     SoundDescription fields;
     fields.dataFormat = BigEndian32(entry, 4);
@@ -361,6 +372,12 @@ std::optional<Bytes> SoundDescriptionFromFile(std::span<const std::byte> entry) 
         second.constBytesPerAudioPacket = BigEndian32(entry, 64);
         second.constLPCMFramesPerAudioPacket = BigEndian32(entry, 68);
         bytes = ToBytes(second, Tail(entry, std::max(size, sizeof(second))));
+    } else if (fields.sampleRate == 0 && time_scale >= kFirstRateOfVersion2) {
+        const auto channels = static_cast<std::uint16_t>(fields.numChannels);
+        SoundDescriptionV2 second = DescribeInVersion2(fields.dataFormat, time_scale, channels);
+        second.dataRefIndex = fields.dataRefIndex;
+        second.constBitsPerChannel = static_cast<std::uint16_t>(fields.sampleSize);
+        bytes = ToBytes(second, Tail(entry, sizeof(fields)));
     } else {
         fields.version = 0;
         bytes = ToBytes(fields, Tail(entry, sizeof(fields)));

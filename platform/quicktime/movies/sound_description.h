@@ -134,8 +134,9 @@ struct CompressedSound {
 Bytes DescribeCompressed(const CompressedSound& sound);
 
 /// Descriptions as they stand in files: big-endian fields. Foreign bytes that are too short give nothing.
-/// Signed 8-bit 'twos' and 'sowt' come back as 'lpcm' (see DescribePcm).
-std::optional<Bytes> SoundDescriptionFromFile(std::span<const std::byte> entry);
+/// Signed 8-bit 'twos' and 'sowt' come back as 'lpcm' (see DescribePcm). MPEG-4 files state a rate from
+/// 65,536 Hz on as 0: it is the time scale of their media.
+std::optional<Bytes> SoundDescriptionFromFile(std::span<const std::byte> entry, std::uint32_t time_scale = 0);
 Bytes SoundDescriptionToFile(std::span<const std::byte> description);
 
 } // namespace qt

@@ -78,6 +78,11 @@ TEST(SoundDescriptions, CompressedOnesCarryTheirWaveFormat) {
     EXPECT_EQ(StreamOf(description).mBitsPerChannel, 0U);
     EXPECT_FALSE(qt::LayoutOf(description).has_value());
     EXPECT_NE(GetSoundDescriptionExtension(block.get(), wave.get(), qt::Code("chan")), noErr);
+    sound.rate = 96000;
+    const qt::Bytes fast = qt::DescribeCompressed(sound);
+    EXPECT_EQ(StreamOf(fast).mSampleRate, 96000);
+    EXPECT_EQ(AsV1(fast).compressionID, -2);
+    EXPECT_EQ(AsV1(fast).descSize, first.descSize);
 }
 
 TEST(SoundDescriptions, SignedBytesNeverCallThemselvesTwos) {
