@@ -169,6 +169,10 @@ void* operator new[](std::size_t size) {
     return operator new(size);
 }
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return NoMemory(__builtin_return_address(0)) ? nullptr : malloc(size);
+}
+
 void operator delete(void* block) noexcept {
     free(block);
 }

@@ -162,7 +162,7 @@ TEST_F(ShellOperations, RootsStayWhereTheyAre) {
     }
     EXPECT_EQ(Shell(FO_COPY, u"D:", u"C:\\x"), 0U);
     EXPECT_EQ(Shell(FO_COPY, u"D:", u"C:\\x"), ERROR_INVALID_NAME); // it has no name inside a folder
-    drives.Map("\\\\server\\share", "c/mounted");
+    drives.Map(R"(\\server\share)", "c/mounted");
     EXPECT_EQ(Shell(FO_COPY, u"\\\\server\\share\\file\\..", u"C:\\x"), 0U);
     EXPECT_EQ(Listing(c), "mounted/file=1 x/file=1 x/share/file=1");
 }

@@ -213,7 +213,10 @@ struct PerMetre {
         constexpr double kMetresPerInch = 0.0254;
         double value = ResolutionIn(dots_per_inch, kMetresPerInch);
         if (value < 6'000) divisor = 10;
-        for (; value > 65'535; value /= 10) ++exponent;
+        while (value > 65'535) {
+            value /= 10;
+            ++exponent;
+        }
         numerator = static_cast<std::uint32_t>(std::lround(value * divisor));
     }
 
