@@ -79,16 +79,22 @@ TEST(Voice, PlaysEveryFrameAndStartsAndEndsGently) {
 
 TEST(Voice, WaitsForFramesAndGoesOnWhereItStoppedWithoutAStep) {
     Voice voice(2000);
-    const std::vector<StereoFrame> frames(1000, {1, 1});
+    std::vector<StereoFrame> frames = Ramp(1000);
+    for (StereoFrame& frame : frames) frame.left = 1;
     voice.Queue().Push(std::span(frames).first(500));
     Play(voice, {});
     auto mix = Mix(voice, 600);
+    EXPECT_EQ(mix[599].left, 0);
     EXPECT_FALSE(voice.IsFinished());
-    EXPECT_EQ(voice.Position(), 500 - static_cast<std::int64_t>(RateConverter::kDelay));
+    const auto played = voice.Position();
+    EXPECT_EQ(played, 500 - static_cast<std::int64_t>(RateConverter::kDelay));
     EXPECT_EQ(mix[250].left, 1);
     voice.Queue().Push(std::span(frames).subspan(500));
     std::ranges::copy(Mix(voice, 300), std::back_inserter(mix));
+    EXPECT_FLOAT_EQ(mix[600].right, -static_cast<float>(played) / kRamp)
+        << "the next frame, in the ramp's first step";
     EXPECT_EQ(mix[600 + kRamp].left, 1);
+    EXPECT_EQ(mix[600 + kRamp].right, -static_cast<float>(played) - kRamp);
     for (std::size_t i = 1; i < mix.size(); ++i)
         ASSERT_LE(std::abs(mix[i].left - mix[i - 1].left), 1.01F / kRamp) << i;
 }
