@@ -43,16 +43,18 @@ std::int32_t DeleteFileOf(const XFileSpec& file) {
     return DeleteFileW(file.GetNativePathW().c_str()) ? 0 : static_cast<std::int32_t>(GetLastError());
 }
 
-std::int32_t CreateNewFile(const XFileSpec& file) {
+std::int32_t CreateFileOf(const XFileSpec& file) {
     const HANDLE created = CreateFileW(file.GetNativePathW().c_str(), GENERIC_WRITE, 0, CREATE_NEW);
-    if (created != INVALID_HANDLE_VALUE) {
-        CloseHandle(created);
-        return 0;
-    }
-    switch (GetLastError()) {
+    if (created == INVALID_HANDLE_VALUE) return static_cast<std::int32_t>(GetLastError());
+    CloseHandle(created);
+    return 0;
+}
+
+std::int32_t CreateNewFile(const XFileSpec& file) {
+    switch (const std::int32_t code = CreateFileOf(file)) {
     case ERROR_ACCESS_DENIED: return kErrorWritePermission;
     case ERROR_FILE_EXISTS: return kErrorFileExists;
-    default: return static_cast<std::int32_t>(GetLastError());
+    default: return code;
     }
 }
 

@@ -19,7 +19,10 @@ std::int32_t MakeTemporaryFile(XFileSpec& file, std::string_view extension);
 /// Deletes the file; 0 or the platform's number.
 std::int32_t DeleteFileOf(const XFileSpec& file);
 
-/// Creates an empty file. -61 when the folder may not be written to, -48 when the name is taken, else the
+/// Creates an empty file; 0 or the platform's number.
+std::int32_t CreateFileOf(const XFileSpec& file);
+
+/// The same; -61 when the folder may not be written to, -48 when the name is taken, else the
 /// platform's number.
 std::int32_t CreateNewFile(const XFileSpec& file);
 

@@ -28,11 +28,8 @@ FM_Error MakeFile(const XFileSpec& file, CVSError& error) {
     parent.MoveToParent();
     if (parent.CheckExists() != 0) return error.Fail(kErrorFileNotFound, "Parent folder must exist.");
     if (!parent.IsDirectory()) return error.Fail(kErrorFolderNotFound, "Parent folder must be a directory.");
-    const HANDLE created = CreateFileW(file.GetNativePathW().c_str(), GENERIC_WRITE, 0, CREATE_NEW);
-    if (created == INVALID_HANDLE_VALUE)
-        return error.Fail(static_cast<std::int32_t>(::GetLastError()), "Failed to create recording file.");
-    CloseHandle(created);
-    return kFM_ErrorNone;
+    const std::int32_t code = CreateFileOf(file);
+    return code == 0 ? kFM_ErrorNone : error.Fail(code, "Failed to create recording file.");
 }
 
 FM_Error ReadPath(const FM_Data& parameter, RecordingTarget& target, CVSError& error) {
