@@ -310,9 +310,10 @@ ComponentResult Paint(DataSource& source, const Header& header, PixelImage& imag
     return noErr;
 }
 
+using Codec = HeaderCodec<Header, ReadHeader, Describe, MostPixelsOfByte, Paint>;
+
 } // namespace
 
-const ImageCodec kBmpCodec = {kTypes, Sniff, ReadHeaderFacts<Header, ReadHeader, Describe>, true,
-                              DecodeByHeader<Header, ReadHeader, Describe, MostPixelsOfByte, Paint>};
+const ImageCodec kBmpCodec = {kTypes, Sniff, Codec::ReadFacts, true, Codec::Decode};
 
 } // namespace qt

@@ -190,9 +190,10 @@ ComponentResult Paint(DataSource& source, const Header& header, PixelImage& imag
     return noErr;
 }
 
+using Codec = HeaderCodec<Header, ReadHeader, Describe, MostPixelsOfByte, Paint>;
+
 } // namespace
 
-const ImageCodec kPcxCodec = {kTypes, Sniff, ReadHeaderFacts<Header, ReadHeader, Describe>, true,
-                              DecodeByHeader<Header, ReadHeader, Describe, MostPixelsOfByte, Paint>};
+const ImageCodec kPcxCodec = {kTypes, Sniff, Codec::ReadFacts, true, Codec::Decode};
 
 } // namespace qt

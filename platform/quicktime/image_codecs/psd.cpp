@@ -137,21 +137,17 @@ bool Sniff(std::span<const std::byte> head) {
            (BigEndian16(&head[4]) == 1 || BigEndian16(&head[4]) == 2);
 }
 
-ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
-    PsdHeader header;
-    if (!ReadPsdHeader(source, header)) return codecBadDataErr;
-    facts.data_size = source.GetSize();
-    return DescribePsd(header, facts.description);
+ComponentResult ReadHeader(DataSource& source, PsdHeader& header) {
+    return ReadPsdHeader(source, header) ? noErr : codecBadDataErr;
 }
 
-ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& image) {
-    constexpr std::uint32_t kMostPixelsOfByte = 1032; // of deflated planes that are all alike
-    PsdHeader header;
-    ImageDescription description;
-    if (!ReadPsdHeader(source, header)) return codecBadDataErr;
-    if (const auto code = DescribePsd(header, description); code != noErr) return code;
-    const std::uint32_t most = header.depth == 1 ? 8 * kMostPixelsOfByte : kMostPixelsOfByte;
-    if (const auto code = AllocateFor(description, source, most, image); code != noErr) return code;
+/// Of deflated planes that are all alike.
+std::uint32_t MostPixelsOfByte(const PsdHeader& header) {
+    constexpr std::uint32_t kMostSamples = 1032;
+    return header.depth == 1 ? 8 * kMostSamples : kMostSamples;
+}
+
+ComponentResult Paint(DataSource& source, const PsdHeader& header, PixelImage& image) {
     PsdChannels channels;
     if (const auto code = OpenPsdChannels(source, header, channels); code != noErr) return code;
     image.has_alpha = header.has_alpha;
@@ -181,7 +177,7 @@ ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& 
 
 ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& items) {
     PsdHeader header;
-    if (!ReadPsdHeader(source, header)) return codecBadDataErr;
+    if (const auto code = ReadHeader(source, header); code != noErr) return code;
     std::vector<std::byte> resources(header.resources_size);
     resources.resize(source.Read(header.resources_at, resources));
     AppendIptcItems(FindImageResource(resources, kIptcResource), items);
@@ -190,8 +186,10 @@ ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& item
     return noErr;
 }
 
+using Codec = HeaderCodec<PsdHeader, ReadHeader, DescribePsd, MostPixelsOfByte, Paint>;
+
 } // namespace
 
-const ImageCodec kPhotoshopCodec = {kTypes, Sniff, ReadFacts, true, Decode, ReadMetadata};
+const ImageCodec kPhotoshopCodec = {kTypes, Sniff, Codec::ReadFacts, true, Codec::Decode, ReadMetadata};
 
 } // namespace qt

@@ -68,31 +68,32 @@ ComponentResult AllocateFor(const ImageDescription& description, PixelImage& ima
 ComponentResult AllocateFor(const ImageDescription& description, const DataSource& source,
                             std::uint32_t most_pixels_per_byte, PixelImage& image);
 
-/// The facts of an image whose header tells all of them.
-template <class Header, ComponentResult (*ReadHeader)(DataSource&, Header&),
-          ComponentResult (*Describe)(const Header&, ImageDescription&)>
-ComponentResult ReadHeaderFacts(DataSource& source, ImageFacts& facts) {
-    Header header;
-    if (const auto code = ReadHeader(source, header); code != noErr) return code;
-    facts.data_size = source.GetSize();
-    return Describe(header, facts.description);
-}
-
-/// Decodes an image whose header tells its size: makes room for it, when DataHolds says for
-/// MostPixels(header) that it is worth it, and lets Paint fill it.
+/// The operations of a codec whose images have a header that tells all of their facts.
 template <class Header, ComponentResult (*ReadHeader)(DataSource&, Header&),
           ComponentResult (*Describe)(const Header&, ImageDescription&),
-          std::uint32_t (*MostPixels)(const Header&),
+          std::uint32_t (*MostPixelsOfByte)(const Header&),
           ComponentResult (*Paint)(DataSource&, const Header&, PixelImage&)>
-ComponentResult DecodeByHeader(DataSource& source, std::uint32_t /*index*/, PixelImage& image) {
-    Header header;
-    ImageDescription description;
-    if (const auto code = ReadHeader(source, header); code != noErr) return code;
-    if (const auto code = Describe(header, description); code != noErr) return code;
-    if (const auto code = AllocateFor(description, source, MostPixels(header), image); code != noErr)
-        return code;
-    return Paint(source, header, image);
-}
+struct HeaderCodec {
+    static ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
+        Header header;
+        if (const auto code = ReadHeader(source, header); code != noErr) return code;
+        facts.data_size = source.GetSize();
+        return Describe(header, facts.description);
+    }
+
+    /// Makes room for the image, when DataHolds says for MostPixelsOfByte that it is worth it, and lets Paint
+    /// fill it.
+    static ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& image) {
+        Header header;
+        ImageDescription description;
+        if (const auto code = ReadHeader(source, header); code != noErr) return code;
+        if (const auto code = Describe(header, description); code != noErr) return code;
+        if (const auto code = AllocateFor(description, source, MostPixelsOfByte(header), image);
+            code != noErr)
+            return code;
+        return Paint(source, header, image);
+    }
+};
 
 /// Paints the rows from `first` up to `end` white.
 void WhitenRows(PixelImage& image, std::int32_t first, std::int32_t end);

@@ -183,13 +183,10 @@ ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& item
     return noErr;
 }
 
+using Codec = HeaderCodec<Header, ReadHeader, Describe, MostPixelsOfByte, Paint>;
+
 } // namespace
 
-const ImageCodec kSgiCodec = {kTypes,
-                              Sniff,
-                              ReadHeaderFacts<Header, ReadHeader, Describe>,
-                              true,
-                              DecodeByHeader<Header, ReadHeader, Describe, MostPixelsOfByte, Paint>,
-                              ReadMetadata};
+const ImageCodec kSgiCodec = {kTypes, Sniff, Codec::ReadFacts, true, Codec::Decode, ReadMetadata};
 
 } // namespace qt

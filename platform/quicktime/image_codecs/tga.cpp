@@ -260,13 +260,10 @@ ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& item
     return noErr;
 }
 
+using Codec = HeaderCodec<Header, ReadHeader, Describe, MostPixelsOfByte, Paint>;
+
 } // namespace
 
-const ImageCodec kTgaCodec = {kTypes,
-                              Sniff,
-                              ReadHeaderFacts<Header, ReadHeader, Describe>,
-                              true,
-                              DecodeByHeader<Header, ReadHeader, Describe, MostPixelsOfByte, Paint>,
-                              ReadMetadata};
+const ImageCodec kTgaCodec = {kTypes, Sniff, Codec::ReadFacts, true, Codec::Decode, ReadMetadata};
 
 } // namespace qt
