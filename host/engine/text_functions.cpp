@@ -21,13 +21,13 @@ std::int64_t CharacterCount(std::u16string_view text) {
 // Offset in units of the character at `index` (from 0), held to the text.
 std::size_t OffsetOf(std::u16string_view text, std::int64_t index) {
     std::size_t at = 0;
-    while (index-- > 0 && at < text.size()) utf::Next(text, at);
+    for (; index > 0 && at < text.size(); --index) utf::Next(text, at);
     return at;
 }
 
 std::size_t OffsetFromEnd(std::u16string_view text, std::int64_t count) {
     std::size_t at = text.size();
-    while (count-- > 0 && at > 0) {
+    for (; count > 0 && at > 0; --count) {
         --at;
         const bool pair =
             IsLowSurrogate(text[at]) && at > 0 && text[at - 1] >= 0xD800 && text[at - 1] <= 0xDBFF;
