@@ -4,6 +4,7 @@
 #include "platform/quicktime/movies/handle_bytes.h"
 
 #include <algorithm>
+#include <limits>
 #include <new>
 
 namespace qt {
@@ -56,7 +57,9 @@ OSType GetNextUserDataType(UserData list, OSType type) {
 
 std::int16_t CountUserDataType(UserData list, OSType type) {
     const auto found = qt::Find(list, type);
-    return found != list->types.end() ? static_cast<std::int16_t>(found->texts.size()) : std::int16_t{0};
+    constexpr std::size_t kMost = std::numeric_limits<std::int16_t>::max();
+    return found != list->types.end() ? static_cast<std::int16_t>(std::min(found->texts.size(), kMost))
+                                      : std::int16_t{0};
 }
 
 OSErr GetUserDataText(UserData list, std::string& text, OSType type, std::int32_t index) {

@@ -24,7 +24,7 @@ OSErr AddUserDataText(UserData list, std::string_view text, OSType type);
 
 /// The type behind `type` in the list, the first for 0; 0 at the end.
 OSType GetNextUserDataType(UserData list, OSType type);
-std::int16_t CountUserDataType(UserData list, OSType type);
+std::int16_t CountUserDataType(UserData list, OSType type); ///< at most 32,767
 /// Copies the index-th text of a type, from 1, without a terminator. userDataItemNotFound.
 OSErr GetUserDataText(UserData list, std::string& text, OSType type, std::int32_t index);
 

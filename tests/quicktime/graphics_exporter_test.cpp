@@ -189,6 +189,8 @@ TEST(UserDataLists, KeepTypesInOrderAndTextsByIndex) {
     EXPECT_EQ(text, "3");
     for (const int none : {0, 3})
         EXPECT_EQ(GetUserDataText(opened, text, qt::Code("zzzz"), none), userDataItemNotFound);
+    for (int i = 0; i < 40'000; ++i) AddUserDataText(opened, "4", qt::Code("zzzz"));
+    EXPECT_EQ(CountUserDataType(opened, qt::Code("zzzz")), 32'767);
 }
 
 } // namespace

@@ -66,7 +66,10 @@ void Receive(void* context, const char* key, const char* text, std::size_t size)
     }
 }
 
-const MetadataModule* Module() {
+/// Null for a block without bytes, and for one above the limit: the library takes some forty times its size.
+const MetadataModule* ModuleFor(std::size_t block_size) {
+    constexpr std::size_t kLargestBlock = 4 << 20;
+    if (block_size == 0 || block_size > kLargestBlock) return nullptr;
     return modules::Table<MetadataModule>("metadata");
 }
 
@@ -87,14 +90,14 @@ void AppendTextItem(OSType type, std::string_view text, std::vector<MetadataItem
 }
 
 void AppendIptcItems(std::span<const std::byte> record, std::vector<MetadataItem>& items) {
-    const MetadataModule* module = record.empty() ? nullptr : Module();
+    const MetadataModule* module = ModuleFor(record.size());
     if (module == nullptr) return;
     Received received{items, items.size(), false};
     module->read_iptc(record.data(), record.size(), Receive, &received);
 }
 
 void AppendXmpItems(std::string_view packet, std::vector<MetadataItem>& items) {
-    const MetadataModule* module = packet.empty() ? nullptr : Module();
+    const MetadataModule* module = ModuleFor(packet.size());
     if (module == nullptr) return;
     Received received{items, items.size(), true};
     module->read_xmp(packet.data(), packet.size(), Receive, &received);

@@ -29,7 +29,7 @@ constexpr std::array<Keyword, 10> kKeywords = {{
 }};
 
 constexpr std::string_view kXmpKeyword = "XML:com.adobe.xmp";
-constexpr std::size_t kMostTextBytes = 1 << 20; ///< of a chunk, and of a text that was compressed
+constexpr std::size_t kMostTextBytes = 1 << 20; ///< of a chunk, and of all texts that were compressed
 
 /// Takes the part up to a zero byte, and that byte, off the data.
 std::string_view TakeString(std::string_view& data) {
@@ -38,20 +38,22 @@ std::string_view TakeString(std::string_view& data) {
     return part;
 }
 
-/// Empty for broken data; cut at the limit.
-std::string Inflate(std::string_view data) {
-    std::string text(std::min(data.size() * 1032, kMostTextBytes), '\0');
+struct Collected {
+    std::vector<MetadataItem>& items;
+    std::string xmp;
+    std::size_t left = kMostTextBytes; ///< that compressed texts may still come to
+};
+
+/// Empty for broken data; cut where the limit is reached.
+std::string Inflate(std::string_view data, Collected& collected) {
+    std::string text(std::min(data.size() * 1032, collected.left), '\0');
     uLongf size = text.size();
     const int code = uncompress(reinterpret_cast<Bytef*>(text.data()), &size,
                                 reinterpret_cast<const Bytef*>(data.data()), data.size());
     text.resize(code == Z_OK || code == Z_BUF_ERROR ? size : 0);
+    collected.left -= text.size();
     return text;
 }
-
-struct Collected {
-    std::vector<MetadataItem>& items;
-    std::string xmp;
-};
 
 void Take(std::string_view keyword, std::string_view text, Collected& collected) {
     if (keyword == kXmpKeyword) collected.xmp = text;
@@ -64,12 +66,12 @@ void TakeChunk(OSType type, std::string_view data, Collected& collected) {
     const std::string_view keyword = TakeString(data);
     if (type == Code("tEXt")) return Take(keyword, data, collected);
     if (data.empty()) return;
-    if (type == Code("zTXt")) return Take(keyword, Inflate(data.substr(1)), collected);
+    if (type == Code("zTXt")) return Take(keyword, Inflate(data.substr(1), collected), collected);
     const bool compressed = data[0] != '\0';
     data.remove_prefix(std::min<std::size_t>(data.size(), 2)); // whether and how it is compressed
     TakeString(data);                                          // the language
     TakeString(data);                                          // the keyword in that language
-    Take(keyword, compressed ? Inflate(data) : std::string(data), collected);
+    Take(keyword, compressed ? Inflate(data, collected) : std::string(data), collected);
 }
 
 } // namespace

@@ -81,6 +81,24 @@ TEST(PngCodec, ReadsItsTextItems) {
     EXPECT_EQ(TextsOf(qt::kPngCodec, more), (Texts{{"aut", "Ann"}, {"nam", "gr\xF6\xDF"}}));
 }
 
+TEST(PngCodec, TakesAMebibyteOfCompressedTexts) {
+    const MadeImages images;
+    Bytes bytes =
+        images.MakeBytes("-size 8x8 xc:red -set Comment " + std::string(100'000, 'x'), "png24:a.png");
+    constexpr std::size_t kLengthAndType = 8;
+    constexpr std::size_t kChecksum = 4;
+    const std::string_view all(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const std::size_t at = all.find("zTXt") - 4;
+    const Bytes chunk(bytes.begin() + static_cast<std::ptrdiff_t>(at),
+                      bytes.begin() + static_cast<std::ptrdiff_t>(at + kLengthAndType + kChecksum +
+                                                                  qt::BigEndian32(bytes.data() + at)));
+    for (int i = 0; i < 20; ++i)
+        bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(at), chunk.begin(), chunk.end());
+    std::size_t size = 0;
+    for (const auto& [type, text] : TextsOf(qt::kPngCodec, bytes)) size += text.size();
+    EXPECT_EQ(size, 1U << 20);
+}
+
 TEST(PngExporter, KeepsEveryPixel) {
     const MadeImages images;
     struct Case {
