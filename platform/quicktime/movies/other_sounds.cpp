@@ -1,10 +1,12 @@
 // Files that the sound module demultiplexes: whatever no importer of this folder knows.
 
+#include "platform/quicktime/image_codecs/codec.h"
 #include "platform/quicktime/movies/importers.h"
 #include "platform/quicktime/movies/sound_description.h"
 #include "platform/quicktime/movies/sound_module.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace qt {
@@ -64,11 +66,18 @@ OpenedReader OpenReader(const std::shared_ptr<DataSource>& data) {
     return {noErr, std::make_unique<DemultiplexedReader>(std::move(sound))};
 }
 
+/// Their first bytes tell it, and the module needs not be loaded.
+bool IsImage(DataSource& data) {
+    std::array<std::byte, kSniffedBytes> head;
+    return FindImageCodec(std::span(head).first(data.Read(0, head))) != nullptr;
+}
+
 } // namespace
 
 Imported ImportOther(const ImportSource& source) {
+    if (source.data->GetSize() == 0 || IsImage(*source.data)) return {};
     const FfmpegModule* module = SoundModule();
-    if (module == nullptr || source.data->GetSize() == 0) return {};
+    if (module == nullptr) return {};
     const auto sound = module->open_file(source.data);
     if (sound == nullptr) return {};
     const DemultiplexedSound::Facts& facts = sound->GetFacts();
