@@ -51,6 +51,7 @@ void ReadXmp(const char* packet, std::size_t size, MetadataReceiver receiver, vo
     try {
         Exiv2::XmpData data;
         if (Exiv2::XmpParser::decode(data, std::string(packet, size)) == 0) HandOver(data, receiver, context);
+        Exiv2::XmpProperties::unregisterNs(); // or the library keeps those of every packet
     } catch (const std::exception&) {
         return;
     }
