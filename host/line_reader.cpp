@@ -32,7 +32,8 @@ std::optional<std::string_view> LineReader::Line() {
             return line;
         }
         scanned_ = buffer_.size();
-        if (scanned_ - begin_ < longest_ && Fill()) continue;
+        if (IsTooLong()) return std::nullopt;
+        if (Fill()) continue;
         if (begin_ == buffer_.size()) return std::nullopt;
         return std::string_view(buffer_).substr(std::exchange(begin_, buffer_.size()));
     }

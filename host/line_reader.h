@@ -18,8 +18,14 @@ public:
                         std::function<void()> before_reading = {});
 
     /// The next line without its line end (also that of DOS), good until the next call; nullopt at the end of
-    /// the input. A line of more than `longest` bytes comes in parts.
+    /// the input, and from a line of more than `longest` bytes on.
     std::optional<std::string_view> Line();
+    /// Whether the lines ended at one that is too long, and what is to be said then of that line's number.
+    [[nodiscard]] bool IsTooLong() const { return scanned_ - begin_ >= longest_; }
+    static std::string TooLong(std::size_t number) {
+        return "line " + std::to_string(number) + " is longer than " + std::to_string(kMaxLine >> 20) +
+               " MiB";
+    }
     /// The bytes that come next; false when the input ends before.
     [[nodiscard]] bool Bytes(std::uint8_t* buffer, std::size_t size);
     /// True when a whole line is at hand that needs no waiting.

@@ -46,7 +46,10 @@ public:
             const bool blank = line->find_first_not_of(" \t\r") == std::string_view::npos;
             if (!blank && line->front() != '#' && !Run(*line, line_number)) return false;
         }
-        return true;
+        if (!lines.IsTooLong()) return true;
+        Complain("corvane: " + LineReader::TooLong(line_number + 1) + '\n');
+        status_ = kUsageError;
+        return false;
     }
 
     int Finish() {

@@ -1,5 +1,7 @@
 #include "tests/host/program.h"
 
+#include <algorithm>
+
 namespace host {
 namespace {
 
@@ -59,6 +61,17 @@ TEST_F(Program, ReadsLinesOfStandardInput) {
     std::string many;
     for (int i = 0; i < 50'000; ++i) many += std::to_string(i) + '\n';
     EXPECT_EQ(Corvane("eval", many).output, many);
+}
+
+TEST_F(Program, EndsAtALineThatIsTooLong) {
+    // Its parts alone would be calculations.
+    const std::string input = "1\n2" + std::string(70 << 20, ' ') + "\n3\n";
+    for (const char* command : {"eval -", "worker"}) {
+        const Finished run = Corvane(command, input);
+        EXPECT_EQ(run.status, 2) << command;
+        EXPECT_EQ(run.errors, "corvane: line 2 is longer than 64 MiB\n") << command;
+        EXPECT_EQ(std::ranges::count(run.output, '\n'), 1) << command;
+    }
 }
 
 TEST_F(Program, StopsAtACalculationThatDoesNotParse) {
