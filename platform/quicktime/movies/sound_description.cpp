@@ -69,15 +69,6 @@ SoundDescriptionV2 DescribeInVersion2(OSType data_format, double rate, std::uint
     return description;
 }
 
-SoundDescriptionV2 DescribeLpcm(const PcmLayout& layout) {
-    SoundDescriptionV2 description = DescribeInVersion2(Code("lpcm"), layout.rate, layout.channels);
-    description.constBitsPerChannel = 8 * layout.SampleBytes();
-    description.formatSpecificFlags = LpcmFlags(layout);
-    description.constBytesPerAudioPacket = layout.FrameBytes();
-    description.constLPCMFramesPerAudioPacket = 1;
-    return description;
-}
-
 struct PcmCode {
     OSType code;
     SampleEncoding encoding;
@@ -92,6 +83,23 @@ constexpr std::array<PcmCode, 7> kSizedFormats = {{
     {Code("ulaw"), SampleEncoding::kMuLaw},
     {Code("alaw"), SampleEncoding::kALaw},
 }};
+
+OSType CodeOf(SampleEncoding encoding) {
+    const auto* row = std::ranges::find(kSizedFormats, encoding, &PcmCode::encoding);
+    return row != kSizedFormats.end() ? row->code : 0;
+}
+
+SoundDescriptionV2 DescribePcmInVersion2(const PcmLayout& layout) {
+    const bool companded =
+        layout.encoding == SampleEncoding::kMuLaw || layout.encoding == SampleEncoding::kALaw;
+    const OSType code = companded ? CodeOf(layout.encoding) : Code("lpcm");
+    SoundDescriptionV2 description = DescribeInVersion2(code, layout.rate, layout.channels);
+    description.constBitsPerChannel = 8 * layout.SampleBytes();
+    description.formatSpecificFlags = companded ? 0 : LpcmFlags(layout);
+    description.constBytesPerAudioPacket = layout.FrameBytes();
+    description.constLPCMFramesPerAudioPacket = 1;
+    return description;
+}
 
 /// 'wave' extension that says that the samples are little-endian.
 Bytes LittleEndianExtension(OSType format) {
@@ -295,7 +303,7 @@ std::uint32_t StatedBitRate(std::span<const std::byte> description) {
 
 Bytes DescribePcm(const PcmLayout& layout) {
     if (layout.encoding == SampleEncoding::kSigned8 || layout.rate >= kFirstRateOfVersion2)
-        return ToBytes(DescribeLpcm(layout));
+        return ToBytes(DescribePcmInVersion2(layout));
     SoundDescriptionV1 description;
     description.numChannels = static_cast<std::int16_t>(layout.channels);
     description.sampleSize = static_cast<std::int16_t>(8 * layout.SampleBytes());
@@ -304,8 +312,7 @@ Bytes DescribePcm(const PcmLayout& layout) {
         description.dataFormat = layout.big_endian ? Code("twos") : Code("sowt");
         return ToBytes(static_cast<SoundDescription>(description));
     }
-    for (const PcmCode& sized : kSizedFormats)
-        if (sized.encoding == layout.encoding) description.dataFormat = sized.code;
+    description.dataFormat = CodeOf(layout.encoding);
     if (layout.encoding == SampleEncoding::kUnsigned8)
         return ToBytes(static_cast<SoundDescription>(description));
     description.version = 1;

@@ -117,7 +117,7 @@ struct StreamSetup {
 StreamSetup ReadStreamSetup(std::span<const std::byte> esds);
 
 /// A description of uncompressed samples: 'sowt' and 'twos' for 16 bits, 'raw ' for unsigned 8, 'in24',
-/// 'in32', 'fl32', 'fl64', 'ulaw', 'alaw'; signed 8-bit samples as 'lpcm', for 'twos' always means 16 bits
+/// 'in32', 'fl32', 'fl64', 'ulaw', 'alaw'. Signed 8-bit samples are 'lpcm', for 'twos' always means 16 bits
 /// to those who work on samples.
 Bytes DescribePcm(const PcmLayout& layout);
 
