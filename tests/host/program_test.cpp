@@ -97,6 +97,7 @@ TEST_F(Program, TakesOptionsAnywhere) {
           {"C:=/", "--database file:/X:/a.fp7", "file:/X:/a.fp7"},
           {"C:=/;D:=/nowhere", "--database $DIR/db/../M.fp7 --drive D:=$DIR", "file:/D:/M.fp7"},
           {R"(\\\\a\b=$DIR)", "--database M.fp7", "file://a/b/M.fp7"},
+          {"D:=$DIR", "--database c:/M.fp7", "file:/D:/c:/M.fp7"},
           {"X:=/nowhere", "", "file:/X:/Untitled.fp7"}}) {
         const Finished run = Corvane(std::string("eval 'Get(FilePath)' ") + c.options, "",
                                      std::string("CORVANE_DRIVES=\"") + c.drives + '"');
