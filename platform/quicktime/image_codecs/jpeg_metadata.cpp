@@ -19,13 +19,12 @@ constexpr std::string_view kXmpTag = "http://ns.adobe.com/xap/1.0/\0"sv;
 constexpr std::string_view kResourceTag = "Photoshop 3.0\0"sv;
 
 struct Blocks {
-    std::vector<std::string> comments;
     std::string xmp;
     std::string resources;
 };
 
-/// Reads the segments in front of the first scan that may hold texts.
-Blocks ReadBlocks(DataSource& source) {
+/// Reads the segments in front of the first scan that may hold texts; comments become items.
+Blocks ReadBlocks(DataSource& source, std::vector<MetadataItem>& items) {
     Blocks blocks;
     std::uint64_t offset = 2;
     std::array<std::byte, 4> head;
@@ -40,7 +39,8 @@ Blocks ReadBlocks(DataSource& source) {
         if (marker == kComment || marker == kXmpMarker || marker == kResourceMarker) {
             std::string data(size - 2, '\0');
             data.resize(source.Read(offset + 4, std::as_writable_bytes(std::span(data))));
-            if (marker == kComment) blocks.comments.push_back(data.substr(0, data.find('\0')));
+            if (marker == kComment)
+                AppendTextItem(TextItem("cmt"), std::string_view(data).substr(0, data.find('\0')), items);
             if (marker == kXmpMarker && data.starts_with(kXmpTag)) blocks.xmp = data.substr(kXmpTag.size());
             if (marker == kResourceMarker && data.starts_with(kResourceTag))
                 blocks.resources += data.substr(kResourceTag.size());
@@ -53,8 +53,7 @@ Blocks ReadBlocks(DataSource& source) {
 } // namespace
 
 ComponentResult ReadJpegMetadata(DataSource& source, std::vector<MetadataItem>& items) {
-    const Blocks blocks = ReadBlocks(source);
-    for (const std::string& comment : blocks.comments) AppendTextItem(TextItem("cmt"), comment, items);
+    const Blocks blocks = ReadBlocks(source, items);
     AppendIptcItems(FindImageResource(std::as_bytes(std::span(blocks.resources)), kIptcResource), items);
     AppendXmpItems(blocks.xmp, items);
     return noErr;

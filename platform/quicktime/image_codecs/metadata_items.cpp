@@ -76,7 +76,8 @@ const MetadataModule* ModuleFor(std::size_t block_size) {
 } // namespace
 
 void AppendTextItem(OSType type, std::string_view text, std::vector<MetadataItem>& items) {
-    if (text.empty()) return;
+    constexpr std::size_t kMostItems = 32'767;
+    if (text.empty() || items.size() == kMostItems) return;
     if (!utf::IsValid(text)) {
         items.push_back({type, std::string(text)});
         return;

@@ -117,6 +117,13 @@ TEST(JpegCodec, ReadsItsTextItems) {
               (Texts{{"nam", "One"}, {"key", "a"}, {"key", "b"}, {"aut", "Ann"}}))
         << "what the older record says stands";
     EXPECT_EQ(texts_with(0xE1, xmp.substr(0, 200)), Texts());
+
+    Bytes commented = plain;
+    const Bytes comment = BytesOf("\xFF\xFE" + std::string("\0\3c", 3));
+    Bytes comments;
+    for (int i = 0; i < 40'000; ++i) comments.insert(comments.end(), comment.begin(), comment.end());
+    commented.insert(commented.begin() + 2, comments.begin(), comments.end());
+    EXPECT_EQ(TextsOf(qt::kJpegCodec, commented).size(), 32'767U);
 }
 
 TEST(JpegExporter, FollowsQualityDepthAndMethod) {
