@@ -146,7 +146,8 @@ specificTagOnly  the name of one tag, in any case; of MP3 files only: Name, Albu
      R"(Text. Of an MP3 file the value of the tag, several joined by "/"; or an information list (see
 Media_ExtractInfo) with a line "Name: value" for each tag in the order of the file, line ends, "&" and "#" of
 comments as "&#13;", "&#10;", "&#38;", "&#35;". ID3v2 tags are read, of all versions. Of an image the lines of
-its text items under IPTC, and its EXIF entries; empty when it has none.)",
+its text items under IPTC, and its EXIF entries, cut at 199 characters a line and 1,999 in all; empty when it
+has none.)",
      R"(-50    not one or two parameters
 -208   an MP3 file without tags
 -5240  no such tag, or not in this file
