@@ -70,6 +70,15 @@ OSType ImporterOf(std::string_view demuxer) {
     return importer;
 }
 
+/// Some formats are lists of other files and addresses, or say where a stream will arrive. Nothing but the data
+/// itself is opened, by either way that a demultiplexer has to open more.
+void KeepToTheData(AVFormatContext& format) {
+    format.io_open = [](AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**) {
+        return AVERROR(EPERM);
+    };
+    format.protocol_whitelist = av_strdup("none");
+}
+
 /// A data source as the library reads files.
 class SourceReader final : public AvStream {
 public:
@@ -142,6 +151,7 @@ private:
         if (format == nullptr || reader_->Context() == nullptr) return false;
         format->pb = reader_->Context();
         format->flags |= AVFMT_FLAG_CUSTOM_IO;
+        KeepToTheData(*format);
         if (avformat_open_input(&format, nullptr, nullptr, nullptr) < 0) return false; // frees it on failure
         format_.reset(format);
         if (avformat_find_stream_info(format, nullptr) < 0) return false;
