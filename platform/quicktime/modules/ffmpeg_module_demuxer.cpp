@@ -70,8 +70,8 @@ OSType ImporterOf(std::string_view demuxer) {
     return importer;
 }
 
-/// Some formats are lists of other files and addresses, or say where a stream will arrive. Nothing but the data
-/// itself is opened, by either way that a demultiplexer has to open more.
+/// Some formats are lists of other files and addresses, or say where a stream will arrive. Nothing but the
+/// data itself is opened, by either way that a demultiplexer has to open more.
 void KeepToTheData(AVFormatContext& format) {
     format.io_open = [](AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**) {
         return AVERROR(EPERM);
@@ -187,11 +187,20 @@ private:
         if (estimated && stream.codecpar->frame_size > 0) {
             AddUpPackets();
         } else {
+            const std::int64_t most = MostFrames();
             std::vector<float> decoded;
-            for (; Decode(decoded); decoded.clear())
+            for (; facts_.frames < most && Decode(decoded); decoded.clear())
                 facts_.frames += static_cast<std::int64_t>(decoded.size() / facts_.channels);
+            facts_.frames = std::min(facts_.frames, most);
         }
         return OpenStream();
+    }
+
+    /// Music of game machines may play on for ever: its players end it after this time.
+    [[nodiscard]] std::int64_t MostFrames() const {
+        constexpr std::int64_t kEndlessSeconds = 150;
+        const bool may_be_endless = format_->iformat->name == std::string_view("libgme");
+        return may_be_endless ? kEndlessSeconds * decoder_->sample_rate : INT64_MAX;
     }
 
     void AddUpPackets() {
