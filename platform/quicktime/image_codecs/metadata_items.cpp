@@ -73,6 +73,23 @@ const MetadataModule* ModuleFor(std::size_t block_size) {
     return modules::Table<MetadataModule>("metadata");
 }
 
+/// The library looks for each property of a packet among those before it, so that time grows with the square
+/// of their number. Marks and equals signs bound that number; members of lists are appended without a search.
+bool HasTooManyProperties(std::string_view packet) {
+    constexpr std::ptrdiff_t kMost = 10'000;
+    const auto is_member = [&](std::size_t at) {
+        std::string_view tag = packet.substr(at + 1);
+        if (tag.starts_with('/')) tag.remove_prefix(1);
+        constexpr std::string_view kMember = "rdf:li";
+        return tag.starts_with(kMember) && tag.substr(kMember.size()).find_first_of(" \t\r\n/>") == 0;
+    };
+    std::ptrdiff_t count = std::ranges::count(packet, '=');
+    for (std::size_t at = packet.find('<'); at != std::string_view::npos && count <= kMost;
+         at = packet.find('<', at + 1))
+        if (!is_member(at)) ++count;
+    return count > kMost;
+}
+
 } // namespace
 
 void AppendTextItem(OSType type, std::string_view text, std::vector<MetadataItem>& items) {
@@ -98,7 +115,7 @@ void AppendIptcItems(std::span<const std::byte> record, std::vector<MetadataItem
 }
 
 void AppendXmpItems(std::string_view packet, std::vector<MetadataItem>& items) {
-    const MetadataModule* module = ModuleFor(packet.size());
+    const MetadataModule* module = HasTooManyProperties(packet) ? nullptr : ModuleFor(packet.size());
     if (module == nullptr) return;
     Received received{items, items.size(), true};
     module->read_xmp(packet.data(), packet.size(), Receive, &received);

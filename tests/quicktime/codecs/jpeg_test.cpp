@@ -1,3 +1,4 @@
+#include "platform/quicktime/image_codecs/metadata_items.h"
 #include "platform/quicktime/image_exporters/exporter.h"
 #include "tests/quicktime/codecs/written_images.h"
 
@@ -124,6 +125,24 @@ TEST(JpegCodec, ReadsItsTextItems) {
     for (int i = 0; i < 40'000; ++i) comments.insert(comments.end(), comment.begin(), comment.end());
     commented.insert(commented.begin() + 2, comments.begin(), comments.end());
     EXPECT_EQ(TextsOf(qt::kJpegCodec, commented).size(), 32'767U);
+}
+
+TEST(XmpPackets, WithPropertiesWithoutNumberAreSkipped) {
+    const auto items_with = [](int others, const std::string& member) {
+        std::string packet =
+            "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF xmlns:rdf=\""
+            "http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description rdf:about=\"\" xmlns:dc=\""
+            "http://purl.org/dc/elements/1.1/\" xmlns:a=\"http://a/\"";
+        for (int i = 0; i < others; ++i) packet += " a:k" + std::to_string(i) + "=\"\"";
+        packet += "><dc:subject><rdf:Bag>" + member + "</rdf:Bag></dc:subject></rdf:Description></rdf:RDF>";
+        std::vector<qt::MetadataItem> items;
+        qt::AppendXmpItems(packet + "</x:xmpmeta>", items);
+        return items.size();
+    };
+    std::string members;
+    for (int i = 0; i < 20'000; ++i) members += "<rdf:li>x</rdf:li>";
+    EXPECT_EQ(items_with(1000, members), 20'000U) << "members of lists are no properties";
+    EXPECT_EQ(items_with(10'000, "<rdf:li>x</rdf:li>"), 0U);
 }
 
 TEST(JpegExporter, FollowsQualityDepthAndMethod) {
