@@ -74,6 +74,29 @@ TEST_F(DamagedFiles, EndInASoundOrACode) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::minutes(3));
 }
 
+TEST_F(DamagedFiles, NothingButTags) {
+    ASSERT_TRUE(Run("sox -n -r 48000 -c 2 s.wav synth 0.3 sine 440 && ffmpeg -i s.wav -c:a libopus s.mka"));
+    const auto element = [](std::string_view id, const std::string& content) {
+        std::string bytes(id);
+        bytes += '\x01';
+        for (int shift = 48; shift >= 0; shift -= 8)
+            bytes += static_cast<char>(content.size() >> shift & 0xFF);
+        return bytes + content;
+    };
+    std::string tags;
+    for (int i = 0; i < 200'000; ++i)
+        tags += element("\x67\xC8", element("\x45\xA3", "K" + std::to_string(i)) + element("\x44\x87", "x"));
+    std::string file = ReadBytes(Path("s.mka"));
+    const std::size_t segment = file.find("\x18\x53\x80\x67");
+    ASSERT_NE(segment, std::string::npos);
+    file.replace(segment + 4, 8, "\x01\xFF\xFF\xFF\xFF\xFF\xFF\xFF"); // no size
+    file.insert(segment + 12, element("\x12\x54\xC3\x67", element("\x73\x73", tags)));
+    WriteBytes(Path("tags.mka"), file);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_NEAR(static_cast<double>(GetMovieDuration(Open("tags.mka").get())), 0.3 * 48000, 1000);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::minutes(1));
+}
+
 TEST_F(DamagedFiles, HeadersThatClaimMoreThanThereIs) {
     ASSERT_TRUE(Run("sox -R -r 44100 -n -c 2 -b 16 s.wav synth 1000s pinknoise"));
     std::string wave = ReadBytes(Path("s.wav"));
