@@ -150,7 +150,7 @@ private:
         AVFormatContext* format = avformat_alloc_context();
         if (format == nullptr || reader_->Context() == nullptr) return false;
         format->pb = reader_->Context();
-        format->flags |= AVFMT_FLAG_CUSTOM_IO;
+        format->flags |= AVFMT_FLAG_CUSTOM_IO | AVFMT_FLAG_IGNIDX; // nobody seeks
         KeepToTheData(*format);
         if (avformat_open_input(&format, nullptr, nullptr, nullptr) < 0) return false; // frees it on failure
         format_.reset(format);
