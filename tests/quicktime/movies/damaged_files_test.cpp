@@ -75,7 +75,8 @@ TEST_F(DamagedFiles, EndInASoundOrACode) {
 }
 
 TEST_F(DamagedFiles, NothingButTags) {
-    ASSERT_TRUE(Run("sox -n -r 48000 -c 2 s.wav synth 0.3 sine 440 && ffmpeg -i s.wav -c:a libopus s.mka"));
+    ASSERT_TRUE(Run("sox -n -r 48000 -c 2 s.wav synth 0.3 sine 440 && ffmpeg -i s.wav -c:a libopus s.mka && "
+                    "sox s.wav s.flac"));
     const auto element = [](std::string_view id, const std::string& content) {
         std::string bytes(id);
         bytes += '\x01';
@@ -86,14 +87,26 @@ TEST_F(DamagedFiles, NothingButTags) {
     std::string tags;
     for (int i = 0; i < 200'000; ++i)
         tags += element("\x67\xC8", element("\x45\xA3", "K" + std::to_string(i)) + element("\x44\x87", "x"));
-    std::string file = ReadBytes(Path("s.mka"));
-    const std::size_t segment = file.find("\x18\x53\x80\x67");
+    std::string matroska = ReadBytes(Path("s.mka"));
+    const std::size_t segment = matroska.find("\x18\x53\x80\x67");
     ASSERT_NE(segment, std::string::npos);
-    file.replace(segment + 4, 8, "\x01\xFF\xFF\xFF\xFF\xFF\xFF\xFF"); // no size
-    file.insert(segment + 12, element("\x12\x54\xC3\x67", element("\x73\x73", tags)));
-    WriteBytes(Path("tags.mka"), file);
+    matroska.replace(segment + 4, 8, "\x01\xFF\xFF\xFF\xFF\xFF\xFF\xFF"); // no size
+    matroska.insert(segment + 12, element("\x12\x54\xC3\x67", element("\x73\x73", tags)));
+    WriteBytes(Path("tags.mka"), matroska);
+
+    // All of one name; and more are announced, which libsndfile refuses.
+    constexpr std::size_t kFirstBlockEnd = 42;
+    std::string comments("\1\0\0\0v\xFF\xFF\xFF\0", 9);
+    for (int i = 0; i < 1'000'000; ++i) comments += std::string("\3\0\0\0A=b", 7);
+    std::string flac = ReadBytes(Path("s.flac"));
+    std::string header = "\4";
+    for (const int shift : {16, 8, 0}) header += static_cast<char>(comments.size() >> shift & 0xFF);
+    flac.insert(kFirstBlockEnd, header + comments);
+    WriteBytes(Path("tags.flac"), flac);
+
     const auto begin = std::chrono::steady_clock::now();
-    EXPECT_NEAR(static_cast<double>(GetMovieDuration(Open("tags.mka").get())), 0.3 * 48000, 1000);
+    for (const char* name : {"tags.mka", "tags.flac"})
+        EXPECT_NEAR(static_cast<double>(GetMovieDuration(Open(name).get())), 0.3 * 48000, 1000) << name;
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::minutes(1));
 }
 
