@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <ctime>
+#include <limits>
 #include <string_view>
 
 namespace qt {
@@ -79,15 +81,28 @@ void KeepToTheData(AVFormatContext& format) {
     format.protocol_whitelist = av_strdup("none");
 }
 
+/// Of this thread, so that waiting for a disk does not count.
+double ProcessorSeconds() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
 /// A data source as the library reads files.
 class SourceReader final : public AvStream {
 public:
     explicit SourceReader(std::shared_ptr<DataSource> data)
         : AvStream(Read, nullptr), data_(std::move(data)) {}
 
+    /// Until EndOpening, reading ends once the thread has worked for ten seconds, a hundred times what usual
+    /// files take: some tables cost the library time by the square of their size.
+    void BeginOpening() { last_ = ProcessorSeconds() + kLongestOpening; }
+    void EndOpening() { last_ = std::numeric_limits<double>::infinity(); }
+
 private:
     static int Read(void* stream, std::uint8_t* buffer, int size) {
         auto& self = *static_cast<SourceReader*>(static_cast<AvStream*>(stream));
+        if (ProcessorSeconds() > self.last_) return AVERROR_EXIT;
         const std::size_t got = self.data_->Read(
             self.position_, {reinterpret_cast<std::byte*>(buffer), static_cast<std::size_t>(size)});
         self.position_ += got;
@@ -97,6 +112,8 @@ private:
     [[nodiscard]] std::uint64_t Size() const override { return data_->GetSize(); }
 
     std::shared_ptr<DataSource> data_;
+    static constexpr double kLongestOpening = 10; ///< seconds
+    double last_ = std::numeric_limits<double>::infinity();
 };
 
 class AvFile final : public DemultiplexedSound {
@@ -147,14 +164,8 @@ private:
         format_.reset();
         at_end_ = false;
         reader_ = std::make_unique<SourceReader>(data_);
-        AVFormatContext* format = avformat_alloc_context();
-        if (format == nullptr || reader_->Context() == nullptr) return false;
-        format->pb = reader_->Context();
-        format->flags |= AVFMT_FLAG_CUSTOM_IO | AVFMT_FLAG_IGNIDX; // nobody seeks
-        KeepToTheData(*format);
-        if (avformat_open_input(&format, nullptr, nullptr, nullptr) < 0) return false; // frees it on failure
-        format_.reset(format);
-        if (avformat_find_stream_info(format, nullptr) < 0) return false;
+        if (reader_->Context() == nullptr || !OpenFormat()) return false;
+        AVFormatContext* format = format_.get();
         const AVCodec* codec = nullptr;
         stream_ = av_find_best_stream(format, AVMEDIA_TYPE_AUDIO, -1, -1, &codec, 0);
         if (stream_ < 0 || codec == nullptr) return false;
@@ -166,6 +177,25 @@ private:
             return false;
         decoder_->pkt_timebase = format->streams[stream_]->time_base;
         return avcodec_open2(decoder_.get(), codec, nullptr) >= 0;
+    }
+
+    bool OpenFormat() {
+        AVFormatContext* format = avformat_alloc_context();
+        if (format == nullptr) return false;
+        format->pb = reader_->Context();
+        format->flags |= AVFMT_FLAG_CUSTOM_IO;
+        KeepToTheData(*format);
+        reader_->BeginOpening();
+        const AVInputFormat* demuxer = nullptr;
+        av_probe_input_buffer2(format->pb, &demuxer, nullptr, nullptr, 0, 0);
+        // Its index is sorted at once, and nobody seeks; other formats take durations from theirs.
+        if (demuxer != nullptr && std::string_view(demuxer->name).starts_with("matroska"))
+            format->flags |= AVFMT_FLAG_IGNIDX;
+        if (avformat_open_input(&format, nullptr, demuxer, nullptr) < 0) return false; // frees it on failure
+        format_.reset(format);
+        const bool found = avformat_find_stream_info(format, nullptr) >= 0;
+        reader_->EndOpening();
+        return found;
     }
 
     /// The container's word where it counts in units as fine as frames, else what decoding gives; the sum

@@ -279,7 +279,8 @@ ReadMovie ReadMovieFile(const std::shared_ptr<DataSource>& data, const DataRefer
     read.movie.reset(NewMovie(0));
     read.movie->file = CopyDataReference(reference);
     read.code = MovieReader(data, reference, path, *read.movie).Read(structure);
-    read.fragmented = !FindAtom(structure, Code("mvex")).empty() && !HasSamples(*read.movie);
+    read.fragmented = !FindAtom(structure, Code("mvex")).empty() &&
+                      (!HasSamples(*read.movie) || !LoadTopAtom(*data, Code("moof")).empty());
     if (read.code != noErr) read.movie.reset();
     return read;
 }

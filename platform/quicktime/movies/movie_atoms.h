@@ -10,7 +10,7 @@ namespace qt {
 struct ReadMovie {
     OSErr code = noErr;
     OwnedMovie movie;
-    bool fragmented = false; ///< its samples are not described in one place: for a demultiplexer
+    bool fragmented = false; ///< its samples are not all described in one place: for a demultiplexer
 };
 
 /// Reads the movie of a file. `reference` is the file's, and becomes the movie's default data reference;

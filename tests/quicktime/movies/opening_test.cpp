@@ -50,7 +50,11 @@ constexpr Format kFormats[] = {
     {"s.mp2", "ffmpeg -i source.wav s.mp2", "MPGA", ".mp2", 77 * 1152, false},
     {"s.aac", "ffmpeg -i source.wav s.aac", "ADTS", "mp4a", 88 * 1024, false},
     {"s.ac3", "ffmpeg -i source.wav s.ac3", "AC3 ", "ac-3", 58 * 1536, false},
-    {"fragments.m4a", "ffmpeg -i source.wav -c:a aac -movflags frag_keyframe+empty_moov fragments.m4a",
+    {"fragments.m4a",
+     "ffmpeg -i source.wav -c:a aac -movflags frag_keyframe+empty_moov -frag_duration 500000 fragments.m4a",
+     "M4A ", "mp4a", 88217 + 1024, false},
+    // The first of them stands where all samples do in other files.
+    {"mixed.m4a", "ffmpeg -i source.wav -c:a aac -movflags frag_keyframe -frag_duration 500000 mixed.m4a",
      "M4A ", "mp4a", 88217 + 1024, false},
     // The encoder's delay in the item list alone, as some players' own files have it.
     {"gapless.m4a",
