@@ -12,5 +12,5 @@ void Fuzz(std::string_view input) {
     for (const qt::MetadataItem& item : items) Require(item.type >> 24 == 0xA9 && !item.text.empty());
     corvane::MetadataText text;
     corvane::AddExifDump(bytes, text);
-    Require(text.Utf8().size() <= 2 * 1999);
+    Require(text.Utf8().size() <= std::size_t{2} * 1999);
 }

@@ -203,7 +203,7 @@ private:
     bool CountFrames() {
         const AVStream& stream = *format_->streams[stream_];
         const AVRational frame = {1, decoder_->sample_rate};
-        const bool estimated = format_->duration_estimation_method == AVFMT_DURATION_FROM_BITRATE;
+        const bool estimated = format_->duration_estimation_method != AVFMT_DURATION_FROM_STREAM;
         const bool counted = stream.duration != AV_NOPTS_VALUE && !estimated;
         if (counted && (facts_.has_video || av_cmp_q(stream.time_base, frame) <= 0)) {
             facts_.frames = std::max<std::int64_t>(0, av_rescale_q(stream.duration, stream.time_base, frame));
@@ -235,13 +235,16 @@ private:
 
     void AddUpPackets() {
         const AVStream& stream = *format_->streams[stream_];
-        std::int64_t units = 0;
+        const AVRational frame = {1, decoder_->sample_rate};
+        const std::int64_t usual = stream.codecpar->frame_size;
         while (av_read_frame(format_.get(), packet_.get()) >= 0) {
-            if (packet_->stream_index == stream_) units += packet_->duration;
+            if (packet_->stream_index == stream_) {
+                const std::int64_t count = av_rescale_q(packet_->duration, stream.time_base, frame);
+                facts_.frames += std::abs(count - usual) <= 1 ? usual : count; // rounded to the time base
+            }
             av_packet_unref(packet_.get());
         }
-        const AVRational frame = {1, decoder_->sample_rate};
-        facts_.frames = std::max<std::int64_t>(0, av_rescale_q(units, stream.time_base, frame));
+        facts_.frames = std::max<std::int64_t>(0, facts_.frames);
     }
 
     std::shared_ptr<DataSource> data_;

@@ -87,22 +87,29 @@ public:
         return ReadHeader(BigEndian32(block_, static_cast<std::size_t>(offset - start_)));
     }
 
-    /// The first frame from `offset` on that a second one, or the end of the data, follows.
-    std::optional<std::uint64_t> Find(std::uint64_t offset) {
-        const std::uint64_t size = data_.GetSize();
-        const std::uint64_t limit = std::min(size, offset + kLongestSearch);
+    /// The first frame from `offset` on that others follow: `frames` in all, or fewer up to the data's end.
+    std::optional<std::uint64_t> Find(std::uint64_t offset, int frames) {
+        const std::uint64_t limit = std::min(data_.GetSize(), offset + kLongestSearch);
         for (; offset + kHeader <= limit; ++offset) {
             const auto header = At(offset);
-            if (!header.has_value()) continue;
-            const std::uint64_t next = offset + header->size;
-            if (next == size) return offset;
-            const auto following = At(next);
-            if (following.has_value() && Continues(*following, *header)) return offset;
+            if (header.has_value() && IsFollowed(offset, *header, frames)) return offset;
         }
         return std::nullopt;
     }
 
 private:
+    bool IsFollowed(std::uint64_t offset, const FrameHeader& first, int frames) {
+        auto header = std::optional(first);
+        for (int found = 1;; ++found) {
+            if (found == frames) return true;
+            offset += header->size;
+            if (offset == data_.GetSize()) return true;
+            header = At(offset);
+            if (!header.has_value()) return found > 1 && offset + kHeader > data_.GetSize();
+            if (!Continues(*header, first)) return false;
+        }
+    }
+
     DataSource& data_;
     Bytes block_;
     std::uint64_t start_ = 0;
@@ -175,9 +182,35 @@ struct MpegStream {
     std::uint64_t first_frame = 0; ///< that holds sound
 };
 
+/// Whether the data begins as a file of another kind: those that hold streams in pieces may hold one of this
+/// kind, and frames of other streams are alike enough for a chain of headers to stand in them by chance.
+bool IsOtherStream(DataSource& data) {
+    constexpr std::array<OSType, 6> kMarks = {
+        0x1A45DFA3,    // Matroska
+        0x000001BA,    // MPEG program stream
+        0x3026B275,    // ASF
+        0x7FFE8001,    // DTS
+        Code("FLV\1"), //
+        Code("OggS"),  //
+    };
+    constexpr std::uint32_t kAc3Sync = 0x0B77;
+    constexpr std::size_t kTransportPacket = 188;
+    constexpr std::byte kTransportSync{0x47};
+    std::array<std::byte, 2 * kTransportPacket + 1> head{};
+    data.Read(0, head);
+    const OSType mark = BigEndian32(head, 0);
+    const bool is_transport = head[0] == kTransportSync && head[kTransportPacket] == kTransportSync &&
+                              head[2 * kTransportPacket] == kTransportSync;
+    const bool is_avi = mark == Code("RIFF") && BigEndian32(head, 8) == Code("AVI ");
+    return is_transport || is_avi || mark >> 16 == kAc3Sync ||
+           std::ranges::find(kMarks, mark) != kMarks.end();
+}
+
 std::optional<MpegStream> FindStream(DataSource& data) {
+    constexpr int kConvincing = 4; // frames: two stand in many files by chance
+    if (IsOtherStream(data)) return std::nullopt;
     HeaderSource headers(data);
-    const auto offset = headers.Find(SkipTags(data));
+    const auto offset = headers.Find(SkipTags(data), kConvincing);
     if (!offset.has_value()) return std::nullopt;
     MpegStream stream;
     stream.first = *headers.At(*offset);
@@ -193,7 +226,7 @@ void FindFrames(DataSource& data, const MpegStream& stream, MediaSamples& sample
     for (std::uint64_t offset = stream.first_frame;;) {
         auto header = headers.At(offset);
         if (!header.has_value() || !Continues(*header, stream.first)) {
-            const auto next = headers.Find(offset);
+            const auto next = headers.Find(offset, 2);
             if (!next.has_value()) break;
             offset = *next;
             header = headers.At(offset);

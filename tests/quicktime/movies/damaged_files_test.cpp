@@ -91,7 +91,7 @@ TEST_F(DamagedFiles, NothingButTags) {
     const std::size_t segment = matroska.find("\x18\x53\x80\x67");
     ASSERT_NE(segment, std::string::npos);
     matroska.replace(segment + 4, 8, "\x01\xFF\xFF\xFF\xFF\xFF\xFF\xFF"); // no size
-    matroska.insert(segment + 12, element("\x12\x54\xC3\x67", element("\x73\x73", tags)));
+    matroska.insert(segment + 12, element("\x12\x54\xC3\x67", element("ss", tags)));
     WriteBytes(Path("tags.mka"), matroska);
 
     // All of one name; and more are announced, which libsndfile refuses.

@@ -50,6 +50,10 @@ constexpr Format kFormats[] = {
     {"s.mp2", "ffmpeg -i source.wav s.mp2", "MPGA", ".mp2", 77 * 1152, false},
     {"s.aac", "ffmpeg -i source.wav s.aac", "ADTS", "mp4a", 88 * 1024, false},
     {"s.ac3", "ffmpeg -i source.wav s.ac3", "AC3 ", "ac-3", 58 * 1536, false},
+    // Parts of these look like MPEG audio.
+    {"s.ts", "ffmpeg -i source.wav -c:a aac -f mpegts s.ts", "MPEG", "mp4a", 88 * 1024, false},
+    {"s.mpg", "ffmpeg -i source.wav -c:a mp2 -f mpeg s.mpg", "MPEG", ".mp2", 77 * 1152, false},
+    {"s.dts", "ffmpeg -i source.wav -strict -2 -c:a dca s.dts", "DTS ", "dts ", 173 * 512, false},
     {"fragments.m4a",
      "ffmpeg -i source.wav -c:a aac -movflags frag_keyframe+empty_moov -frag_duration 500000 fragments.m4a",
      "M4A ", "mp4a", 88217 + 1024, false},
