@@ -2,6 +2,7 @@
 //
 // A document with transparency is merged onto white, and its colours are as seen there; other programs store
 // the colours themselves. The pixels tell: none that was laid on white is darker than what shines through.
+#include "platform/quicktime/image_codecs/lab_colour.h"
 #include "platform/quicktime/image_codecs/psd_header.h"
 
 #include "platform/quicktime/image_codecs/metadata_items.h"
@@ -42,26 +43,6 @@ void ToEightBits(const std::byte* row, unsigned depth, Plane& plane) {
     }
 }
 
-std::uint32_t PixelFromLab(std::uint32_t l, std::uint32_t a, std::uint32_t b) {
-    constexpr double kWhiteX = 0.9642; // the white of D50
-    constexpr double kWhiteZ = 0.8249;
-    const auto unfold = [](double f) {
-        return f > 6.0 / 29.0 ? f * f * f : (f - 16.0 / 116.0) * 108.0 / 841.0;
-    };
-    const auto companded = [](double linear) {
-        const double held = std::clamp(linear, 0.0, 1.0);
-        const double value = held <= 0.0031308 ? 12.92 * held : 1.055 * std::pow(held, 1.0 / 2.4) - 0.055;
-        return static_cast<std::uint32_t>(std::lround(value * 255.0));
-    };
-    const double fy = (l * 100.0 / 255.0 + 16.0) / 116.0;
-    const double x = kWhiteX * unfold(fy + (static_cast<double>(a) - 128.0) / 500.0);
-    const double y = unfold(fy);
-    const double z = kWhiteZ * unfold(fy - (static_cast<double>(b) - 128.0) / 200.0);
-    return Pixel(companded(3.1338561 * x - 1.6168667 * y - 0.4906146 * z),
-                 companded(-0.9787684 * x + 1.9161415 * y + 0.0334540 * z),
-                 companded(0.0719453 * x - 0.2289914 * y + 1.4052427 * z));
-}
-
 /// Stored inks are inverted: 255 is none.
 std::uint32_t PixelFromInks(std::uint32_t cyan, std::uint32_t magenta, std::uint32_t yellow,
                             std::uint32_t black) {
@@ -91,7 +72,8 @@ void PaintRow(const PsdHeader& header, const std::vector<Plane>& planes, std::in
         break;
     case 3:
         if (header.mode == PsdHeader::kLab) {
-            paint([&](std::size_t x) { return PixelFromLab(first[x], second[x], third[x]); });
+            static const LabColours kColours;
+            paint([&](std::size_t x) { return kColours.PixelOf(first[x], second[x], third[x]); });
         } else {
             paint([&](std::size_t x) { return Pixel(first[x], second[x], third[x]); });
         }

@@ -21,7 +21,9 @@ std::uint16_t ColoursOf(std::uint16_t photometric) {
     case PHOTOMETRIC_MINISWHITE:
     case PHOTOMETRIC_MINISBLACK:
     case PHOTOMETRIC_PALETTE: return 1;
-    case PHOTOMETRIC_RGB: return 3;
+    case PHOTOMETRIC_RGB:
+    case PHOTOMETRIC_CIELAB:
+    case PHOTOMETRIC_ICCLAB: return 3;
     case PHOTOMETRIC_SEPARATED: return 4;
     default: return 0;
     }
@@ -103,10 +105,14 @@ ComponentResult ReadTiffLayout(TIFF* tiff, TiffLayout& layout) {
     layout.is_float = format == SAMPLEFORMAT_IEEEFP;
     layout.has_planes = planes == PLANARCONFIG_SEPARATE && layout.samples > 1;
     layout.colours = IsJpegYCbCr(layout) ? 3 : ColoursOf(layout.photometric);
+    layout.is_signed = layout.photometric == PHOTOMETRIC_CIELAB;
+    layout.is_lab = layout.is_signed || layout.photometric == PHOTOMETRIC_ICCLAB;
     const bool has_known_samples =
-        layout.is_float ? layout.bits == 32
+        layout.is_float ? layout.bits == 16 || layout.bits == 32 || layout.bits == 64
+        : layout.is_lab ? layout.bits == 8 || layout.bits == 16
                         : format != SAMPLEFORMAT_INT && (layout.bits <= 16 || layout.bits == 32);
-    const bool has_palette_entry = layout.photometric != PHOTOMETRIC_PALETTE || layout.bits <= 16;
+    const bool has_palette_entry =
+        layout.photometric != PHOTOMETRIC_PALETTE || (layout.bits <= 16 && !layout.is_float);
     if (layout.colours > 0 && has_known_samples && has_palette_entry && layout.bits > 0 &&
         layout.samples >= layout.colours) {
         ReadAlpha(tiff, layout);

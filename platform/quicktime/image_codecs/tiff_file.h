@@ -53,11 +53,14 @@ struct TiffLayout {
     std::uint16_t samples = 1;
     std::uint16_t photometric = PHOTOMETRIC_MINISWHITE;
     std::uint16_t compression = COMPRESSION_NONE;
-    bool is_float = false;
+    bool is_float = false;     ///< of 16, 32 or 64 bits
     bool has_planes = false;   ///< each sample's rows for themselves
     std::uint16_t colours = 1; ///< samples of a pixel that make its colour
     bool has_alpha = false;
     bool is_multiplied = false; ///< the colours, with the alpha
+    /// In CIE L*a*b*; `is_signed`: a and b are around 0, not around the middle of their range.
+    bool is_lab = false;
+    bool is_signed = false;
     /// The library converts the image to RGB, as its samples are none of the colours known here.
     bool is_converted = false;
 };

@@ -1,11 +1,13 @@
 // TIFF samples as pixels: strips row by row, tiles one by one, each sample's plane for itself where they are
 // stored so.
+#include "platform/quicktime/image_codecs/lab_colour.h"
 #include "platform/quicktime/image_codecs/raster.h"
 #include "platform/quicktime/image_codecs/tiff_file.h"
 #include "platform/quicktime/image_codecs/tiff_strips.h"
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace qt {
 namespace {
@@ -27,6 +29,16 @@ std::uint32_t SampleAt(const std::byte* row, std::size_t sample, unsigned bits) 
     return word >> (24 - bits - bit % 8) & ((1U << bits) - 1);
 }
 
+/// A number of 16 bits (IEEE 754 binary16), as a sample needs it: what is negative or no number is 0.
+float HalfNumber(std::uint16_t bits) {
+    constexpr int kInfinity = 31 << 10;
+    if (bits > kInfinity) return 0.0F;
+    const int exponent = bits >> 10;
+    const int mantissa = bits & 1'023;
+    return std::ldexp(static_cast<float>(exponent == 0 ? mantissa : mantissa + 1'024),
+                      std::max(exponent, 1) - 25);
+}
+
 /// Turns stored rows into pixels.
 class RowPainter {
 public:
@@ -34,6 +46,15 @@ public:
         const bool is_palette = layout.photometric == PHOTOMETRIC_PALETTE;
         const std::size_t count = layout.bits <= 16 ? std::size_t{1} << layout.bits : 0;
         if (layout.bits <= 8 || is_palette) TakeColours(tiff, count);
+        if (layout.is_lab) {
+            const float* white = nullptr;
+            g_tiff->GetField(tiff, TIFFTAG_WHITEPOINT, &white);
+            if (white == nullptr) {
+                lab_.emplace();
+            } else {
+                lab_.emplace(white[0], white[1]);
+            }
+        }
         for (std::size_t value = 1; layout.bits < 8 && value < count; ++value) {
             scaled_[value] =
                 static_cast<std::byte>((std::size_t{255} * value + (count - 1) / 2) / (count - 1));
@@ -50,9 +71,9 @@ public:
         const bool has_narrow_bits = bits == 1 || bits == 2 || bits == 4 || bits == 8;
         if (layout_.colours == 1 && layout_.samples == 1 && has_narrow_bits) {
             PixelsFromIndices(row, bits, narrow_palette_, count, pixels);
-        } else if (layout_.colours == 3 && layout_.samples == 3 && bits == 8) {
+        } else if (layout_.colours == 3 && layout_.samples == 3 && bits == 8 && !lab_) {
             PixelsFromRgb(row, count, pixels);
-        } else if (layout_.colours == 3 && layout_.samples == 4 && bits == 8) {
+        } else if (layout_.colours == 3 && layout_.samples == 4 && bits == 8 && !lab_) {
             PaintRgba(row, count, pixels);
         } else {
             for (std::uint16_t sample = 0; sample < StoredSamples(); ++sample) {
@@ -78,6 +99,12 @@ public:
             }
         } else if (layout_.colours == 4) {
             for (std::int32_t x = 0; x < count; ++x) pixels[x] = FromInks(pixels[x]);
+        } else if (lab_) {
+            for (std::int32_t x = 0; x < count; ++x) {
+                const std::uint32_t stored = pixels[x];
+                pixels[x] = (lab_->PixelOf(Red(stored), Green(stored), Blue(stored)) & 0x00FF'FFFF) |
+                            (stored & 0xFF00'0000);
+            }
         }
         FinishAlpha(count, pixels);
     }
@@ -123,15 +150,27 @@ private:
         return static_cast<std::byte>((std::size_t{255} * value + most / 2) / most);
     }
 
-    /// Samples of 32 bits: an integer's highest 8 bits, a number from 0 to 1 scaled.
-    [[nodiscard]] std::byte WideSample(const std::byte* row, std::size_t sample) const {
+    /// An integer's highest 8 bits.
+    static std::byte WideInteger(const std::byte* row, std::size_t sample) {
         std::uint32_t value = 0;
         std::memcpy(&value, row + sample * 4, sizeof value);
-        if (!layout_.is_float) return static_cast<std::byte>(value >> 24);
-        float number = 0.0F;
-        std::memcpy(&number, &value, sizeof number);
-        if (!(number > 0.0F)) return std::byte{0};
-        return static_cast<std::byte>(std::lround(std::min(number, 1.0F) * 255.0F));
+        return static_cast<std::byte>(value >> 24);
+    }
+
+    /// A number from 0 to 1 scaled to 255; of L*a*b*, 0 to 100 and the numbers around 0.
+    [[nodiscard]] std::byte NumberSample(const std::byte* row, std::size_t place,
+                                         std::uint16_t sample) const {
+        const auto stored = [&]<class Value>(Value value) {
+            std::memcpy(&value, row + place * sizeof value, sizeof value);
+            return value;
+        };
+        const double number = layout_.bits == 16   ? HalfNumber(stored(std::uint16_t{}))
+                              : layout_.bits == 32 ? stored(float{})
+                                                   : stored(double{});
+        const double scaled = !lab_ || sample == 3 ? number * 255.0
+                              : sample == 0        ? number * 2.55
+                                                   : number + 128.0;
+        return scaled > 0.0 ? static_cast<std::byte>(std::lround(std::min(scaled, 255.0))) : std::byte{0};
     }
 
     void Place(const std::byte* row, std::size_t step, std::uint16_t sample, std::int32_t count,
@@ -148,15 +187,20 @@ private:
             return;
         }
         auto* bytes = reinterpret_cast<std::byte*>(pixels) + ByteOf(sample);
-        if (layout_.bits == 8) {
-            for (std::int32_t x = 0; x < count; ++x, at += step) bytes[std::ptrdiff_t{x} * 4] = row[at];
+        const auto place = [&](auto sample_at) {
+            for (std::int32_t x = 0; x < count; ++x, at += step) bytes[std::ptrdiff_t{x} * 4] = sample_at();
+        };
+        if (layout_.is_float) {
+            place([&] { return NumberSample(row, at, sample); });
         } else if (layout_.bits == 32) {
-            for (std::int32_t x = 0; x < count; ++x, at += step)
-                bytes[std::ptrdiff_t{x} * 4] = WideSample(row, at);
+            place([&] { return WideInteger(row, at); });
+        } else if (layout_.is_signed && (sample == 1 || sample == 2)) {
+            const std::uint32_t sign = 1U << (layout_.bits - 1);
+            place([&] { return Scaled(SampleAt(row, at, layout_.bits) ^ sign); });
+        } else if (layout_.bits == 8) {
+            place([&] { return row[at]; });
         } else {
-            for (std::int32_t x = 0; x < count; ++x, at += step) {
-                bytes[std::ptrdiff_t{x} * 4] = Scaled(SampleAt(row, at, layout_.bits));
-            }
+            place([&] { return Scaled(SampleAt(row, at, layout_.bits)); });
         }
     }
 
@@ -204,6 +248,7 @@ private:
     Palette narrow_palette_{};
     std::array<std::byte, 256> scaled_{};
     bool palette_is_grey_ = true;
+    std::optional<LabColours> lab_;
 };
 
 /// Answers how many rows there were.

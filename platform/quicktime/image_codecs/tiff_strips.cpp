@@ -25,6 +25,7 @@ bool TiffStrips::ReadPlainRow(std::uint32_t y, std::uint16_t plane, std::span<st
     if (g_tiff->IsByteSwapped(tiff_) == 0) return true;
     if (bits_ == 16) g_tiff->SwabArrayOfShort(static_cast<std::uint16_t*>(bytes), size / 2);
     if (bits_ == 32) g_tiff->SwabArrayOfLong(static_cast<std::uint32_t*>(bytes), size / 4);
+    if (bits_ == 64) g_tiff->SwabArrayOfLong8(static_cast<std::uint64_t*>(bytes), size / 8);
     return true;
 }
 

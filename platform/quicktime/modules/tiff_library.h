@@ -41,6 +41,7 @@ struct TiffLibrary {
     decltype(&TIFFSetDirectory) SetDirectory = &TIFFSetDirectory;
     decltype(&TIFFSetField) SetField = &TIFFSetField;
     decltype(&TIFFSwabArrayOfLong) SwabArrayOfLong = &TIFFSwabArrayOfLong;
+    decltype(&TIFFSwabArrayOfLong8) SwabArrayOfLong8 = &TIFFSwabArrayOfLong8;
     decltype(&TIFFSwabArrayOfShort) SwabArrayOfShort = &TIFFSwabArrayOfShort;
     decltype(&TIFFTileRowSize) TileRowSize = &TIFFTileRowSize;
     decltype(&TIFFTileSize) TileSize = &TIFFTileSize;

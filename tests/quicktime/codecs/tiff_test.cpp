@@ -40,7 +40,7 @@ constexpr Sample kSamples[] = {
     {"-size 67x41 plasma: -depth 8 -colorspace YCbCr -compress LZW", "plainycbcr.tif", 24, 3},
     {"-size 67x41 plasma: -depth 8 -colorspace YCbCr -compress Zip -define tiff:tile-geometry=32x16",
      "ycbcrtiles.tif", 24, 3},
-    {"-size 67x41 gradient:#604020-#90A0B0 -depth 8 -colorspace Lab -compress Zip", "lab.tif", 24, 8},
+    {"-size 67x41 gradient:#604020-#90A0B0 -depth 8 -colorspace Lab -compress Zip", "lab.tif", 24, 3},
     {"-size 67x41 plasma: -depth 8 -colors 200 -type PaletteAlpha -alpha set -interlace Plane",
      "palettealpha.tif", 8},
     {"-size 1x1 xc:red -depth 8 -type TrueColor", "one.tif", 24},
@@ -110,24 +110,78 @@ TEST(TiffCodec, GivesTheRowsOfAnOnlyStripThatBreaksOff) {
     }
 }
 
-TEST(TiffCodec, WideSamples) {
+/// The pixels of an image of one row of samples, whose bytes are written as `order` says.
+template <class Value, std::size_t kCount>
+Pixels PixelsOfSamples(const char* order, int photometric, int format, const Value (&samples)[kCount],
+                       const std::vector<float>& white = {}) {
+    const int of_pixel = photometric == PHOTOMETRIC_MINISBLACK ? 1 : 3;
     const MadeImages images;
-    const auto row_of = [&](int format, const void* samples) {
-        const std::string path = images.folder.Path("wide.tif");
-        TIFF* tiff = TIFFOpen(path.c_str(), "w");
-        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 4);
-        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
-        TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 32);
-        TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, format);
-        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
-        TIFFWriteEncodedStrip(tiff, 0, const_cast<void*>(samples), 16);
-        TIFFClose(tiff);
-        return PixelsOf(DecodeWhole(qt::kTiffCodec, FileBytes(path)));
-    };
+    const std::string path = images.folder.Path("samples.tif");
+    TIFF* tiff = TIFFOpen(path.c_str(), order);
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<int>(kCount) / of_pixel);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, of_pixel);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, static_cast<int>(8 * sizeof(Value)));
+    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, format);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, photometric);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    if (!white.empty()) TIFFSetField(tiff, TIFFTAG_WHITEPOINT, white.data());
+    std::vector<Value> written(std::begin(samples), std::end(samples)); // the library swaps them in place
+    TIFFWriteEncodedStrip(tiff, 0, written.data(), sizeof samples);
+    TIFFClose(tiff);
+    return PixelsOf(DecodeWhole(qt::kTiffCodec, FileBytes(path)));
+}
+
+TEST(TiffCodec, WideSamples) {
+    const Pixels greys = {0xFF000000, 0xFF808080, 0xFFFFFFFF, 0xFF000000};
     const float numbers[] = {-1.0F, 0.5F, 1.0F, std::numeric_limits<float>::quiet_NaN()};
-    EXPECT_EQ(row_of(SAMPLEFORMAT_IEEEFP, numbers), (Pixels{0xFF000000, 0xFF808080, 0xFFFFFFFF, 0xFF000000}));
+    const double long_numbers[] = {-1.0, 0.5, 7.0, std::numeric_limits<double>::quiet_NaN()};
+    const std::uint16_t short_numbers[] = {0xBC00, 0x3800, 0x7C00, 0x7E00, 0x3555, 0x0001};
     const std::uint32_t integers[] = {0, 0x80000000, 0x7FFFFFFF, 0xFFFFFFFF};
-    EXPECT_EQ(row_of(SAMPLEFORMAT_UINT, integers), (Pixels{0xFF000000, 0xFF808080, 0xFF7F7F7F, 0xFFFFFFFF}));
+    for (const char* order : {"wl", "wb"}) {
+        SCOPED_TRACE(order);
+        const auto greys_of = [&](int format, const auto& samples) {
+            return PixelsOfSamples(order, PHOTOMETRIC_MINISBLACK, format, samples);
+        };
+        EXPECT_EQ(greys_of(SAMPLEFORMAT_IEEEFP, numbers), greys);
+        EXPECT_EQ(greys_of(SAMPLEFORMAT_IEEEFP, long_numbers), greys);
+        EXPECT_EQ(greys_of(SAMPLEFORMAT_IEEEFP, short_numbers),
+                  (Pixels{0xFF000000, 0xFF808080, 0xFFFFFFFF, 0xFF000000, 0xFF555555, 0xFF000000}));
+        EXPECT_EQ(greys_of(SAMPLEFORMAT_UINT, integers),
+                  (Pixels{0xFF000000, 0xFF808080, 0xFF7F7F7F, 0xFFFFFFFF}));
+    }
+}
+
+/// White, and the red, green and blue of sRGB under D50, in each way that L*a*b* is stored; without a word on
+/// the white, and under D65 white alone.
+TEST(TiffCodec, LabIsShownUnderItsOwnWhite) {
+    const std::int8_t bytes[] = {-1, 0, 0, -118, 81, 70, -32, -79, 81, 75, 68, -112};
+    const std::int16_t words[] = {-1,     0,       0,      -29'953, 20'685, 17'896,
+                                  -7'990, -20'296, 20'726, 19'395,  17'481, -28'679};
+    const std::uint8_t offset[] = {255, 128, 128, 138, 209, 198, 224, 49, 209, 75, 196, 16};
+    const float numbers[] = {100.0F, 0,       0,      54.29F, 80.80F, 69.89F,
+                             87.82F, -79.27F, 80.99F, 29.57F, 68.30F, -112.03F};
+    const auto expect_primaries = [](const Pixels& pixels) {
+        constexpr std::uint32_t kExpected[] = {0xFFFFFFFF, 0xFFFF0000, 0xFF00FF00, 0xFF0000FF};
+        ASSERT_EQ(pixels.size(), std::size(kExpected));
+        EXPECT_EQ(pixels[0], kExpected[0]);
+        for (std::size_t i = 0; i < pixels.size(); ++i) {
+            for (const unsigned shift : {0U, 8U, 16U, 24U}) {
+                const auto channel = [&](std::uint32_t pixel) {
+                    return static_cast<int>(pixel >> shift & 255);
+                };
+                EXPECT_NEAR(channel(pixels[i]), channel(kExpected[i]), 14) << i << " " << shift;
+            }
+        }
+    };
+    for (const char* order : {"wl", "wb"}) {
+        expect_primaries(PixelsOfSamples(order, PHOTOMETRIC_CIELAB, SAMPLEFORMAT_UINT, bytes));
+        expect_primaries(PixelsOfSamples(order, PHOTOMETRIC_CIELAB, SAMPLEFORMAT_INT, words));
+        expect_primaries(PixelsOfSamples(order, PHOTOMETRIC_ICCLAB, SAMPLEFORMAT_UINT, offset));
+        expect_primaries(PixelsOfSamples(order, PHOTOMETRIC_CIELAB, SAMPLEFORMAT_IEEEFP, numbers));
+    }
+    EXPECT_EQ(PixelsOfSamples("w", PHOTOMETRIC_CIELAB, SAMPLEFORMAT_UINT, bytes, {0.3127F, 0.329F})[0],
+              0xFFFFFFFF);
 }
 
 TEST(TiffCodec, PagesResolutionAndTexts) {
