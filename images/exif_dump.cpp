@@ -1,6 +1,7 @@
 #include "images/exif_dump.h"
 
 #include "platform/quicktime/modules/exif_library.h"
+#include "platform/text/utf.h"
 
 #include <algorithm>
 #include <array>
@@ -38,13 +39,14 @@ struct ExifDataFreer {
     void operator()(ExifData* data) const { qt::g_exif->data_unref(data); }
 };
 
+/// Cameras write ASCII, other programs UTF-8.
 void AddEntry(ExifEntry* entry, void* context) {
     std::array<char, 1024> value{};
     qt::g_exif->entry_get_value(entry, value.data(), value.size());
     const char* name =
         qt::g_exif->tag_get_name_in_ifd(entry->tag, qt::g_exif->content_get_ifd(entry->parent));
     static_cast<MetadataText*>(context)->AddLine(std::string("  ") + (name != nullptr ? name : "") + ": " +
-                                                 value.data());
+                                                 utf::NearestLatin1(value.data()));
 }
 
 void AddDirectories(const ExifData& data, MetadataText& text) {

@@ -32,18 +32,8 @@ std::string FirstValue(const Id3Tag& tag, std::string_view name) {
     return {};
 }
 
-// ISO-8859-1, with "?" for what it doesn't have.
-std::string NearestLatin1(std::string_view utf8) {
-    std::string latin1;
-    for (std::size_t i = 0; i < utf8.size();) {
-        const char32_t character = utf::Next(utf8, i);
-        latin1 += character <= 0xFF ? static_cast<char>(character) : '?';
-    }
-    return latin1;
-}
-
 void PutText(std::string& v1, const Field& field, std::string_view value) {
-    const std::string latin1 = NearestLatin1(value).substr(0, field.size);
+    const std::string latin1 = utf::NearestLatin1(value).substr(0, field.size);
     std::fill_n(v1.begin() + static_cast<std::ptrdiff_t>(field.offset), field.size, '\0');
     v1.replace(field.offset, latin1.size(), latin1);
 }

@@ -167,6 +167,17 @@ bool IsValid(std::string_view utf8) {
     return true;
 }
 
+std::string NearestLatin1(std::string_view utf8) {
+    if (!IsValid(utf8)) return std::string(utf8);
+    std::string latin;
+    latin.reserve(utf8.size());
+    for (std::size_t position = 0; position < utf8.size();) {
+        const char32_t character = Next(utf8, position);
+        latin += character <= 0xFF ? static_cast<char>(character) : '?';
+    }
+    return latin;
+}
+
 std::string_view CutAtCharacter(std::string_view utf8, std::size_t limit) {
     if (utf8.size() <= limit) return utf8;
     std::size_t end = limit;

@@ -21,6 +21,10 @@ bool IsValid(std::string_view utf8);
 /// The longest prefix of at most `limit` bytes that does not end inside a character.
 std::string_view CutAtCharacter(std::string_view utf8, std::size_t limit);
 
+/// The text in ISO-8859-1, with "?" for what it lacks. What is not well formed is taken for ISO-8859-1 as it
+/// is.
+std::string NearestLatin1(std::string_view utf8);
+
 /// Simple (one to one) Unicode case mapping, independent of the process's locale.
 char32_t ToLower(char32_t character);
 char32_t ToUpper(char32_t character);

@@ -28,10 +28,11 @@ std::string Section(char marker, const std::string& content) {
     return "\xFF"s + marker + static_cast<char>(size >> 8) + static_cast<char>(size & 0xFF) + content;
 }
 
-/// A directory of two entries, and a second with a thumbnail of 4 bytes.
-std::string ExifBlock() {
-    const std::string entries = "\2\0"s                        // how many
-                                "\x0F\1\2\0\4\0\0\0Ann\0"s     // maker, text
+/// A directory of two entries, and a second with a thumbnail of 4 bytes. The maker has 4 bytes.
+std::string ExifBlock(const std::string& maker = "Ann\0"s) {
+    const std::string entries = "\2\0"s // how many
+                                "\x0F\1\2\0\4\0\0\0"s +
+                                maker +                        // text
                                 "\x12\1\3\0\1\0\0\0\6\0\0\0"s; // orientation, number
     const std::string thumbnail = "\2\0"s
                                   "\1\2\4\0\1\0\0\0\x44\0\0\0"s
@@ -46,6 +47,16 @@ TEST(ExifDump, ListsDirectoriesAndTheThumbnail) {
     EXPECT_NE(dump.find("\r  Make: Ann\r"), std::string::npos) << dump;
     EXPECT_NE(dump.find("\r  Orientation: Right-top\r"), std::string::npos) << dump;
     EXPECT_TRUE(dump.ends_with("\rThumbnail (bytes): 4\r")) << dump;
+}
+
+TEST(ExifDump, TextsAreUtf8OrElseLatin1) {
+    const auto has_maker = [](const std::string& stored, const std::string& shown) {
+        const std::string dump = DumpOf("\xFF\xD8"s + Section('\xE1', ExifBlock(stored)));
+        return dump.find("\r  Make: " + shown + "\r") != std::string::npos;
+    };
+    EXPECT_TRUE(has_maker("J\xC3\xBC\0"s, "J\xC3\xBC"));
+    EXPECT_TRUE(has_maker("J\xFCr\0"s, "J\xC3\xBCr"));
+    EXPECT_TRUE(has_maker("\xE2\x82\xAC\0"s, "?")) << "no euro sign in ISO-8859-1";
 }
 
 TEST(ExifDump, LooksAtTheSecondSectionOnly) {

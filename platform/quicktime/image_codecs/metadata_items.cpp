@@ -95,16 +95,7 @@ bool HasTooManyProperties(std::string_view packet) {
 void AppendTextItem(OSType type, std::string_view text, std::vector<MetadataItem>& items) {
     constexpr std::size_t kMostItems = 32'767;
     if (text.empty() || items.size() == kMostItems) return;
-    if (!utf::IsValid(text)) {
-        items.push_back({type, std::string(text)});
-        return;
-    }
-    std::string latin;
-    for (std::size_t position = 0; position < text.size();) {
-        const char32_t character = utf::Next(text, position);
-        latin += character <= 0xFF ? static_cast<char>(character) : '?';
-    }
-    items.push_back({type, std::move(latin)});
+    items.push_back({type, utf::NearestLatin1(text)});
 }
 
 void AppendIptcItems(std::span<const std::byte> record, std::vector<MetadataItem>& items) {

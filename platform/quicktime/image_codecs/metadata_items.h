@@ -7,8 +7,8 @@
 
 namespace qt {
 
-/// Appends an item. The text is taken as UTF-8 when it is well formed, else as ISO-8859-1; characters that
-/// ISO-8859-1 lacks become "?". An empty text is passed over, and so is what comes behind 32,767 items.
+/// Appends an item, whose text is as utf::NearestLatin1 gives it. An empty text is passed over, and so is what
+/// comes behind 32,767 items.
 void AppendTextItem(OSType type, std::string_view text, std::vector<MetadataItem>& items);
 
 /// Append the texts of an IPTC record, and those of an XMP packet whose types are not among the items yet, in
