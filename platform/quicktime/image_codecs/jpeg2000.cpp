@@ -1,5 +1,6 @@
 // JPEG 2000, JP2 files and codestreams, through OpenJPEG.
 #include "platform/quicktime/image_codecs/jpeg2000_header.h"
+#include "platform/quicktime/image_codecs/metadata_items.h"
 #include "platform/quicktime/image_codecs/raster.h"
 
 #include <algorithm>
@@ -214,8 +215,23 @@ ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& 
     return noErr;
 }
 
+std::vector<std::byte> BytesOf(DataSource& source, const Jpeg2000Part& part) {
+    std::vector<std::byte> bytes(part.size <= kLargestMetadataBlock ? part.size : 0);
+    bytes.resize(source.Read(part.at, bytes));
+    return bytes;
+}
+
+ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& items) {
+    Jpeg2000Header header;
+    if (const auto code = ReadJpeg2000Header(source, header); code != noErr) return code;
+    AppendIptcItems(BytesOf(source, header.iptc), items);
+    const std::vector<std::byte> packet = BytesOf(source, header.xmp);
+    AppendXmpItems({reinterpret_cast<const char*>(packet.data()), packet.size()}, items);
+    return noErr;
+}
+
 } // namespace
 
-const ImageCodec kJpeg2000Codec = {kTypes, SniffJpeg2000, ReadFacts, true, Decode};
+const ImageCodec kJpeg2000Codec = {kTypes, SniffJpeg2000, ReadFacts, true, Decode, ReadMetadata};
 
 } // namespace qt

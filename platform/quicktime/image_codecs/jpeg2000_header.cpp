@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstring>
 
@@ -172,6 +173,21 @@ void ReadHeaderBoxes(DataSource& source, const Box& boxes, Jpeg2000Header& heade
     });
 }
 
+/// Blocks of other formats stand in boxes that begin with a UUID.
+void TakeBlock(DataSource& source, const Box& box, Jpeg2000Header& header) {
+    using Uuid = std::array<unsigned char, 16>;
+    constexpr Uuid kXmp = {0xBE, 0x7A, 0xCF, 0xCB, 0x97, 0xA9, 0x42, 0xE8,
+                           0x9C, 0x71, 0x99, 0x94, 0x91, 0xE3, 0xAF, 0xAC};
+    constexpr Uuid kIptc = {0x33, 0xC7, 0xA4, 0xD2, 0xB8, 0x1D, 0x47, 0x23,
+                            0xA0, 0xBA, 0xF1, 0xA3, 0xE0, 0x97, 0xAD, 0x38};
+    std::array<std::byte, 16> bytes;
+    if (box.end - box.at < bytes.size() || !ReadAt(source, box.at, bytes)) return;
+    const auto uuid = std::bit_cast<Uuid>(bytes);
+    const Jpeg2000Part part = {box.at + bytes.size(), box.end - box.at - bytes.size()};
+    if (uuid == kXmp) header.xmp = part;
+    if (uuid == kIptc) header.iptc = part;
+}
+
 } // namespace
 
 bool SniffJpeg2000(std::span<const std::byte> head) {
@@ -188,6 +204,7 @@ ComponentResult ReadJpeg2000Header(DataSource& source, Jpeg2000Header& header) {
     if (header.has_boxes) {
         WalkBoxes(source, 0, source.GetSize(), [&](const Box& box) {
             if (box.type == Code("jp2h")) ReadHeaderBoxes(source, box, header);
+            if (box.type == Code("uuid")) TakeBlock(source, box, header);
             if (box.type == Code("jp2c") && !is_good) is_good = ReadCodestream(source, box.at, header);
         });
     } else {

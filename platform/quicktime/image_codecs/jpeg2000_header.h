@@ -5,6 +5,12 @@
 
 namespace qt {
 
+/// Bytes of the data.
+struct Jpeg2000Part {
+    std::uint64_t at = 0;
+    std::uint64_t size = 0; ///< 0 when it is absent
+};
+
 struct Jpeg2000Header {
     bool has_boxes = false; ///< a JP2 file; else the codestream alone
     std::uint32_t width = 0;
@@ -19,6 +25,8 @@ struct Jpeg2000Header {
     bool has_alpha = false;
     double horizontal_dpi = 0.0; ///< 0 where unknown
     double vertical_dpi = 0.0;
+    Jpeg2000Part xmp;  ///< a packet
+    Jpeg2000Part iptc; ///< a record
 };
 
 bool SniffJpeg2000(std::span<const std::byte> head);

@@ -66,10 +66,9 @@ void Receive(void* context, const char* key, const char* text, std::size_t size)
     }
 }
 
-/// Null for a block without bytes, and for one above the limit: the library takes some forty times its size.
+/// Null for a block without bytes, and for one above the limit.
 const MetadataModule* ModuleFor(std::size_t block_size) {
-    constexpr std::size_t kLargestBlock = 4 << 20;
-    if (block_size == 0 || block_size > kLargestBlock) return nullptr;
+    if (block_size == 0 || block_size > kLargestMetadataBlock) return nullptr;
     return modules::Table<MetadataModule>("metadata");
 }
 

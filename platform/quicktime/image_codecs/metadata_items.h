@@ -7,9 +7,12 @@
 
 namespace qt {
 
-/// Appends an item, whose text is as utf::NearestLatin1 gives it. An empty text is passed over, and so is what
-/// comes behind 32,767 items.
+/// Appends an item, whose text is as utf::NearestLatin1 gives it. An empty text is passed over, and so is
+/// what comes behind 32,767 items.
 void AppendTextItem(OSType type, std::string_view text, std::vector<MetadataItem>& items);
+
+/// Larger IPTC records and XMP packets are passed over: what reads them takes some forty times their size.
+inline constexpr std::size_t kLargestMetadataBlock = 4 << 20;
 
 /// Append the texts of an IPTC record, and those of an XMP packet whose types are not among the items yet, in
 /// the order of the block. What is broken gives nothing.
