@@ -116,6 +116,9 @@ bool AppendFrame(const AVFrame& frame, std::vector<float>& out) {
     case AV_SAMPLE_FMT_S32:
         Interleave<std::int32_t>(frame, planar, 0, 1.0F / 2147483648.0F, target);
         return true;
+    case AV_SAMPLE_FMT_S64:
+        Interleave<std::int64_t>(frame, planar, 0, 1.0F / 9223372036854775808.0F, target);
+        return true;
     case AV_SAMPLE_FMT_FLT: Interleave<float>(frame, planar, 0, 1, target); return true;
     case AV_SAMPLE_FMT_DBL: Interleave<double>(frame, planar, 0, 1, target); return true;
     default: out.resize(before); return false;

@@ -204,7 +204,7 @@ private:
         const AVStream& stream = *format_->streams[stream_];
         const AVRational frame = {1, decoder_->sample_rate};
         const bool estimated = format_->duration_estimation_method != AVFMT_DURATION_FROM_STREAM;
-        const bool counted = stream.duration != AV_NOPTS_VALUE && !estimated;
+        const bool counted = stream.duration > 0 && !estimated; // writers leave 0 where they can't go back
         if (counted && (facts_.has_video || av_cmp_q(stream.time_base, frame) <= 0)) {
             facts_.frames = std::max<std::int64_t>(0, av_rescale_q(stream.duration, stream.time_base, frame));
             return true;

@@ -87,29 +87,34 @@ public:
         return ReadHeader(BigEndian32(block_, static_cast<std::size_t>(offset - start_)));
     }
 
+    /// Frames in a row from `offset` on, `most` of them or fewer; whether the data ends with them.
+    struct Row {
+        int frames = 0;
+        bool is_at_end = false;
+    };
+    Row RowFrom(std::uint64_t offset, int most) {
+        Row row;
+        for (auto header = At(offset), first = header; header.has_value() && Continues(*header, *first);
+             header = At(offset)) {
+            ++row.frames;
+            offset += header->size;
+            if (row.frames == most) break;
+        }
+        row.is_at_end = offset == data_.GetSize() || (row.frames > 1 && offset + kHeader > data_.GetSize());
+        return row;
+    }
+
     /// The first frame from `offset` on that others follow: `frames` in all, or fewer up to the data's end.
     std::optional<std::uint64_t> Find(std::uint64_t offset, int frames) {
         const std::uint64_t limit = std::min(data_.GetSize(), offset + kLongestSearch);
         for (; offset + kHeader <= limit; ++offset) {
-            const auto header = At(offset);
-            if (header.has_value() && IsFollowed(offset, *header, frames)) return offset;
+            const Row row = RowFrom(offset, frames);
+            if (row.frames == frames || (row.frames > 0 && row.is_at_end)) return offset;
         }
         return std::nullopt;
     }
 
 private:
-    bool IsFollowed(std::uint64_t offset, const FrameHeader& first, int frames) {
-        auto header = std::optional(first);
-        for (int found = 1;; ++found) {
-            if (found == frames) return true;
-            offset += header->size;
-            if (offset == data_.GetSize()) return true;
-            header = At(offset);
-            if (!header.has_value()) return found > 1 && offset + kHeader > data_.GetSize();
-            if (!Continues(*header, first)) return false;
-        }
-    }
-
     DataSource& data_;
     Bytes block_;
     std::uint64_t start_ = 0;
@@ -179,40 +184,20 @@ EncoderNote ReadNote(DataSource& data, std::uint64_t offset, const FrameHeader& 
 struct MpegStream {
     FrameHeader first;
     EncoderNote note;
-    std::uint64_t first_frame = 0; ///< that holds sound
+    std::uint64_t first_frame = 0;    ///< that holds sound
+    bool is_behind_something = false; ///< that is no tag
 };
 
-/// Whether the data begins as a file of another kind: those that hold streams in pieces may hold one of this
-/// kind, and frames of other streams are alike enough for a chain of headers to stand in them by chance.
-bool IsOtherStream(DataSource& data) {
-    constexpr std::array<OSType, 6> kMarks = {
-        0x1A45DFA3,    // Matroska
-        0x000001BA,    // MPEG program stream
-        0x3026B275,    // ASF
-        0x7FFE8001,    // DTS
-        Code("FLV\1"), //
-        Code("OggS"),  //
-    };
-    constexpr std::uint32_t kAc3Sync = 0x0B77;
-    constexpr std::size_t kTransportPacket = 188;
-    constexpr std::byte kTransportSync{0x47};
-    std::array<std::byte, 2 * kTransportPacket + 1> head{};
-    data.Read(0, head);
-    const OSType mark = BigEndian32(head, 0);
-    const bool is_transport = head[0] == kTransportSync && head[kTransportPacket] == kTransportSync &&
-                              head[2 * kTransportPacket] == kTransportSync;
-    const bool is_avi = mark == Code("RIFF") && BigEndian32(head, 8) == Code("AVI ");
-    return is_transport || is_avi || mark >> 16 == kAc3Sync ||
-           std::ranges::find(kMarks, mark) != kMarks.end();
-}
-
 std::optional<MpegStream> FindStream(DataSource& data) {
-    constexpr int kConvincing = 4; // frames: two stand in many files by chance
-    if (IsOtherStream(data)) return std::nullopt;
+    constexpr int kConvincing = 4; // two stand in many files by chance, and one at the end of some
     HeaderSource headers(data);
-    const auto offset = headers.Find(SkipTags(data), kConvincing);
+    const std::uint64_t start = SkipTags(data);
+    const auto offset = headers.Find(start, kConvincing);
     if (!offset.has_value()) return std::nullopt;
     MpegStream stream;
+    stream.is_behind_something = *offset != start;
+    if (stream.is_behind_something && headers.RowFrom(*offset, kConvincing).frames < kConvincing)
+        return std::nullopt;
     stream.first = *headers.At(*offset);
     stream.note = ReadNote(data, *offset, stream.first);
     stream.first_frame = *offset + (stream.note.present ? stream.first.size : 0);
@@ -262,6 +247,11 @@ OSType FormatOf(std::uint32_t layer) {
 Imported ImportMpegAudio(const ImportSource& source) {
     const auto stream = FindStream(*source.data);
     if (!stream.has_value()) return {};
+    if (stream->is_behind_something) { // files of many kinds hold such frames, or what looks like them
+        Imported other = ImportOther(source);
+        const bool is_mpeg_audio = other.importer == Code("MP3 ") || other.importer == Code("MPGA");
+        if (other.code == noErr && !is_mpeg_audio) return other;
+    }
     auto samples = std::make_shared<MediaSamples>();
     TimeValue length = 0;
     if (NoteHolds(*source.data, *stream)) {

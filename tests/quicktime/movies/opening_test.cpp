@@ -54,6 +54,9 @@ constexpr Format kFormats[] = {
     {"s.ts", "ffmpeg -i source.wav -c:a aac -f mpegts s.ts", "MPEG", "mp4a", 88 * 1024, false},
     {"s.mpg", "ffmpeg -i source.wav -c:a mp2 -f mpeg s.mpg", "MPEG", ".mp2", 77 * 1152, false},
     {"s.dts", "ffmpeg -i source.wav -strict -2 -c:a dca s.dts", "DTS ", "dts ", 173 * 512, false},
+    {"s64.nut", "ffmpeg -i source.wav -c:a pcm_s64le s64.nut", "NUT ", "pcm_", 88217, false},
+    {"streamed.wv", "ffmpeg -i source.wav -c:a wavpack -f gsm streamed.wv", "WV  ", "wavp", 88217,
+     false}, // 0 frames, it says
     {"fragments.m4a",
      "ffmpeg -i source.wav -c:a aac -movflags frag_keyframe+empty_moov -frag_duration 500000 fragments.m4a",
      "M4A ", "mp4a", 88217 + 1024, false},
@@ -133,6 +136,23 @@ INSTANTIATE_TEST_SUITE_P(Formats, Opening, testing::ValuesIn(kFormats), [](const
 });
 
 class OpeningOther : public MovieTest {};
+
+/// A frame of MPEG audio that ends with the data may stand there by chance; one that begins it doesn't.
+TEST_F(OpeningOther, TakesNoSingleFrameBehindOtherBytesForMpegAudio) {
+    ASSERT_TRUE(Run("sox -n -r 44100 -c 2 s.wav synth 1 noise && lame -t -b 128 s.wav s.mp3 && "
+                    "head -c 417 s.mp3 >one.mp3 && head -c 5000 /dev/zero | tr '\\0' x >noise && "
+                    "cat noise one.mp3 >behind.mp3 && cat noise s.mp3 >long.mp3"));
+    const qt::OwnedMovie one = Open("one.mp3");
+    ASSERT_NE(one, nullptr);
+    EXPECT_EQ(GetMovieDuration(one.get()), 1152);
+    const qt::DataReference behind = Reference("behind.mp3");
+    Movie none = nullptr;
+    EXPECT_EQ(NewMovieFromDataRef(&none, behind.handle.get(), behind.type), noMovieFound);
+    const qt::OwnedMovie whole = Open("s.mp3");
+    const qt::OwnedMovie longer = Open("long.mp3");
+    ASSERT_NE(longer, nullptr);
+    EXPECT_EQ(Exported(longer.get()), Exported(whole.get()));
+}
 
 TEST_F(OpeningOther, ReadsBlocksAnywhereAsOneRunOfSamples) {
     ASSERT_TRUE(Run(kMakeSource));
