@@ -7,37 +7,6 @@
 namespace qt {
 namespace {
 
-struct CodecOfFormat {
-    OSType format;
-    AVCodecID codec;
-};
-
-constexpr OSType WaveTag(std::uint16_t tag) {
-    return Code("ms\0\0") | tag;
-}
-
-constexpr std::array<CodecOfFormat, 19> kCodecs = {{
-    {Code("mp4a"), AV_CODEC_ID_AAC},
-    {Code(".mp3"), AV_CODEC_ID_MP3},
-    {WaveTag(0x55), AV_CODEC_ID_MP3},
-    {Code(".mp2"), AV_CODEC_ID_MP2},
-    {Code(".mp1"), AV_CODEC_ID_MP1},
-    {Code("alac"), AV_CODEC_ID_ALAC},
-    {Code("fLaC"), AV_CODEC_ID_FLAC},
-    {Code("Opus"), AV_CODEC_ID_OPUS},
-    {Code("ima4"), AV_CODEC_ID_ADPCM_IMA_QT},
-    {WaveTag(0x02), AV_CODEC_ID_ADPCM_MS},
-    {WaveTag(0x11), AV_CODEC_ID_ADPCM_IMA_WAV},
-    {WaveTag(0x31), AV_CODEC_ID_GSM_MS},
-    {Code("agsm"), AV_CODEC_ID_GSM},
-    {Code("samr"), AV_CODEC_ID_AMR_NB},
-    {Code("sawb"), AV_CODEC_ID_AMR_WB},
-    {Code("ac-3"), AV_CODEC_ID_AC3},
-    {Code("ec-3"), AV_CODEC_ID_EAC3},
-    {Code("MAC3"), AV_CODEC_ID_MACE3},
-    {Code("MAC6"), AV_CODEC_ID_MACE6},
-}};
-
 /// Codecs that 'mp4a' stands for besides AAC, by the object type of its set-up.
 constexpr std::array<std::pair<std::uint8_t, AVCodecID>, 5> kObjectTypes = {{
     {0x69, AV_CODEC_ID_MP3},
@@ -47,10 +16,17 @@ constexpr std::array<std::pair<std::uint8_t, AVCodecID>, 5> kObjectTypes = {{
     {0xDD, AV_CODEC_ID_VORBIS},
 }};
 
+/// What the library's tables for QuickTime and MPEG-4 files, and for tags of WAVE files, take a format for.
+AVCodecID CodecOf(OSType format) {
+    const AVCodecTag* const movie_tags[] = {avformat_get_mov_audio_tags(), nullptr};
+    const AVCodecTag* const wave_tags[] = {avformat_get_riff_audio_tags(), nullptr};
+    constexpr OSType kWave = Code("ms\0\0");
+    if ((format & 0xFFFF'0000) == kWave) return av_codec_get_id(wave_tags, format & 0xFFFF);
+    return av_codec_get_id(movie_tags, __builtin_bswap32(format));
+}
+
 const AVCodec* FindCodec(const DecoderSettings& settings) {
-    AVCodecID id = AV_CODEC_ID_NONE;
-    for (const CodecOfFormat& row : kCodecs)
-        if (row.format == settings.format) id = row.codec;
+    AVCodecID id = CodecOf(settings.format);
     for (const auto& [object_type, codec] : kObjectTypes)
         if (settings.format == Code("mp4a") && settings.object_type == object_type) id = codec;
     return avcodec_find_decoder(id);
@@ -143,7 +119,8 @@ std::unique_ptr<PacketDecoder> OpenDecoder(const DecoderSettings& settings) {
     context->sample_rate = static_cast<int>(settings.rate);
     av_channel_layout_default(&context->ch_layout, static_cast<int>(settings.channels));
     context->block_align = static_cast<int>(settings.packet_bytes);
-    context->bits_per_coded_sample = static_cast<int>(settings.bits);
+    const int own_bits = av_get_bits_per_sample(codec->id); // files state those of the decoded samples
+    context->bits_per_coded_sample = own_bits > 0 ? own_bits : static_cast<int>(settings.bits);
     context->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL; // which frames are lead-in is known outside
     if (!settings.setup.empty()) {
         context->extradata =

@@ -57,6 +57,7 @@ public:
             if (const OSErr code = DecodeNext(); code != noErr) return code == eofErr ? badFileFormat : code;
         if (decoded_.empty() || decoder_->Channels() == 0 || decoder_->Rate() == 0) return badFileFormat;
         layout_ = FloatLayout(decoder_->Channels(), decoder_->Rate());
+        decoded_.insert(decoded_.begin(), ValuesOf(silent_), 0.0F);
         first_frame_ = Scale(samples_->lead_in, layout_.rate, scale_);
         return noErr;
     }
@@ -118,6 +119,7 @@ private:
         packet_ = packet;
         decoder_->Reset();
         at_end_ = false;
+        is_first_ = true;
         decoded_.clear();
         used_ = 0;
         const SampleRun& from = samples_->runs[run_];
@@ -125,7 +127,14 @@ private:
         return noErr;
     }
 
-    /// Decodes one packet. A damaged one is silence of its length, so that what follows keeps its place.
+    /// Values of so much time, but a second at most.
+    [[nodiscard]] std::size_t ValuesOf(TimeValue duration) const {
+        const auto frames = std::min<TimeValue>(Scale(duration, layout_.rate, scale_), layout_.rate);
+        return static_cast<std::size_t>(frames) * layout_.channels;
+    }
+
+    /// Decodes one packet. A damaged one is silence of its length, so that what follows keeps its place; so
+    /// is the first one where each overlaps with the one before.
     OSErr DecodeNext() {
         decoded_.clear();
         used_ = 0;
@@ -150,11 +159,11 @@ private:
             return noErr;
         }
         const bool good = decoder_->Decode(bytes_, decoded_);
-        if (!good && decoded_.empty() && layout_.channels > 0) {
-            const TimeValue frames =
-                std::min<TimeValue>(Scale(run.duration, layout_.rate, scale_), layout_.rate);
-            decoded_.resize(static_cast<std::size_t>(frames) * layout_.channels);
+        if (decoded_.empty() && (!good || is_first_)) {
+            decoded_.resize(ValuesOf(run.duration));
+            if (layout_.channels == 0) silent_ += run.duration;
         }
+        is_first_ = false;
         const bool changed = layout_.channels > 0 && decoder_->Channels() != layout_.channels;
         if (changed) decoded_.resize(decoded_.size() / layout_.channels * layout_.channels);
         return noErr;
@@ -171,6 +180,8 @@ private:
     std::size_t run_ = 0; ///< the packet to decode next
     std::uint64_t packet_ = 0;
     bool at_end_ = false;
+    bool is_first_ = true; ///< of those that the decoder gets one behind the other
+    TimeValue silent_ = 0; ///< of packets before the layout was known
 };
 
 /// Set-up bytes in the form that the decoder of the format takes.
@@ -192,7 +203,7 @@ std::span<const std::byte> SetupOf(const SoundFormat& format, StreamSetup& strea
         made.insert(made.end(), opus.begin() + 10, opus.end());
         return made;
     }
-    return {};
+    return FindExtension(format.extensions, Code("glbl"));
 }
 
 OpenedReader OpenPacketReader(const MediaRecord& media) {
