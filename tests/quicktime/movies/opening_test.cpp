@@ -95,6 +95,7 @@ bool IsLoaded(const std::string& library) {
 
 TEST_P(Opening, ReportsTheFormatAndGivesTheSamplesThatOthersDecode) {
     const Format& format = GetParam();
+    const bool was_loaded = IsLoaded("libavcodec"); // by another test in this process
     const qt::DataReference reference = Reference(format.file);
     OSType importer = 0;
     ASSERT_EQ(GetMovieImporterForDataRef(reference.type, reference.handle.get(), &importer), noErr);
@@ -113,7 +114,7 @@ TEST_P(Opening, ReportsTheFormatAndGivesTheSamplesThatOthersDecode) {
     EXPECT_EQ(sound->rate, 44100);
 
     const std::vector<std::int16_t> samples = Exported(movie.get());
-    EXPECT_EQ(IsLoaded("libavcodec"), !format.uncompressed);
+    EXPECT_EQ(IsLoaded("libavcodec"), was_loaded || !format.uncompressed);
     std::vector<std::int16_t> expected = format.uncompressed && std::string(format.file) != "s.mov"
                                              ? DecodedBySox(format.file)
                                              : DecodedByFfmpeg(format.file);
