@@ -25,6 +25,28 @@ void Decode(const qt::ImageCodec& codec, qt::DataSource& source) {
     Require(IsKnown(codec.decode(source, facts.image_count, last)));
 }
 
+/// Parts from the first pixel, from the middle and to the last one, each coarser than the one before.
+void DecodeParts(const qt::ImageCodec& codec, qt::DataSource& source) {
+    qt::ImageFacts facts;
+    if (codec.decode_part == nullptr || codec.read_facts(source, facts) != noErr) return;
+    const std::int16_t width = facts.description.width;
+    const std::int16_t height = facts.description.height;
+    if (width > kLargest || height > kLargest) return;
+    const auto half = [](std::int16_t length) { return static_cast<std::int16_t>(length / 2); };
+    std::int32_t reduction = 1;
+    for (const Rect& part : {Rect{0, 0, height, 1}, Rect{half(height), half(width), height, width},
+                             Rect{0, half(width), 1, width}, Rect{0, 0, height, width}}) {
+        qt::DecodedPart out;
+        const ComponentResult code = codec.decode_part(source, 1, part, reduction, out);
+        Require(IsKnown(code));
+        const bool covers = out.left <= part.left && out.top <= part.top &&
+                            out.left + out.image.width() * out.reduction >= part.right &&
+                            out.top + out.image.height() * out.reduction >= part.bottom;
+        Require(code != noErr || (covers && out.reduction <= reduction));
+        reduction *= 2;
+    }
+}
+
 } // namespace
 
 // Any data gives pixels or a code, and pixels of the size that its header tells. Built for each codec that
@@ -34,6 +56,9 @@ void Fuzz(std::string_view input) {
 #ifdef FUZZED_CODEC
     Decode(qt::FUZZED_CODEC, *source);
 #else
-    for (const qt::ImageCodec* codec : qt::ImageCodecs()) Decode(*codec, *source);
+    for (const qt::ImageCodec* codec : qt::ImageCodecs()) {
+        Decode(*codec, *source);
+        DecodeParts(*codec, *source);
+    }
 #endif
 }

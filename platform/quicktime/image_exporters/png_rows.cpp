@@ -83,16 +83,19 @@ struct Filters {
     std::size_t unit; ///< bytes a pixel
 
     void Sub(const std::uint8_t* row, std::uint8_t* out) const {
-        for (std::size_t i = 0; i < size; ++i) out[i] = static_cast<std::uint8_t>(row[i] - row[i - unit]);
+        const std::uint8_t* left = row - unit;
+        for (std::size_t i = 0; i < size; ++i) out[i] = static_cast<std::uint8_t>(row[i] - left[i]);
     }
     void Up(const std::uint8_t* row, const std::uint8_t* above, std::uint8_t* out) const {
         for (std::size_t i = 0; i < size; ++i) out[i] = static_cast<std::uint8_t>(row[i] - above[i]);
     }
     void Paeth(const std::uint8_t* row, const std::uint8_t* above, std::uint8_t* out) const {
+        const std::uint8_t* left = row - unit;
+        const std::uint8_t* left_above = above - unit;
         for (std::size_t i = 0; i < size; ++i) {
-            const int a = row[i - unit];
+            const int a = left[i];
             const int b = above[i];
-            const int c = above[i - unit];
+            const int c = left_above[i];
             const int to_a = std::abs(b - c);
             const int to_b = std::abs(a - c);
             const int to_c = std::abs(a + b - 2 * c);

@@ -127,10 +127,12 @@ private:
     }
 
     static DescriptionReferences ReadDescriptions(std::span<const std::byte> atom, MediaRecord& media) {
+        constexpr std::size_t kLeastBytes = 16; // up to the number of its data reference
         DescriptionReferences references;
         for (AtomWalk walk(Tail(atom, 8)); walk.Next() && references.size() < kMostReferences;) {
             // A description is an atom whose type is the data format; it is kept with its header.
             const auto whole = walk.Whole();
+            if (whole.size() < kLeastBytes) break;
             Bytes description(whole.begin(), whole.end());
             if (media.type == Code("soun")) {
                 auto sound = SoundDescriptionFromFile(whole, static_cast<std::uint32_t>(media.time_scale));
