@@ -5,17 +5,15 @@
 #include "platform/quicktime/movies/sound_description.h"
 #include "platform/quicktime/movies/sound_renderer.h"
 
-/// Reads first samples, what their description tells, and some of the sound, unless that needs the sound
-/// module.
+/// Reads first samples, what their description tells, and some of the sound.
 inline void UseMedia(Media media) {
     const qt::MemoryHandle data(NewHandle(0));
     const qt::MemoryHandle description(NewHandle(0));
     std::int64_t samples = 0;
     GetMediaSample(media, 0, 1000, data.get(), description.get(), &samples);
-    const bool readable = media->samples->open_decoder || qt::LayoutOf(qt::HandleBytes(description.get()));
     QTSoundDescriptionGetProperty(description.get(), qt::Code("sdes"), qt::Code("asbd"), data.get());
     QTSoundDescriptionConvertToV1(description.get(), data.get());
-    if (!readable || GetMediaType(media) != qt::Code("soun")) return;
+    if (GetMediaType(media) != qt::Code("soun")) return;
     std::unique_ptr<qt::SoundRenderer> renderer;
     const qt::PcmLayout layout = {qt::SampleEncoding::kSigned16, false, 2,
                                   static_cast<std::uint32_t>(GetMediaTimeScale(media))}; // no resampler
