@@ -1,6 +1,8 @@
 #include "fuzz/fuzz_target.h"
 #include "platform/quicktime/image_codecs/codec.h"
 
+#include <array>
+
 namespace {
 
 constexpr int kLargest = 512; ///< pixels either way: more only takes time
@@ -54,11 +56,12 @@ void DecodeParts(const qt::ImageCodec& codec, qt::DataSource& source) {
 void Fuzz(std::string_view input) {
     const auto source = qt::MemorySource(std::as_bytes(std::span(input)));
 #ifdef FUZZED_CODEC
-    Decode(qt::FUZZED_CODEC, *source);
+    const std::array codecs = {&qt::FUZZED_CODEC};
 #else
-    for (const qt::ImageCodec* codec : qt::ImageCodecs()) {
+    const std::span<const qt::ImageCodec* const> codecs = qt::ImageCodecs();
+#endif
+    for (const qt::ImageCodec* codec : codecs) {
         Decode(*codec, *source);
         DecodeParts(*codec, *source);
     }
-#endif
 }
