@@ -25,9 +25,9 @@ void Fuzz(std::string_view input) {
     const auto again = qt::EffectSettingsFromXml(xml);
     Require(again && qt::EffectSettingsToXml(*again) == xml);
 
-    static const qt::PixelImage kFirst = MadeImage(11, 7);
-    static const qt::PixelImage kSecond = MadeImage(5, 9);
+    static const qt::PixelImage first = MadeImage(11, 7);
+    static const qt::PixelImage second = MadeImage(5, 9);
     qt::PixelImage out;
-    Require(qt::RenderEffect(settings, kFirst, &kSecond, out) == noErr);
-    Require(out.width() == kFirst.width() && out.height() == kFirst.height());
+    Require(qt::RenderEffect(settings, first, &second, out) == noErr);
+    Require(out.width() == first.width() && out.height() == first.height());
 }

@@ -28,16 +28,16 @@ bool HasFewSamples(const qt::MovieRecord& movie) {
 
 /// A movie that can be written is the same one when it is read again.
 void Write(const qt::MovieRecord& movie) {
-    static const std::string kPath = [] {
+    static const std::string path = [] {
         std::string folder = "/tmp/movie_atoms_fuzzer.XXXXXX";
         Require(mkdtemp(folder.data()) != nullptr);
         return folder + "/movie.mov";
     }();
     qt::StorageFile file;
-    Require(file.Create(kPath, true) == noErr);
+    Require(file.Create(path, true) == noErr);
     if (qt::WriteMovie(movie, file, qt::ForeignSamples::kCopy) != noErr) return;
-    const std::shared_ptr<qt::DataSource> written = qt::OpenFileSource(kPath).source;
-    const qt::ReadMovie again = qt::ReadMovieFile(written, qt::MemoryReference(), kPath);
+    const std::shared_ptr<qt::DataSource> written = qt::OpenFileSource(path).source;
+    const qt::ReadMovie again = qt::ReadMovieFile(written, qt::MemoryReference(), path);
     Require(again.movie != nullptr);
 }
 

@@ -73,7 +73,7 @@ std::uint32_t LabColours::PixelOf(std::uint32_t l, std::uint32_t a, std::uint32_
         const auto step = static_cast<std::size_t>(place);
         const float below = companded_[step];
         const float value = below + (companded_[step + 1] - below) * (place - static_cast<float>(step));
-        return std::min(static_cast<std::uint32_t>(value + 0.5F), 255U);
+        return static_cast<std::uint32_t>(std::lround(value));
     };
     return Pixel(byte(linear_from_xyz_[0]), byte(linear_from_xyz_[1]), byte(linear_from_xyz_[2]));
 }
