@@ -5,6 +5,9 @@
 #include "platform/quicktime/graphics_exporter.h"
 #include "plugin/results.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace corvane {
 namespace {
 
@@ -43,7 +46,10 @@ void AddResize(PendingTransform& pending, const Rect& part) {
     } else if (pending.resize.right == 0) {
         across = down;
     }
-    const auto fixed = [](float value) { return static_cast<Fixed>(value * 65'536.0F); };
+    const auto fixed = [](float value) {
+        constexpr double kLargest = std::numeric_limits<Fixed>::max(); // a crop of -1 pixel goes beyond it
+        return static_cast<Fixed>(std::clamp(value * 65'536.0, -kLargest, kLargest));
+    };
     ScaleMatrix(&pending.matrix, fixed(across), fixed(down), 0, 0);
 }
 
