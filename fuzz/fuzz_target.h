@@ -1,9 +1,11 @@
 // The entry point of a fuzz target. Each target defines Fuzz.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <string_view>
 
 /// Uses the input in every way that it can reach; Require what has to be true of it.
@@ -11,6 +13,16 @@ void Fuzz(std::string_view);
 
 inline void Require(bool holds) {
     if (!holds) std::abort();
+}
+
+/// Takes the bytes in front as a value; what is missing is 0.
+template <class Value>
+Value Take(std::string_view& input) {
+    Value value{};
+    const std::size_t size = std::min(input.size(), sizeof value);
+    std::memcpy(static_cast<void*>(&value), input.data(), size);
+    input.remove_prefix(size);
+    return value;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

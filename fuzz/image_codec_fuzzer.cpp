@@ -12,28 +12,9 @@ bool IsKnown(ComponentResult code) {
            code == memFullErr;
 }
 
-void Decode(const qt::ImageCodec& codec, qt::DataSource& source) {
-    qt::ImageFacts facts;
-    const ComponentResult described = codec.read_facts(source, facts);
-    Require(IsKnown(described));
-    if (described != noErr || facts.description.width > kLargest || facts.description.height > kLargest)
-        return;
-    qt::PixelImage first;
-    const ComponentResult decoded = codec.decode(source, 1, first);
-    Require(IsKnown(decoded));
-    const bool fits = first.width() == facts.description.width && first.height() == facts.description.height;
-    Require(decoded != noErr || fits);
-    qt::PixelImage last;
-    Require(IsKnown(codec.decode(source, facts.image_count, last)));
-}
-
 /// Parts from the first pixel, from the middle and to the last one, each coarser than the one before.
-void DecodeParts(const qt::ImageCodec& codec, qt::DataSource& source) {
-    qt::ImageFacts facts;
-    if (codec.decode_part == nullptr || codec.read_facts(source, facts) != noErr) return;
-    const std::int16_t width = facts.description.width;
-    const std::int16_t height = facts.description.height;
-    if (width > kLargest || height > kLargest) return;
+void DecodeParts(const qt::ImageCodec& codec, qt::DataSource& source, std::int16_t width,
+                 std::int16_t height) {
     const auto half = [](std::int16_t length) { return static_cast<std::int16_t>(length / 2); };
     std::int32_t reduction = 1;
     for (const Rect& part : {Rect{0, 0, height, 1}, Rect{half(height), half(width), height, width},
@@ -49,6 +30,21 @@ void DecodeParts(const qt::ImageCodec& codec, qt::DataSource& source) {
     }
 }
 
+void Decode(const qt::ImageCodec& codec, qt::DataSource& source) {
+    qt::ImageFacts facts;
+    const ComponentResult described = codec.read_facts(source, facts);
+    Require(IsKnown(described));
+    const auto [width, height] = std::pair(facts.description.width, facts.description.height);
+    if (described != noErr || width > kLargest || height > kLargest) return;
+    qt::PixelImage first;
+    const ComponentResult decoded = codec.decode(source, 1, first);
+    Require(IsKnown(decoded));
+    Require(decoded != noErr || (first.width() == width && first.height() == height));
+    qt::PixelImage last;
+    Require(IsKnown(codec.decode(source, facts.image_count, last)));
+    if (codec.decode_part != nullptr) DecodeParts(codec, source, width, height);
+}
+
 } // namespace
 
 // Any data gives pixels or a code, and pixels of the size that its header tells. Built for each codec that
@@ -60,8 +56,5 @@ void Fuzz(std::string_view input) {
 #else
     const std::span<const qt::ImageCodec* const> codecs = qt::ImageCodecs();
 #endif
-    for (const qt::ImageCodec* codec : codecs) {
-        Decode(*codec, *source);
-        DecodeParts(*codec, *source);
-    }
+    for (const qt::ImageCodec* codec : codecs) Decode(*codec, *source);
 }

@@ -2,7 +2,6 @@
 #include "platform/quicktime/image_codecs/codec.h"
 #include "platform/quicktime/image_exporters/exporter.h"
 
-#include <algorithm>
 #include <array>
 
 namespace {
@@ -15,10 +14,7 @@ struct Request {
 
 /// What the first bytes ask for; the others are the pixels, over and over.
 Request RequestOf(std::string_view input) {
-    constexpr std::size_t kHeader = 10;
-    std::array<std::uint8_t, kHeader> header{};
-    std::copy_n(input.begin(), std::min(input.size(), kHeader), header.begin());
-    input.remove_prefix(std::min(input.size(), kHeader));
+    const auto header = Take<std::array<std::uint8_t, 10>>(input);
     constexpr std::array kDepths = {1, 2, 4, 8, 16, 24, 32, 33, 34, 36, 40};
     constexpr std::array kMethods = {0, 1, 5, 8, 32'773};
     Request request;

@@ -5,10 +5,7 @@
 #include "platform/quicktime/movies/movie_atoms.h"
 #include "platform/quicktime/movies/movie_writer.h"
 #include "platform/quicktime/movies/reference_movies.h"
-
-#include <algorithm>
-#include <string>
-#include <unistd.h>
+#include "tests/support/files.h"
 
 namespace {
 
@@ -28,11 +25,8 @@ bool HasFewSamples(const qt::MovieRecord& movie) {
 
 /// A movie that can be written is the same one when it is read again.
 void Write(const qt::MovieRecord& movie) {
-    static const std::string path = [] {
-        std::string folder = "/tmp/movie_atoms_fuzzer.XXXXXX";
-        Require(mkdtemp(folder.data()) != nullptr);
-        return folder + "/movie.mov";
-    }();
+    static const corvane::test::ScratchFolder folder;
+    const std::string path = folder.Path() + "/movie.mov";
     qt::StorageFile file;
     Require(file.Create(path, true) == noErr);
     if (qt::WriteMovie(movie, file, qt::ForeignSamples::kCopy) != noErr) return;

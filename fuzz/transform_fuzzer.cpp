@@ -2,22 +2,11 @@
 #include "platform/quicktime/transform_draw.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
 
 constexpr std::int32_t kWidth = 13;
 constexpr std::int32_t kHeight = 9;
-
-/// The bytes in front as a value; what is missing is 0.
-template <class Value>
-Value Take(std::string_view& input) {
-    Value value{};
-    const std::size_t size = std::min(input.size(), sizeof value);
-    std::memcpy(static_cast<void*>(&value), input.data(), size);
-    input.remove_prefix(size);
-    return value;
-}
 
 qt::DecodedPart MadePart(const Rect& part) {
     qt::DecodedPart made;

@@ -5,8 +5,7 @@
 #include "platform/quicktime/graphics_exporter.h"
 #include "plugin/results.h"
 
-#include <algorithm>
-#include <limits>
+#include <cmath>
 
 namespace corvane {
 namespace {
@@ -46,10 +45,7 @@ void AddResize(PendingTransform& pending, const Rect& part) {
     } else if (pending.resize.right == 0) {
         across = down;
     }
-    const auto fixed = [](float value) {
-        constexpr double kLargest = std::numeric_limits<Fixed>::max(); // a crop of -1 pixel goes beyond it
-        return static_cast<Fixed>(std::clamp(value * 65'536.0, -kLargest, kLargest));
-    };
+    const auto fixed = [](float value) { return X2Fix(std::trunc(value * 65'536.0) / 65'536.0); }; // cut
     ScaleMatrix(&pending.matrix, fixed(across), fixed(down), 0, 0);
 }
 

@@ -45,9 +45,9 @@ void Store(const WideMatrix& elements, int shift, MatrixRecord& matrix) {
 
 /// Follows with a mapping whose point (0, 0) is moved to the given one.
 void ConcatAbout(MatrixRecord next, Fixed x, Fixed y, MatrixRecord* matrix) {
-    constexpr Fixed kLargest = std::numeric_limits<Fixed>::max(); // the least number has no opposite
-    const auto negative = [](Fixed value) { return -std::max(value, -kLargest); };
     if (x != 0 || y != 0) {
+        constexpr Fixed kLargest = std::numeric_limits<Fixed>::max(); // the least number has no opposite
+        const auto negative = [](Fixed value) { return -std::max(value, -kLargest); };
         MatrixRecord away = kIdentityMatrix;
         away.matrix[2] = {negative(x), negative(y), kOneFraction};
         MatrixRecord back = kIdentityMatrix;

@@ -39,13 +39,24 @@ float Companded(double linear) {
     return static_cast<float>(value * 255.0);
 }
 
+/// Values of 0 to 255 for steps of linear light, and one behind them.
+const std::array<float, kSteps + 2>& CompandedSteps() {
+    static const auto kTable = [] {
+        std::array<float, kSteps + 2> table{};
+        for (std::size_t step = 0; step < table.size(); ++step)
+            table[step] = Companded(static_cast<double>(step) / kSteps);
+        return table;
+    }();
+    return kTable;
+}
+
 double Unfolded(double f) {
     return f > 6.0 / 29.0 ? f * f * f : (f - 16.0 / 116.0) * 108.0 / 841.0;
 }
 
 } // namespace
 
-LabColours::LabColours(double x, double y) : companded_(kSteps + 2) {
+LabColours::LabColours(double x, double y) {
     const bool is_light = x > 0.1 && y > 0.1 && x + y < 0.9;
     const Vector white = is_light ? WhiteAt(x, y) : WhiteAt(0.34567, 0.35850);
     const Vector given = Product(kBradford, white);
@@ -58,21 +69,19 @@ LabColours::LabColours(double x, double y) : companded_(kSteps + 2) {
         const Vector linear = Product(kSrgbFromXyz, Product(kFromBradford, cones));
         for (std::size_t row = 0; row < 3; ++row) linear_from_xyz_[row][column] = linear[row];
     }
-    for (std::size_t step = 0; step < companded_.size(); ++step) {
-        companded_[step] = Companded(static_cast<double>(step) / kSteps);
-    }
 }
 
 std::uint32_t LabColours::PixelOf(std::uint32_t l, std::uint32_t a, std::uint32_t b) const {
     const double fy = (l * 100.0 / 255.0 + 16.0) / 116.0;
     const Vector xyz = {Unfolded(fy + (static_cast<double>(a) - 128.0) / 500.0), Unfolded(fy),
                         Unfolded(fy - (static_cast<double>(b) - 128.0) / 200.0)};
+    const auto& companded = CompandedSteps();
     const auto byte = [&](const Vector& row) {
         const double linear = row[0] * xyz[0] + row[1] * xyz[1] + row[2] * xyz[2];
         const auto place = static_cast<float>(std::clamp(linear, 0.0, 1.0) * kSteps);
         const auto step = static_cast<std::size_t>(place);
-        const float below = companded_[step];
-        const float value = below + (companded_[step + 1] - below) * (place - static_cast<float>(step));
+        const float below = companded[step];
+        const float value = below + (companded[step + 1] - below) * (place - static_cast<float>(step));
         return static_cast<std::uint32_t>(std::lround(value));
     };
     return Pixel(byte(linear_from_xyz_[0]), byte(linear_from_xyz_[1]), byte(linear_from_xyz_[2]));

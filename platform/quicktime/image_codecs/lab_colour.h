@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstdint>
-#include <vector>
 
 namespace qt {
 
@@ -19,7 +18,6 @@ public:
 
 private:
     std::array<std::array<double, 3>, 3> linear_from_xyz_; ///< X and Z as parts of the white's
-    std::vector<float> companded_;                         ///< 0 to 255 for steps of linear light
 };
 
 } // namespace qt

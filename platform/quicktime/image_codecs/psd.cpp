@@ -2,15 +2,14 @@
 //
 // A document with transparency is merged onto white, and its colours are as seen there; other programs store
 // the colours themselves. The pixels tell: none that was laid on white is darker than what shines through.
-#include "platform/quicktime/image_codecs/lab_colour.h"
 #include "platform/quicktime/image_codecs/psd_header.h"
 
+#include "platform/quicktime/image_codecs/lab_colour.h"
 #include "platform/quicktime/image_codecs/metadata_items.h"
 #include "platform/quicktime/image_codecs/psd_channels.h"
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 
 namespace qt {
 namespace {

@@ -105,12 +105,10 @@ ComponentResult ReadTiffLayout(TIFF* tiff, TiffLayout& layout) {
     layout.is_float = format == SAMPLEFORMAT_IEEEFP;
     layout.has_planes = planes == PLANARCONFIG_SEPARATE && layout.samples > 1;
     layout.colours = IsJpegYCbCr(layout) ? 3 : ColoursOf(layout.photometric);
-    layout.is_signed = layout.photometric == PHOTOMETRIC_CIELAB;
-    layout.is_lab = layout.is_signed || layout.photometric == PHOTOMETRIC_ICCLAB;
     const bool has_known_samples =
-        layout.is_float ? layout.bits == 16 || layout.bits == 32 || layout.bits == 64
-        : layout.is_lab ? layout.bits == 8 || layout.bits == 16
-                        : format != SAMPLEFORMAT_INT && (layout.bits <= 16 || layout.bits == 32);
+        layout.is_float  ? layout.bits == 16 || layout.bits == 32 || layout.bits == 64
+        : layout.IsLab() ? layout.bits == 8 || layout.bits == 16
+                         : format != SAMPLEFORMAT_INT && (layout.bits <= 16 || layout.bits == 32);
     const bool has_palette_entry =
         layout.photometric != PHOTOMETRIC_PALETTE || (layout.bits <= 16 && !layout.is_float);
     if (layout.colours > 0 && has_known_samples && has_palette_entry && layout.bits > 0 &&

@@ -58,11 +58,12 @@ struct TiffLayout {
     std::uint16_t colours = 1; ///< samples of a pixel that make its colour
     bool has_alpha = false;
     bool is_multiplied = false; ///< the colours, with the alpha
-    /// In CIE L*a*b*; `is_signed`: a and b are around 0, not around the middle of their range.
-    bool is_lab = false;
-    bool is_signed = false;
     /// The library converts the image to RGB, as its samples are none of the colours known here.
     bool is_converted = false;
+
+    /// a and b around 0; else, where it is L*a*b* at all, around the middle of their range.
+    [[nodiscard]] bool IsSignedLab() const { return photometric == PHOTOMETRIC_CIELAB; }
+    [[nodiscard]] bool IsLab() const { return IsSignedLab() || photometric == PHOTOMETRIC_ICCLAB; }
 };
 
 /// The layout of the image at which the file stands; codecBadDataErr for one that can't be decoded.

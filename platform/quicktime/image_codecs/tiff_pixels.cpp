@@ -46,7 +46,7 @@ public:
         const bool is_palette = layout.photometric == PHOTOMETRIC_PALETTE;
         const std::size_t count = layout.bits <= 16 ? std::size_t{1} << layout.bits : 0;
         if (layout.bits <= 8 || is_palette) TakeColours(tiff, count);
-        if (layout.is_lab) {
+        if (layout.IsLab()) {
             const float* white = nullptr;
             g_tiff->GetField(tiff, TIFFTAG_WHITEPOINT, &white);
             if (white == nullptr) {
@@ -69,11 +69,12 @@ public:
     void Paint(const std::byte* row, std::int32_t count, std::uint32_t* pixels) const {
         const unsigned bits = layout_.bits;
         const bool has_narrow_bits = bits == 1 || bits == 2 || bits == 4 || bits == 8;
+        const bool is_rgb = layout_.colours == 3 && bits == 8 && !lab_;
         if (layout_.colours == 1 && layout_.samples == 1 && has_narrow_bits) {
             PixelsFromIndices(row, bits, narrow_palette_, count, pixels);
-        } else if (layout_.colours == 3 && layout_.samples == 3 && bits == 8 && !lab_) {
+        } else if (is_rgb && layout_.samples == 3) {
             PixelsFromRgb(row, count, pixels);
-        } else if (layout_.colours == 3 && layout_.samples == 4 && bits == 8 && !lab_) {
+        } else if (is_rgb && layout_.samples == 4) {
             PaintRgba(row, count, pixels);
         } else {
             for (std::uint16_t sample = 0; sample < StoredSamples(); ++sample) {
@@ -194,7 +195,7 @@ private:
             place([&] { return NumberSample(row, at, sample); });
         } else if (layout_.bits == 32) {
             place([&] { return WideInteger(row, at); });
-        } else if (layout_.is_signed && (sample == 1 || sample == 2)) {
+        } else if (layout_.IsSignedLab() && (sample == 1 || sample == 2)) {
             const std::uint32_t sign = 1U << (layout_.bits - 1);
             place([&] { return Scaled(SampleAt(row, at, layout_.bits) ^ sign); });
         } else if (layout_.bits == 8) {
