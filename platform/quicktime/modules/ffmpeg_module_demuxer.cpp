@@ -206,13 +206,9 @@ private:
         const bool estimated = format_->duration_estimation_method != AVFMT_DURATION_FROM_STREAM;
         const bool counted = stream.duration > 0 && !estimated; // writers leave 0 where they can't go back
         if (counted && (facts_.has_video || av_cmp_q(stream.time_base, frame) <= 0)) {
-            facts_.frames = std::max<std::int64_t>(0, av_rescale_q(stream.duration, stream.time_base, frame));
-            return true;
-        }
-        if (facts_.has_video && format_->duration != AV_NOPTS_VALUE) {
-            facts_.frames =
-                std::max<std::int64_t>(0, av_rescale(format_->duration, decoder_->sample_rate, AV_TIME_BASE));
-            return true;
+            if (TakeClaim(av_rescale_q(stream.duration, stream.time_base, frame))) return true;
+        } else if (facts_.has_video && format_->duration != AV_NOPTS_VALUE) {
+            if (TakeClaim(av_rescale(format_->duration, decoder_->sample_rate, AV_TIME_BASE))) return true;
         }
         if (estimated && stream.codecpar->frame_size > 0) {
             AddUpPackets();
@@ -224,6 +220,13 @@ private:
             facts_.frames = std::min(facts_.frames, most);
         }
         return OpenStream();
+    }
+
+    /// False for a number of frames that the file can't hold.
+    bool TakeClaim(std::int64_t frames) {
+        if (!CanHoldFrames(data_->GetSize(), frames)) return false;
+        facts_.frames = std::max<std::int64_t>(0, frames);
+        return true;
     }
 
     /// Music of game machines may play on for ever: its players end it after this time.

@@ -36,6 +36,13 @@ constexpr PcmLayout FloatLayout(std::uint32_t channels, std::uint32_t rate) {
     return {SampleEncoding::kFloat32, false, channels, rate};
 }
 
+/// Whether compressed sound can have so many frames in so many bytes. A header that claims more is wrong, or
+/// says in its way that it doesn't know. FLAC's 65,535 frames of silence in ten bytes are the most of all codecs.
+constexpr bool CanHoldFrames(std::uint64_t bytes, std::int64_t frames) {
+    constexpr std::int64_t kMostFramesInAByte = 8'192;
+    return frames / kMostFramesInAByte <= static_cast<std::int64_t>(bytes);
+}
+
 /// Samples as floats, full scale being 1. Integers of up to 24 bits come through exactly. `bytes` holds as
 /// many samples as `samples` has room for; the layout's channels don't matter.
 void SamplesToFloat(const PcmLayout& layout, std::span<const std::byte> bytes, std::span<float> samples);

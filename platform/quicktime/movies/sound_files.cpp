@@ -231,17 +231,19 @@ Imported ImportSoundFile(const ImportSource& source) {
     const SF_INFO& info = file.Info();
     const bool usable = type != nullptr && info.channels > 0 && info.channels <= 256 && info.samplerate > 0 &&
                         info.frames >= 0;
-    if (!usable) { // a sound inside that this library does not know
+    const auto layout = usable ? RawLayout(info, *type) : std::nullopt;
+    const std::uint64_t size = source.data->GetSize();
+    // A sound inside that this library does not know, or FLAC from a stream: its length is for others to
+    // find.
+    if (!usable || (!layout.has_value() && !CanHoldFrames(size, info.frames))) {
         Imported other = ImportOther(source);
         if (other.code == noMovieFound) other.code = badFileFormat;
         return other;
     }
     auto samples = std::make_shared<MediaSamples>();
     samples->duration = info.frames;
-    const auto layout = RawLayout(info, *type);
     const auto first = layout.has_value() ? file.FirstSample() : std::nullopt;
     if (first.has_value()) {
-        const std::uint64_t size = source.data->GetSize();
         const std::uint64_t there = *first < size ? (size - *first) / layout->FrameBytes() : 0;
         SampleRun run;
         run.offset = *first;
@@ -251,7 +253,7 @@ Imported ImportSoundFile(const ImportSource& source) {
         samples->duration = static_cast<TimeValue>(run.count);
         samples->descriptions.push_back(DescribePcm(*layout));
     } else {
-        samples->descriptions.push_back(DescribeCompressed(CodedSound(info, *type, source.data->GetSize())));
+        samples->descriptions.push_back(DescribeCompressed(CodedSound(info, *type, size)));
         samples->open_decoder = [data = source.data] { return OpenSoundFileReader(data); };
         AddWholeFileRun(source, *samples);
     }

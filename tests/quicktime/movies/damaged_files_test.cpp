@@ -122,6 +122,11 @@ TEST_F(DamagedFiles, HeadersThatClaimMoreThanThereIs) {
         none.replace(field, size, size, '\0');
         EXPECT_EQ(OpeningCode("none.wav", none), badFileFormat);
     }
+    ASSERT_TRUE(Run("sox s.wav s.flac"));
+    std::string flac = ReadBytes(Path("s.flac"));
+    flac.replace(21, 2, "\xF7\xFF"); // of the 36 bits that count the frames
+    WriteBytes(Path("claims.flac"), flac);
+    EXPECT_EQ(GetMovieDuration(Open("claims.flac").get()), 1000);
     ASSERT_TRUE(Run("sox -r 44100 -n -c 2 -b 16 empty.wav trim 0 0"));
     const qt::OwnedMovie empty = Open("empty.wav");
     EXPECT_EQ(GetMovieDuration(empty.get()), 0);

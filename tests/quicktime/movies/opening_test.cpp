@@ -60,6 +60,7 @@ constexpr Format kFormats[] = {
     {"s64.nut", "ffmpeg -i source.wav -c:a pcm_s64le s64.nut", "NUT ", "pcm_", 88217, false},
     {"streamed.wv", "ffmpeg -i source.wav -c:a wavpack -f gsm streamed.wv", "WV  ", "wavp", 88217,
      false}, // 0 frames, it says
+    {"streamed.flac", "ffmpeg -i source.wav -f flac - | cat >streamed.flac", "FLAC", "fLaC", 88217, false},
     {"fragments.m4a",
      "ffmpeg -i source.wav -c:a aac -movflags frag_keyframe+empty_moov -frag_duration 500000 fragments.m4a",
      "M4A ", "mp4a", 88217 + 1024, false},
