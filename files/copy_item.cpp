@@ -24,10 +24,7 @@ void CompleteTargetName(const FM_DataVect& parameters, XFileSpec& target) {
     ResolvePathParameter(parameters, 0, source);
     const std::string_view extension = ExtensionOf(source.GetName());
     if (extension.empty() || !ExtensionOf(target.GetName()).empty()) return;
-    const std::string name = target.GetName() + "." + std::string(extension);
-    target.MoveToParent();
-    const XFileSpec folder = target;
-    target.SetRelativeTo(name, &folder, '/');
+    target.name = target.GetName() + "." + std::string(extension);
 }
 
 void Copy(const FM_DataVect& parameters) {

@@ -1,6 +1,7 @@
 #include "files/file_function.h"
 
 #include "files/path_parameter.h"
+#include "plugin/errors.h"
 #include "plugin/host_data.h"
 #include "plugin/results.h"
 
@@ -14,7 +15,9 @@ FM_Error RunFileFunction(const FM_DataVect& parameters, std::int32_t count, FM_D
 }
 
 std::int32_t ResolvePathParameter(const FM_DataVect& parameters, std::int32_t index, XFileSpec& spec) {
-    return ResolvePathParameter(*Host(FM_DataVect_At, &parameters, index), spec);
+    const std::int32_t code = ResolvePathParameter(*Host(FM_DataVect_At, &parameters, index), spec);
+    if (code == 0 || code == kErrorFileNotFound) DiscardResultBuffer();
+    return code;
 }
 
 native::OperationPath ResolveItemParameter(const FM_DataVect& parameters, std::int32_t index) {

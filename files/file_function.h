@@ -15,6 +15,7 @@ namespace corvane {
 FM_Error RunFileFunction(const FM_DataVect& parameters, std::int32_t count, FM_Data& result,
                          void (*body)(const FM_DataVect& parameters));
 
+/// As that of one parameter, but the name of a file that the person chose is not left as the result.
 std::int32_t ResolvePathParameter(const FM_DataVect& parameters, std::int32_t index, XFileSpec& spec);
 
 /// The existing item that a path parameter names, or the code of the step that failed.

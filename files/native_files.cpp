@@ -24,6 +24,11 @@ std::u16string WithoutLastSeparator(const std::u16string& path) {
     return path.ends_with(u'\\') ? path.substr(0, path.size() - 1) : path;
 }
 
+// Where the last name begins. A name with a doubled separator in front of it brings one along ("/x").
+std::size_t LastName(const std::u16string& path) {
+    return path.find_last_of(u"\\/") + 1;
+}
+
 bool Exists(const std::u16string& path) {
     return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
@@ -81,13 +86,15 @@ OperationPath GetOperationPath(const XFileSpec& spec) {
 
 std::int32_t CopyItem(const std::u16string& source_path, const std::u16string& folder_path, bool replace,
                       const std::u16string& target_name) {
-    if (!replace) {
-        const std::u16string source = WithoutLastSeparator(source_path);
-        const std::u16string own_name = source.substr(source.rfind(u'\\') + 1);
-        if (Exists(folder_path + (target_name.empty() ? own_name : target_name))) return kCopyTargetExists;
-    }
-    return ShellOperation(FO_COPY, source_path, folder_path + target_name,
-                          FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOCONFIRMMKDIR | FOF_NOERRORUI);
+    constexpr FILEOP_FLAGS kFlags = FOF_SILENT | FOF_NOCONFIRMMKDIR | FOF_NOERRORUI;
+    const std::u16string target = folder_path + target_name;
+    if (replace) return ShellOperation(FO_COPY, source_path, target, kFlags | FOF_NOCONFIRMATION);
+    const std::u16string source = WithoutLastSeparator(source_path);
+    if (Exists(target_name.empty() ? folder_path + source.substr(LastName(source)) : target))
+        return kCopyTargetExists;
+    const auto code = static_cast<DWORD>(ShellOperation(FO_COPY, source_path, target, kFlags));
+    const bool stands_there = code == DE_FLDDESTISFILE || code == DE_FILEDESTISFLD;
+    return stands_there ? kCopyTargetExists : static_cast<std::int32_t>(code);
 }
 
 std::int32_t MoveItem(const std::u16string& source_path, const std::u16string& folder_path) {
@@ -96,8 +103,7 @@ std::int32_t MoveItem(const std::u16string& source_path, const std::u16string& f
 
 std::int32_t RenameItem(const std::u16string& path, const std::u16string& new_name) {
     const std::u16string source = WithoutLastSeparator(path);
-    const std::u16string folder = source.substr(0, source.rfind(u'\\') + 1);
-    return ShellOperation(FO_RENAME, source, folder + new_name, 0);
+    return ShellOperation(FO_RENAME, source, source.substr(0, LastName(source)) + new_name, 0);
 }
 
 std::int32_t DeleteItem(const std::u16string& path) {

@@ -158,7 +158,10 @@ std::int32_t XFileSpec::SetFromText(std::string_view text, const XFileSpec* base
     if (SystemVolume().empty()) return kErrorOutOfMemory;
     if (IsDrivePath(text) || IsNetworkPath(text)) return SetFromNativePath(text);
     if (text.starts_with("~/")) return SetRelativeTo(text, base, '/');
-    if (text.starts_with('/')) return SetFromPosixPath(text);
+    if (text.starts_with('/')) {
+        const std::int32_t code = SetFromPosixPath(text);
+        return code == 0 && volume.empty() ? kErrorNoSuchVolume : code;
+    }
 
     const std::string_view prefix = FindPathPrefix(text);
     if (prefix.empty()) return SetRelativeTo(text, base, '\\');

@@ -77,10 +77,8 @@ bool FindTarget(const FM_Data* parameter, std::uint32_t type, bool replace, XFil
     }
     const std::string_view extension = ImageTypeExtension(type);
     if ((code == 0 || code == kErrorFileNotFound) && ExtensionOf(target.name).empty() && !extension.empty()) {
-        const std::string name = target.name + "." + std::string(extension);
-        XFileSpec folder = target;
-        folder.MoveToParent();
-        code = target.SetRelativeTo(name, &folder, '/');
+        target.name += "." + std::string(extension);
+        code = target.CheckExists();
     }
     if (code != 0 && code != kErrorFileNotFound) {
         ReportError(code, "Bad path or filename");
@@ -153,8 +151,9 @@ void Export(const FM_DataVect& parameters) {
     Content content;
     if (!FindContent(Host(FM_DataVect_At, &parameters, 0), content)) return;
     XFileSpec target;
-    if (FindTarget(Host(FM_DataVect_At, &parameters, 1), content.type, replace, target))
-        WriteTarget(content, target);
+    if (!FindTarget(Host(FM_DataVect_At, &parameters, 1), content.type, replace, target)) return;
+    DiscardResultBuffer(); // the name of a file that was chosen is no result
+    WriteTarget(content, target);
 }
 
 // A container that holds a reference text and no streams: its file is copied.

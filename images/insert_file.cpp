@@ -62,7 +62,7 @@ void InsertText(qt::DataSource& data) {
     std::string text(data.GetSize(), '\0');
     if (data.Read(0, std::as_writable_bytes(std::span(text))) != text.size())
         return ReportUnreadable(kFM_ErrorReading);
-    AppendResultBufferText(text);
+    SetResultBufferText(text);
 }
 
 void AddFilePath(FM_BinaryData* container, const XFileSpec& file) {

@@ -207,7 +207,7 @@ std::u16string TargetOf(const Reader& info) {
 
 DWORD Save(const std::string& bytes, std::u16string_view path) {
     const UnixPath item = ToUnixPath(path);
-    if (!item.exists && item.error != ERROR_FILE_NOT_FOUND) return item.error;
+    if (!item.exists && (item.error != ERROR_FILE_NOT_FOUND || item.path.empty())) return item.error;
     if (item.exists && !S_ISREG(item.status.st_mode)) return ERROR_ACCESS_DENIED;
     if (item.exists && access(item.path.c_str(), W_OK) != 0) return FromErrno(errno);
     // A link that is there stays until the new one is complete.

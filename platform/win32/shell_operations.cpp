@@ -20,6 +20,13 @@
 namespace win32 {
 namespace {
 
+// The text's last name.
+std::u16string_view LastName(std::u16string_view native) {
+    constexpr std::u16string_view kSeparators = u"\\/";
+    native = native.substr(0, native.find_last_not_of(kSeparators) + 1);
+    return native.substr(native.find_last_of(kSeparators) + 1);
+}
+
 // An item by its name in its open folder. The folder itself for the root of the file system.
 struct Place {
     DWORD error = ERROR_SUCCESS;
@@ -27,6 +34,7 @@ struct Place {
     std::string root;
     Descriptor folder;
     std::string name;
+    std::string spelling; ///< as it was asked for: an entry that exists may differ in case
     bool exists = false;
     struct stat status {}; // of the entry itself
 
@@ -47,6 +55,8 @@ Place PlaceOf(std::u16string_view native) {
     const std::size_t slash = place.path.rfind('/');
     place.name = place.path.substr(slash + 1);
     if (place.name.empty()) place.name = ".";
+    place.spelling = ToUnixName(LastName(native));
+    if (place.spelling == "." || place.spelling == "..") place.spelling = place.name;
     place.folder =
         Descriptor(open(place.path.substr(0, slash + 1).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (!place.folder) place.error = FromErrno(errno);
@@ -56,13 +66,6 @@ Place PlaceOf(std::u16string_view native) {
 bool IsDriveRoot(const std::string& path) {
     return path == "/" || std::ranges::any_of(fm::CurrentSession().drives,
                                               [&](const fm::Drive& drive) { return drive.folder == path; });
-}
-
-// The text's last name.
-std::u16string_view LastName(std::u16string_view native) {
-    while (!native.empty() && native.back() == u'\\') native.remove_suffix(1);
-    const auto separator = native.rfind(u'\\');
-    return separator == std::u16string_view::npos ? native : native.substr(separator + 1);
 }
 
 bool AreSame(const struct stat& one, const struct stat& other) {
@@ -100,14 +103,18 @@ DWORD Move(const Place& from, const Place& to) {
         // Two names of one file: a rename would leave both.
         if (AreSame(from.status, to.status)) return DeleteTree(from.folder.get(), from.name.c_str());
     }
-    if (renameat(from.folder.get(), from.name.c_str(), to.folder.get(), to.name.c_str()) == 0)
-        return ERROR_SUCCESS;
-    return errno == EXDEV ? MoveByCopy(from, to) : FromErrno(errno);
+    DWORD error = ERROR_SUCCESS;
+    if (renameat(from.folder.get(), from.name.c_str(), to.folder.get(), to.name.c_str()) != 0)
+        error = errno == EXDEV ? MoveByCopy(from, to) : FromErrno(errno);
+    // The item replaced one whose name differs in case, and keeps its own.
+    if (error == ERROR_SUCCESS && to.name != to.spelling)
+        renameat(to.folder.get(), to.name.c_str(), to.folder.get(), to.spelling.c_str());
+    return error;
 }
 
-DWORD Rename(const Place& from, const Place& to, std::u16string_view new_name) {
+DWORD Rename(const Place& from, const Place& to) {
     if (!AreInOneFolder(from, to)) return DE_DIFFDIR;
-    const std::string name = ToUnixName(new_name);
+    const std::string& name = to.spelling;
     if (from.name == name) return DE_SAMEFILE;
     if (to.exists && to.name != from.name) return StandsThere(to);
     const int folder = from.folder.get();
@@ -161,7 +168,7 @@ DWORD Perform(std::u16string_view source, const SHFILEOPSTRUCTW& operation) {
     const std::u16string_view native_target = operation.pTo;
     if (operation.wFunc == FO_RENAME) {
         const Place to = PlaceOf(native_target);
-        return to.error != ERROR_SUCCESS ? to.error : Rename(from, to, LastName(native_target));
+        return to.error != ERROR_SUCCESS ? to.error : Rename(from, to);
     }
     const Place to = TargetOf(from, native_target, operation.fFlags);
     if (to.error != ERROR_SUCCESS) return to.error;

@@ -186,13 +186,13 @@ TEST_F(ShellOperations, MoveKeepsTheItemAndReplaces) {
     EXPECT_EQ(Shell(FO_MOVE, u"C:\\file", u"C:\\target\\", kYesToAll & ~FOF_NOCONFIRMATION),
               DE_FLDDESTISFILE);
     ASSERT_EQ(Shell(FO_MOVE, u"C:\\file", u"C:\\target\\"), 0U);
-    EXPECT_EQ(Listing(c), "target/FILE=new");
-    EXPECT_EQ(StatusOf(c + "/target/FILE").st_ino, inode);
+    EXPECT_EQ(Listing(c), "target/file=new");
+    EXPECT_EQ(StatusOf(c + "/target/file").st_ino, inode);
 
     drives.MakeFile("c/folder/new", "1");
     drives.MakeFile("c/target/folder/old", "1");
     ASSERT_EQ(Shell(FO_MOVE, u"C:\\folder", u"C:\\target"), 0U);
-    EXPECT_EQ(Listing(c), "target/FILE=new target/folder/new=1 target/folder/old=1");
+    EXPECT_EQ(Listing(c), "target/file=new target/folder/new=1 target/folder/old=1");
     EXPECT_EQ(Shell(FO_MOVE, u"C:\\gone", u"C:\\target"), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(Shell(FO_MOVE, u"C:\\target", u"C:\\gone\\x", FOF_NOCONFIRMATION), ERROR_PATH_NOT_FOUND);
 }
@@ -208,6 +208,11 @@ TEST_F(ShellOperations, RenameReplacesNothing) {
     EXPECT_EQ(rename(u"C:\\old.txt", u"C:\\" + std::u16string(256, u'x')), ERROR_FILENAME_EXCED_RANGE);
     EXPECT_EQ(rename(u"C:\\gone", u"C:\\new"), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(Listing(c), "old.txt=1 other=2");
+    // A name that leads through a link to another folder, and back, as it is written.
+    fs::create_directory_symlink(drives.MakeFolder("outside/in"), c + "/link");
+    EXPECT_EQ(rename(u"C:\\old.txt", u"C:\\link/../new.txt"), 0U);
+    fs::remove(c + "/link");
+    EXPECT_EQ(Listing(c), "new.txt=1 other=2");
 }
 
 TEST_F(ShellOperations, DeleteNeverFollowsLinks) {
