@@ -32,23 +32,25 @@ std::int32_t WriteReferenceMovie(Movie source, const XFileSpec& file) {
 
 } // namespace
 
-std::int32_t MakeReferenceMovie(XFileSpec& movie_file) {
+ReferenceMovie MakeReferenceMovie(XFileSpec& movie_file) {
     XFileSpec folder;
-    if (const std::int32_t code = GetWritableParent(movie_file, folder); code != 0) return code;
+    if (const std::int32_t code = GetWritableParent(movie_file, folder); code != 0) return {code};
     qt::OwnedMovie source;
-    if (const std::int32_t code = OpenMovieFile(movie_file, source); code != 0) return code;
+    if (const std::int32_t code = OpenMovieFile(movie_file, source); code != 0) return {code};
 
     XFileSpec reference_movie = movie_file;
     reference_movie.name.erase(std::min(reference_movie.name.rfind('.'), reference_movie.name.size()));
     reference_movie.name += kNameEnd;
-    if (reference_movie.CheckExists() == 0) {
-        if (const std::int32_t code = DeleteFileOf(reference_movie); code != 0) return code;
+    const bool replaced = reference_movie.CheckExists() == 0;
+    if (replaced) {
+        if (const std::int32_t code = DeleteFileOf(reference_movie); code != 0) return {code};
     }
     IntermediateFile unfinished(reference_movie);
-    if (const std::int32_t code = WriteReferenceMovie(source.get(), reference_movie); code != 0) return code;
+    if (const std::int32_t code = WriteReferenceMovie(source.get(), reference_movie); code != 0)
+        return {code};
     movie_file = reference_movie;
     unfinished.Keep();
-    return 0;
+    return {0, replaced};
 }
 
 } // namespace corvane

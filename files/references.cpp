@@ -6,12 +6,11 @@
 #include "plugin/host_data.h"
 
 #include <optional>
-#include <string>
 
 namespace corvane {
 namespace {
 
-constexpr std::size_t kReadLimit = 511;
+constexpr std::size_t kContainerLimit = 511;
 constexpr std::size_t kLineLimit = 1023;
 
 // The folder that relative lines count from; none for a database that is served over the network.
@@ -66,10 +65,16 @@ std::int32_t PutFileReferenceResult(FM_Data& result, const XFileSpec& file, std:
                                      relative.text + "\r" + absolute.text);
 }
 
+std::string ReferenceTextOf(const FM_Data& parameter) {
+    std::string text = ParameterAsUtf8(&parameter);
+    const bool is_text = Host(FM_Data_GetNativeType, &parameter) == kFM_TypeText;
+    text.resize(utf::CutAtCharacter(text, is_text ? kLineLimit : kContainerLimit).size());
+    return text;
+}
+
 std::int32_t ResolveReferenceText(std::string_view text, XFileSpec& file) {
     const RelativeBase base = FindRelativeBase();
     if (base.code != 0) return base.code;
-    text = utf::CutAtCharacter(text, kReadLimit);
     std::int32_t code = kErrorFileNotFound; // a text without any line names nothing
     while (!text.empty()) {
         code = file.SetFromText(TakeLine(text), base.get());

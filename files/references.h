@@ -9,6 +9,7 @@
 #include "platform/fmwrapper/fmwrapper.h"
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace corvane {
@@ -18,9 +19,12 @@ namespace corvane {
 std::int32_t PutFileReferenceResult(FM_Data& result, const XFileSpec& file, std::string_view kind,
                                     std::uint16_t width, std::uint16_t height);
 
-/// The file that a container's reference text names: the first line that leads to an existing file. Relative
-/// lines count from the database's folder. Without such a line the code of the last one; at most 511 bytes of
-/// the text are read.
+/// The text of a parameter that names a file: at most 511 bytes of a container's reference text, 1,023 of a
+/// text.
+std::string ReferenceTextOf(const FM_Data& parameter);
+
+/// The file that a reference text names: the first line that leads to an existing file. Relative
+/// lines count from the database's folder. Without such a line the code of the last one.
 std::int32_t ResolveReferenceText(std::string_view text, XFileSpec& file);
 
 /// A single host path text with its path-type word, relative ones from the database's folder.

@@ -67,7 +67,8 @@ void InsertText(qt::DataSource& data) {
 
 void AddFilePath(FM_BinaryData* container, const XFileSpec& file) {
     const Text path = TextFromBytes(file.GetFileMakerPath("file").text);
-    if (Host(FM_BinaryData_AddFNAMData, container, path.get()) != kFM_ErrorNone) throw HostFailure();
+    const FM_Error error = Host(FM_BinaryData_AddFNAMData, container, path.get());
+    if (error != kFM_ErrorNone) throw HostFailure(error);
 }
 
 // False when the container could not be made and that is reported.

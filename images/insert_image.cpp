@@ -11,7 +11,6 @@ namespace {
 constexpr std::uint32_t kJpegType = FourCC("JPEG");
 constexpr std::uint32_t kPictureType = FourCC("PICT");
 constexpr std::uint32_t kWrappingType = FourCC("qtif");
-constexpr std::uint64_t kPictureHeaderSize = 512; ///< of picture files; streams are without it
 
 /// The stream type of a compressor type: its letters in upper case, but for two that have names of their own.
 std::uint32_t StreamTypeOf(OSType compressor) {
@@ -59,16 +58,16 @@ bool HasImporter(std::uint32_t type) {
     return code == noErr;
 }
 
-/// The whole data, without the header of a picture file. Of a file that wraps data of another format: what is
-/// wrapped, when that can be read for itself under its type, and else the wrapping file under its own type,
-/// as the type of what is wrapped would not tell how to read it.
+/// The whole data, without the header that a picture file may have. Of a file that wraps data of another
+/// format: what is wrapped, when that can be read for itself under its type, and else the wrapping file under
+/// its own type, as the type of what is wrapped would not tell how to read it.
 Stored FindStored(GraphicsImportComponent importer, const ImageDescription& description) {
-    const std::uint32_t type = StreamTypeOf(description.cType);
-    if (qt::FileTypeOf(importer) != kWrappingType)
-        return {type, type == kPictureType ? kPictureHeaderSize : 0};
-    Stored wrapped{type};
-    const ComponentResult code = GraphicsImportGetDataOffsetAndSize(importer, &wrapped.offset, &wrapped.size);
-    return code == noErr && HasImporter(type) ? wrapped : Stored{kWrappingType};
+    Stored part{StreamTypeOf(description.cType)};
+    const bool is_wrapped = qt::FileTypeOf(importer) == kWrappingType;
+    if (!is_wrapped && part.type != kPictureType) return part;
+    const ComponentResult code = GraphicsImportGetDataOffsetAndSize(importer, &part.offset, &part.size);
+    const bool is_readable = code == noErr && (!is_wrapped || HasImporter(part.type));
+    return is_readable ? part : Stored{kWrappingType};
 }
 
 /// True when the result is set; else a failure is reported.

@@ -173,7 +173,7 @@ MainImage GetMainImageData(const FM_Data* parameter) {
 void AddStream(FM_BinaryData* container, std::uint32_t type, std::span<const std::byte> bytes) {
     const FM_Error error = Host(FM_BinaryData_Add, container, NewQuadChar(type).get(),
                                 static_cast<std::uint32_t>(bytes.size()), bytes.data());
-    if (error != kFM_ErrorNone) throw HostFailure();
+    if (error != kFM_ErrorNone) throw HostFailure(error);
 }
 
 std::int32_t AddStreamFrom(FM_BinaryData* container, std::uint32_t type, qt::DataSource& source,

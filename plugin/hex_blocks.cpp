@@ -53,9 +53,8 @@ SettingsBytes ExpandSettings(std::string_view payload) {
     for (const char byte : payload.substr(0, kLengthBytes))
         length = length << 8 | static_cast<unsigned char>(byte);
     const std::string_view compressed = payload.substr(kLengthBytes);
-    if (length > kLargestSettings || length > compressed.size() * kLargestExpansion) {
-        return Failed(kErrorOutOfMemory);
-    }
+    if (length > kLargestSettings) return Failed(kErrorOutOfMemory);
+    if (length > compressed.size() * kLargestExpansion) return Failed(codecBadDataErr);
 
     SettingsBytes settings{0, std::string(length, '\0')};
     uLongf size = length;

@@ -25,9 +25,8 @@ struct SettingsBytes {
 SettingsBytes CompressSettings(std::string_view settings);
 
 /// -50 for a payload of less than 4 bytes; -108, before any memory is taken, when the length it states is
-/// above kLargestSettings or more than the compressed bytes can hold; -8969 when they are broken or hold
-/// more than the length. Settings that turn out shorter than stated are good; bytes behind the stream are
-/// not looked at.
+/// above kLargestSettings; -8969 when the compressed bytes can't hold as much, are broken or hold more.
+/// Settings that turn out shorter than stated are good; bytes behind the stream are not looked at.
 SettingsBytes ExpandSettings(std::string_view payload);
 
 /// Value of a digit of either case.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/fmwrapper/fmwrapper.h"
+#include "plugin/errors.h"
 
 #include <cstdint>
 #include <exception>
@@ -22,10 +23,15 @@ public:
     [[nodiscard]] const char* what() const noexcept override { return "bad allocation"; }
 };
 
-/// Any other failure of a host operation (status 2).
+/// Any other failure of a host operation: status 2, or the code that it answered.
 class HostFailure : public std::exception {
 public:
+    explicit HostFailure(FM_Error code = FM_Error{kErrorUnknown}) : code_(code) {}
     [[nodiscard]] const char* what() const noexcept override { return "host failure"; }
+    [[nodiscard]] FM_Error code() const { return code_; }
+
+private:
+    FM_Error code_;
 };
 
 inline void RaiseOn(FM_Status status) {

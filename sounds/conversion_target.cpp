@@ -12,6 +12,8 @@
 namespace corvane {
 namespace {
 
+constexpr std::string_view kNotFound = "Could not find input file.";
+
 bool IsUsable(std::int32_t code) {
     return code == 0 || code == kErrorFileNotFound;
 }
@@ -31,8 +33,11 @@ ConversionTarget ReadConversionTarget(const FM_DataVect& parameters, std::int32_
     const Read<std::string> text = ReadTextParameter(parameters, index);
     if (text.code != 0) return Failed(text.code, "Could not get parameter #2 as text.");
     ConversionTarget target;
-    if (!IsBareName(text.value) && IsUsable(ResolvePathParameter(parameter, target.file))) return target;
-
+    if (!IsBareName(text.value)) {
+        const std::int32_t resolved = ResolvePathParameter(parameter, target.file);
+        if (IsUsable(resolved)) return target;
+        if (resolved == kErrorUserCancelled) return Failed(resolved, kNotFound);
+    }
     XFileSpec database;
     const std::int32_t code = DatabaseFolder(database);
     if (code != 0 && code != kNetworkDatabase) return Failed(code, "Could not get database path.");
@@ -42,7 +47,7 @@ ConversionTarget ReadConversionTarget(const FM_DataVect& parameters, std::int32_
         folder = database;
     }
     const std::int32_t found = target.file.SetFromText(text.value, folder ? &*folder : nullptr);
-    return IsUsable(found) ? target : Failed(found, "Could not find input file.");
+    return IsUsable(found) ? target : Failed(found, kNotFound);
 }
 
 } // namespace corvane

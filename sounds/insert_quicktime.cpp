@@ -56,10 +56,12 @@ FM_Error FindFile(const FM_DataVect& parameters, XFileSpec& file, CVSError& erro
     XFileSpec database;
     std::int32_t code = DatabaseFolder(database);
     if (code != 0 && code != kNetworkDatabase) return error.Fail(code, "Could not get database file path.");
-    code = ResolveReferenceText(text.value, file);
+    code = ResolveReferenceText(ReferenceTextOf(parameter), file);
     if (code == 0) return kFM_ErrorNone;
-    // A path that leads to nothing says more than that it is no reference either.
-    return error.Fail(path_code == kErrorFileNotFound ? path_code : code, "Failed to find input file.");
+    // That a path leads to nothing, or a dialog was cancelled, says more than that it is no reference either.
+    const bool tells_more = path_code == kErrorFileNotFound || path_code == kErrorFolderNotFound ||
+                            path_code == kErrorUserCancelled;
+    return error.Fail(tells_more ? path_code : code, "Failed to find input file.");
 }
 
 std::uint16_t Limited(std::int32_t length) {
@@ -112,9 +114,9 @@ FM_Error PrepareMovie(XFileSpec& file, bool local, MadeFiles& made, CVSError& er
         made.Add(file);
     }
     if (!has_picture && WorkaroundValue(Workaround::kLinkMedia)) {
-        code = MakeReferenceMovie(file);
-        if (code != 0) return error.Fail(code, "Linking media has failed.");
-        made.Add(file);
+        const ReferenceMovie linked = MakeReferenceMovie(file);
+        if (linked.code != 0) return error.Fail(linked.code, "Linking media has failed.");
+        if (!linked.replaced) made.Add(file);
     }
     return kFM_ErrorNone;
 }

@@ -1,6 +1,7 @@
 #include "sounds/functions.h"
 
 #include "platform/quicktime/movie_exporters/movie_exporter.h"
+#include "plugin/drawing_port.h"
 #include "plugin/errors.h"
 #include "plugin/hex_blocks.h"
 #include "plugin/host_data.h"
@@ -45,6 +46,7 @@ std::string LineOf(const qt::SoundExporterInfo& exporter) {
 
 FM_Error ListSoundOutputFormats(std::int16_t, const FM_ExprEnv&, const FM_DataVect&, FM_Data& result) {
     CVSError& error = BeginCall("Media_ListSoundOutputFormats");
+    const qt::CurrentPort port(DrawingPort());
     std::string list;
     for (const qt::SoundExporterInfo& exporter : qt::ListSoundExporters()) {
         if (!list.empty()) list += '\r';

@@ -1,11 +1,13 @@
 #include "sounds/media_pool.h"
 
+#include "platform/win32/errors.h"
 #include "plugin/errors.h"
 #include "sounds/recording_manager.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <new>
 
 namespace corvane {
 namespace {
@@ -28,7 +30,7 @@ void MediaPool::Delete() {
 }
 
 MediaPool::MediaPool() {
-    MutexCreate(lock_);
+    if (MutexCreate(lock_) != ERROR_SUCCESS) throw std::bad_alloc();
 }
 
 MediaPool::~MediaPool() {

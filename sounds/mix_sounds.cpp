@@ -65,8 +65,8 @@ std::int32_t MakeEmptySoundMovie(const XFileSpec& file, TimeScale scale, qt::Own
     return movie != nullptr ? noErr : GetMoviesError();
 }
 
-// The mix plays at the pace of its samples, which are those of the second sound: frames are mixed one to one,
-// whatever their rates.
+// The mix plays at the pace of its samples, which are those of the second sound unless it is empty: frames
+// are mixed one to one, whatever their rates.
 std::int32_t Mix(Sound& first, Sound& second, Sound& mixed) {
     for (Sound* sound : {&first, &second}) {
         const std::int32_t code = EnsureWaveSamples(*sound, AcceptedSamples::kLittleEndian);
@@ -78,7 +78,8 @@ std::int32_t Mix(Sound& first, Sound& second, Sound& mixed) {
         return first_track.code != 0 ? first_track.code : second_track.code;
     std::int32_t code = mixed.intermediate.TakeName(".mov");
     if (code != 0) return code;
-    code = MakeEmptySoundMovie(*mixed.intermediate, GetMediaTimeScale(second_track.media), mixed.movie);
+    const Media paced = GetMediaDuration(second_track.media) > 0 ? second_track.media : first_track.media;
+    code = MakeEmptySoundMovie(*mixed.intermediate, GetMediaTimeScale(paced), mixed.movie);
     if (code != 0) return code;
     const SoundTrack output = FirstSoundTrack(mixed.movie.get());
     if (output.code != 0) return output.code;

@@ -1,6 +1,5 @@
 #include "sounds/functions.h"
 
-#include "plugin/drawing_port.h"
 #include "plugin/host_data.h"
 #include "sounds/amplify_samples.h"
 #include "sounds/amplify_sound.h"
@@ -14,7 +13,6 @@ FM_Error Normalize(std::int16_t, const FM_ExprEnv&, const FM_DataVect& parameter
         error.Fail(kErrorWrongParameter, "This function requires 1 parameter.");
         return kFM_ErrorNone;
     }
-    const qt::CurrentPort port(DrawingPort());
     ClearResult(result);
     Sound sound;
     const std::int32_t code = OpenSoundParameter(parameters, 0, sound.movie);

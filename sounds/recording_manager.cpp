@@ -1,10 +1,12 @@
 #include "sounds/recording_manager.h"
 
+#include "platform/win32/errors.h"
 #include "plugin/drawing_port.h"
 #include "plugin/host_data.h"
 #include "sounds/media_pool.h"
 
 #include <algorithm>
+#include <new>
 
 namespace corvane {
 namespace {
@@ -33,7 +35,7 @@ void RecordingManager::Delete() {
 }
 
 RecordingManager::RecordingManager() : port_(DrawingPort()) {
-    MutexCreate(lock_);
+    if (MutexCreate(lock_) != ERROR_SUCCESS) throw std::bad_alloc();
     SeqGrabComponent grabber = nullptr;
     OpenADefaultComponent(qt::kSequenceGrabber, qt::kAnySubtype, &grabber);
     grabber_.reset(grabber);

@@ -35,7 +35,9 @@ FM_Error MakeFile(const XFileSpec& file, CVSError& error) {
 FM_Error ReadPath(const FM_Data& parameter, RecordingTarget& target, CVSError& error) {
     XFileSpec file;
     const std::int32_t code = ResolvePathParameter(parameter, file);
-    const bool missing = code == kErrorFileNotFound || code == kErrorFolderNotFound;
+    // A path above the root of its drive names no item, and leaves the root behind.
+    const bool missing =
+        code == kErrorFileNotFound || (code == kErrorFolderNotFound && file.CheckExists() != 0);
     if (code != 0 && !missing) return error.Fail(kErrorWrongParameter, {});
     if (code == 0 && file.IsDirectory())
         return error.Fail(kErrorFileExpected, "Recording target must be a file, not directory.");

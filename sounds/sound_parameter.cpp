@@ -7,7 +7,6 @@
 #include "platform/quicktime/movies/movie_files.h"
 #include "platform/quicktime/movies/reference_movies.h"
 #include "platform/quicktime/movies/sound_resource.h"
-#include "platform/text/utf.h"
 #include "plugin/errors.h"
 #include "plugin/host_data.h"
 
@@ -17,13 +16,11 @@
 namespace corvane {
 namespace {
 
-constexpr std::size_t kPathLimit = 1023;
-
 std::int32_t OpenText(const FM_Data& parameter, qt::OwnedMovie& movie) {
     XFileSpec named;
     PathText path{ResolvePathParameter(parameter, named), {}};
     if (path.code == 0) path = named.GetFileMakerPath("movie");
-    if (path.code != 0) path.text = utf::CutAtCharacter(ParameterAsUtf8(&parameter), kPathLimit);
+    if (path.code != 0) path.text = ReferenceTextOf(parameter);
     XFileSpec file;
     const std::int32_t code = ResolveFileMakerReference(path.text, file);
     return code == 0 ? OpenMovieFile(file, movie) : code;
@@ -50,7 +47,7 @@ std::int32_t OpenContainer(const FM_Data& parameter, qt::OwnedMovie& movie) {
     if (Host(FM_BinaryData_GetCount, container) > 0) return OpenResource(container, movie);
     if (Host(FM_Data_IsEmpty, &parameter)) return 0;
     XFileSpec file;
-    const std::int32_t code = ResolveReferenceText(ParameterAsUtf8(&parameter), file);
+    const std::int32_t code = ResolveReferenceText(ReferenceTextOf(parameter), file);
     return code == 0 ? OpenMovieFile(file, movie) : code;
 }
 

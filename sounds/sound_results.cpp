@@ -18,10 +18,11 @@ std::int32_t PutMovieResult(FM_Data& result, Movie movie) {
     if (const std::int32_t code = MovieFileOf(movie, file); code != 0) return code;
     if (WorkaroundValue(Workaround::kLinkMedia) == 0)
         return PutFileReferenceResult(result, file, "movie", 0, 0);
-    if (const std::int32_t code = MakeReferenceMovie(file); code != 0) return code;
+    const ReferenceMovie linked = MakeReferenceMovie(file);
+    if (linked.code != 0) return linked.code;
     IntermediateFile reference_movie(std::move(file));
     const std::int32_t code = PutFileReferenceResult(result, *reference_movie, "movie", 0, 0);
-    if (code == 0) reference_movie.Keep();
+    if (code == 0 || linked.replaced) reference_movie.Keep();
     return code;
 }
 

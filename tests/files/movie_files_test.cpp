@@ -40,7 +40,9 @@ TEST_F(MovieFiles, ReferenceMoviesTakeTheNameOfTheirSource) {
     test::WriteBytes(c + "/a.b_ref.mov", "an older one");
     for (const std::string name : {"a.b.wav", "plain"}) {
         XFileSpec file = Spec("C:\\" + name);
-        ASSERT_EQ(MakeReferenceMovie(file), 0);
+        const ReferenceMovie made = MakeReferenceMovie(file);
+        ASSERT_EQ(made.code, 0);
+        EXPECT_EQ(made.replaced, name == "a.b.wav");
         EXPECT_EQ(file.GetName(), name.substr(0, name.rfind(".wav")) + "_ref.mov");
         qt::OwnedMovie movie;
         ASSERT_EQ(OpenMovieFile(file, movie), 0);
@@ -52,7 +54,7 @@ TEST_F(MovieFiles, ReferenceMoviesTakeTheNameOfTheirSource) {
 TEST_F(MovieFiles, AReferenceMovieThatCantBeMadeLeavesNothing) {
     const auto fails = [&](const std::string& name) {
         XFileSpec file = Spec("C:\\" + name);
-        const std::int32_t code = MakeReferenceMovie(file);
+        const std::int32_t code = MakeReferenceMovie(file).code;
         EXPECT_EQ(file.GetNativePath(), "C:\\" + name);
         return code;
     };

@@ -68,12 +68,6 @@ TEST_F(References, ResolveThroughTheFirstLineThatLeadsToAFile) {
     EXPECT_EQ(Resolve("image:img/x.jpg\rimagewin:/C:/Db/img/x.jpg"), "C:\\Db\\img\\x.jpg");
 }
 
-TEST_F(References, ReadOnlyTheFirst511Bytes) {
-    const std::string filler(498, 'n');
-    EXPECT_EQ(Resolve(filler + "\rD:\\Pics\\x.jpg"), "-43") << "the path is cut";
-    EXPECT_EQ(Resolve(filler.substr(2) + "\rD:\\Pics\\x.jpg"), "D:\\Pics\\x.jpg");
-}
-
 TEST_F(References, ResolveSingleHostPaths) {
     XFileSpec file;
     EXPECT_EQ(ResolveFileMakerReference("movie:img/x.jpg", file), 0);

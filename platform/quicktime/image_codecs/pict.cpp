@@ -92,7 +92,9 @@ ComponentResult DecodeWhole(DataSource& source, PixelImage& image) {
     image.has_alpha = image.is_grey = false;
     Canvas canvas(image, header.frame);
     PictPlayer player(bytes.subspan(header.picture_at), header, canvas);
-    return player.Play() ? ComponentResult{noErr} : codecBadDataErr;
+    if (!player.Play()) return codecBadDataErr;
+    canvas.Finish();
+    return noErr;
 }
 
 ComponentResult Decode(DataSource& source, std::uint32_t /*index*/, PixelImage& image) {

@@ -172,11 +172,10 @@ bool Canvas::DrawMap(PixelRows& rows, const PixelMap& map, const Placement& plac
     DrawRows(BoxOf(map.bounds), placement, map.is_bitmap, row_at);
     skip_to(map.Height());
     if (!map.HasAlpha()) return complete;
-    if (Alpha(some_alphas) == 0) { // all transparent: the component holds nothing
-        RestoreOpacity(placement.to);
-    } else if (all_alphas != kOpaque) {
-        image_.has_alpha = true;
-    }
+    const bool is_empty = Alpha(some_alphas) == 0;
+    has_empty_alpha_ |= is_empty;
+    has_used_alpha_ |= !is_empty;
+    image_.has_alpha |= !is_empty && all_alphas != kOpaque;
     return complete;
 }
 
@@ -240,14 +239,13 @@ void Canvas::DrawRows(const Box& source_bounds, const Placement& placement, bool
     }
 }
 
-void Canvas::RestoreOpacity(const Box& box) {
-    Region area(box);
-    area.Intersect(Region(Bounds()));
-    for (const Box& part : area.Boxes()) {
-        for (std::int32_t y = part.y1; y < part.y2; ++y) {
-            std::uint32_t* pixels = PixelAt(part.x1, y);
-            for (std::int32_t x = 0; x < part.x2 - part.x1; ++x) pixels[x] |= kOpaque;
-        }
+void Canvas::Finish() {
+    if (!has_empty_alpha_) return;
+    image_.has_alpha |= has_used_alpha_;
+    if (image_.has_alpha) return;
+    for (std::int32_t y = 0; y < image_.height(); ++y) {
+        std::uint32_t* pixels = image_.Row(y);
+        for (std::int32_t x = 0; x < image_.width(); ++x) pixels[x] |= kOpaque;
     }
 }
 

@@ -63,6 +63,11 @@ public:
     bool DrawMap(PixelRows& rows, const PixelMap& map, const Placement& placement);
     void DrawImage(const PixelImage& source, const Placement& placement);
 
+    /// To be called once all is drawn. A fourth component that is 0 in all maps holds nothing, and the
+    /// picture is opaque; with another map beside it that has some, as the parts of wide pictures are, it is
+    /// transparent.
+    void Finish();
+
     /// Whether more was drawn than any sensible picture draws; nothing is drawn from then on.
     [[nodiscard]] bool IsExhausted() const { return budget_ <= 0; }
 
@@ -75,13 +80,14 @@ private:
         return image_.Row(y - origin_y_) + (x - origin_x_);
     }
     void DrawRows(const Box& source_bounds, const Placement& placement, bool is_bitmap, const RowAt& row_at);
-    void RestoreOpacity(const Box& box);
 
     PixelImage& image_;
     std::int32_t origin_x_;
     std::int32_t origin_y_;
     Region clip_;
     std::int64_t budget_; ///< pixels and boxes that may still be drawn
+    bool has_empty_alpha_ = false;
+    bool has_used_alpha_ = false;
 };
 
 } // namespace qt

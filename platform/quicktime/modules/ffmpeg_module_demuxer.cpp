@@ -13,12 +13,14 @@ struct ContainerRow {
     std::string_view demuxer; ///< the first of its names
     OSType importer;
 };
-constexpr std::array<ContainerRow, 12> kContainers = {{
+constexpr std::array<ContainerRow, 14> kContainers = {{
     {"mp3", Code("MP3 ")},
     {"aac", Code("ADTS")},
     {"mov", Code("mpg4")},
     {"wav", Code("WAVE")},
     {"aiff", Code("AIFC")},
+    {"caf", Code("caff")},
+    {"au", Code("ULAW")},
     {"flac", Code("FLAC")},
     {"ogg", Code("Ogg ")},
     {"amr", Code("AMR ")},

@@ -22,6 +22,12 @@ bool IsFolder(const std::string& path) {
     return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+/// As for all files: their owner may not write them.
+bool IsReadOnly(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 && (status.st_mode & S_IWUSR) == 0;
+}
+
 std::string DescriptorPath(int descriptor) {
     return "/proc/self/fd/" + std::to_string(descriptor);
 }
@@ -54,6 +60,7 @@ OSErr ExportedFile::Create() {
         // A link stays, and leads to the new file then.
         std::array<char, PATH_MAX> resolved;
         if (::realpath(path_.c_str(), resolved.data()) != nullptr) path_ = resolved.data();
+        if (IsReadOnly(path_)) return wrPermErr;
         const std::string folder = path_.substr(0, path_.rfind('/') + 1);
         written_path_ = folder + win32::UnfinishedName();
         descriptor_ = CreateNameless(folder);

@@ -132,6 +132,29 @@ Bytes WaveFormatExtension(const CompressedSound& sound) {
     return writer.Take();
 }
 
+/// What Apple Lossless decoders are set up with: ALACSpecificConfig behind a version, big-endian.
+Bytes AlacExtension(const CompressedSound& sound) {
+    AtomWriter writer;
+    writer.Atom(Code("alac"), [&] {
+        writer.Put32(0);
+        writer.Put32(sound.frames_per_packet);
+        writer.Put32(std::uint32_t{sound.alac_bits} << 16 | 40U << 8 |
+                     10U); // and the usual coding parameters
+        writer.Put32(14U << 24 | sound.channels << 16 | 255U);
+        writer.Put32(0); // the largest packet, unknown
+        writer.Put32(8 * sound.average_bytes_per_second);
+        writer.Put32(sound.rate);
+    });
+    return writer.Take();
+}
+
+Bytes ExtensionsOf(const CompressedSound& sound) {
+    Bytes extensions = sound.alac_bits != 0 ? AlacExtension(sound) : Bytes{};
+    const Bytes wave = WaveFormatExtension(sound);
+    extensions.insert(extensions.end(), wave.begin(), wave.end());
+    return extensions;
+}
+
 /// Formats whose packets are alike, with what files often leave out: bytes of one channel's packet, frames.
 struct FixedPackets {
     OSType code;
@@ -330,7 +353,7 @@ Bytes DescribeCompressed(const CompressedSound& sound) {
         SoundDescriptionV2 description = DescribeInVersion2(sound.data_format, sound.rate, sound.channels);
         description.constBytesPerAudioPacket = sound.bytes_per_packet;
         description.constLPCMFramesPerAudioPacket = sound.frames_per_packet;
-        return ToBytes(description, WaveFormatExtension(sound));
+        return ToBytes(description, ExtensionsOf(sound));
     }
     SoundDescriptionV1 description;
     description.dataFormat = sound.data_format;
@@ -343,7 +366,7 @@ Bytes DescribeCompressed(const CompressedSound& sound) {
     description.bytesPerPacket = sound.channels != 0 ? sound.bytes_per_packet / sound.channels : 0;
     description.bytesPerFrame = sound.bytes_per_packet;
     description.bytesPerSample = 2;
-    return ToBytes(description, WaveFormatExtension(sound));
+    return ToBytes(description, ExtensionsOf(sound));
 }
 
 std::optional<Bytes> SoundDescriptionFromFile(std::span<const std::byte> entry, std::uint32_t time_scale) {
@@ -393,7 +416,10 @@ std::optional<Bytes> SoundDescriptionFromFile(std::span<const std::byte> entry, 
         (fields.dataFormat == Code("twos") || fields.dataFormat == Code("sowt")) && fields.sampleSize <= 8;
     if (!signed8) return bytes;
     const auto channels = static_cast<std::uint16_t>(fields.numChannels);
-    return DescribePcm({SampleEncoding::kSigned8, false, channels, fields.sampleRate >> 16});
+    SoundDescriptionV2 described =
+        DescribePcmInVersion2({SampleEncoding::kSigned8, false, channels, fields.sampleRate >> 16});
+    described.dataRefIndex = fields.dataRefIndex;
+    return ToBytes(described);
 }
 
 Bytes SoundDescriptionToFile(std::span<const std::byte> description) {

@@ -130,6 +130,7 @@ struct CompressedSound {
     std::uint32_t bytes_per_packet = 0; ///< of all channels; 0: packets vary
     std::uint32_t average_bytes_per_second = 0;
     std::uint16_t wave_tag = 0; ///< of the WAVE format in the 'wave' extension
+    std::uint8_t alac_bits = 0; ///< of a sample, for an 'alac' extension; 0: none
 };
 Bytes DescribeCompressed(const CompressedSound& sound);
 

@@ -114,15 +114,22 @@ struct CodedSubtype {
     OSType elsewhere;
     std::uint16_t wave_tag;
     std::uint32_t frames_per_packet;
+    std::uint8_t alac_bits = 0;
 };
 constexpr OSType kNoCode = 0;
-constexpr std::array<CodedSubtype, 7> kCoded = {{
+constexpr std::array<CodedSubtype, 13> kCoded = {{
     {SF_FORMAT_IMA_ADPCM, Code("ms\0\x11"), Code("ima4"), 0x11, 64},
     {SF_FORMAT_MS_ADPCM, Code("ms\0\x02"), kNoCode, 0x02, 500},
     {SF_FORMAT_GSM610, Code("ms\0\x31"), Code("agsm"), 0x31, 160},
     {SF_FORMAT_VORBIS, kNoCode, Code("vorb"), 0x566F, 1024},
     {SF_FORMAT_OPUS, kNoCode, Code("Opus"), 0x704F, 960},
-    {SF_FORMAT_ALAC_16, kNoCode, Code("alac"), 0x6C61, 4096},
+    {SF_FORMAT_MPEG_LAYER_I, kNoCode, Code(".mp1"), 0x50, 384},
+    {SF_FORMAT_MPEG_LAYER_II, kNoCode, Code(".mp2"), 0x50, 1152},
+    {SF_FORMAT_MPEG_LAYER_III, kNoCode, Code(".mp3"), 0x55, 1152},
+    {SF_FORMAT_ALAC_16, kNoCode, Code("alac"), 0x6C61, 4096, 16},
+    {SF_FORMAT_ALAC_20, kNoCode, Code("alac"), 0x6C61, 4096, 20},
+    {SF_FORMAT_ALAC_24, kNoCode, Code("alac"), 0x6C61, 4096, 24},
+    {SF_FORMAT_ALAC_32, kNoCode, Code("alac"), 0x6C61, 4096, 32},
     {SF_FORMAT_G721_32, Code("ms\0\x40"), Code("g721"), 0x40, 8},
 }};
 
@@ -176,6 +183,7 @@ CompressedSound CodedSound(const SF_INFO& info, const FileType& type, std::uint6
             type.importer == Code("WAVE") && coded.in_wave != kNoCode ? coded.in_wave : coded.elsewhere;
         sound.frames_per_packet = coded.frames_per_packet;
         sound.wave_tag = coded.wave_tag;
+        sound.alac_bits = coded.alac_bits;
     }
     sound.channels = static_cast<std::uint32_t>(info.channels);
     sound.rate = static_cast<std::uint32_t>(info.samplerate);

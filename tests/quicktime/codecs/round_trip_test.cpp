@@ -139,6 +139,19 @@ TEST(RoundTrip, FewColoursStayExact) {
     EXPECT_EQ(Difference(MagickReads(images, qt::kGifExporter, gif), RgbaOf(image)), 0);
 }
 
+// Pictures are written in parts; one of these here is transparent throughout.
+TEST(RoundTrip, APictureIsTransparentInParts) {
+    for (const bool left : {true, false}) {
+        qt::PixelImage image = MakeImage(
+            64, 4, [&](int x, int) { return (x < 32) == left ? 0U : qt::Pixel(200, 100, 50, 255); });
+        image.has_alpha = true;
+        const qt::PixelImage back = ReadBack(Encoded(qt::kPictExporter, image, {}));
+        EXPECT_TRUE(back.has_alpha);
+        EXPECT_EQ(back.Row(2)[left ? 10 : 50], 0U);
+        EXPECT_EQ(back.Row(2)[left ? 50 : 10], qt::Pixel(200, 100, 50, 255));
+    }
+}
+
 TEST(RoundTrip, Jpeg2000FollowsQualityAndSize) {
     const MadeImages images;
     const Bytes plasma =

@@ -39,6 +39,7 @@ constexpr Format kFormats[] = {
     {"s8.aiff", "sox -D source.wav -b 8 s8.aiff", "AIFF", "lpcm", 88217, true},
     {"s24.aifc", "sox source.wav -b 24 s24.aifc vol 0.7", "AIFC", "in24", 88217, true},
     {"s.caf", "sox source.wav s.caf", "caff", "twos", 88217, true},
+    {"ima.caf", "ffmpeg -i source.wav -c:a adpcm_ima_qt ima.caf", "caff", "ima4", 1379 * 64, false},
     {"s.flac", "sox source.wav s.flac", "FLAC", "fLaC", 88217, true},
     {"cbr.mp3", "lame -b 128 source.wav cbr.mp3", "MP3 ", ".mp3", 88217, false},
     {"vbr.mp3", "lame -V 2 --id3v2-only --tt title source.wav vbr.mp3", "MP3 ", ".mp3", 88217, false},
