@@ -31,7 +31,15 @@ struct Content {
     qt::MemoryHandle picture;
     const FM_BinaryData* container = nullptr;
     std::int32_t stream = 0;
+    std::uint32_t size = 0;       ///< of the stream
+    std::vector<std::byte> piece; ///< of the stream, at first its beginning
 };
+
+FM_Error ReadPiece(Content& content, std::uint32_t offset) {
+    content.piece.resize(std::min(content.size - offset, kPieceSize));
+    return Host(FM_BinaryData_GetData, content.container, content.stream, offset,
+                static_cast<std::uint32_t>(content.piece.size()), static_cast<void*>(content.piece.data()));
+}
 
 // The whole text, zero characters and all; false when there is no memory for it and that is reported.
 bool TakeText(const FM_Data* parameter, std::string& text) {
@@ -65,7 +73,11 @@ bool FindContent(const FM_Data* parameter, Content& content) {
     }
     content.container = Host(FM_Data_GetBinaryData, parameter);
     content.stream = Host(FM_BinaryData_GetIndex, content.container, NewQuadChar(content.type).get());
-    return true;
+    content.size = Host(FM_BinaryData_GetSize, content.container, content.stream);
+    // Before a file is replaced: a stream that can't be read is known by its beginning.
+    const FM_Error code = ReadPiece(content, 0);
+    if (code != kFM_ErrorNone) ReportError(code, "Could not access stream data");
+    return code == kFM_ErrorNone;
 }
 
 // Resolves the target and completes its name; false when it can't be written to and that is reported.
@@ -110,27 +122,23 @@ private:
     native::FileNumber number_;
 };
 
-std::int32_t WriteStream(const Content& content, const OpenTarget& file) {
-    const std::uint32_t size = Host(FM_BinaryData_GetSize, content.container, content.stream);
-    std::vector<std::byte> piece(std::min(size, kPieceSize));
-    for (std::uint32_t offset = 0; offset < size;) {
-        const std::uint32_t amount = std::min(size - offset, kPieceSize);
-        std::int32_t code = Host(FM_BinaryData_GetData, content.container, content.stream, offset, amount,
-                                 static_cast<void*>(piece.data()));
-        if (code == 0) code = file.Write(offset, std::span(piece).first(amount));
+std::int32_t WriteStream(Content& content, const OpenTarget& file) {
+    for (std::uint32_t offset = 0; offset < content.size;) {
+        std::int32_t code = offset == 0 ? kFM_ErrorNone : ReadPiece(content, offset);
+        if (code == 0) code = file.Write(offset, content.piece);
         if (code != 0) return code;
-        offset += amount;
+        offset += static_cast<std::uint32_t>(content.piece.size());
     }
     return 0;
 }
 
-std::int32_t WriteContent(const Content& content, const OpenTarget& file) {
+std::int32_t WriteContent(Content& content, const OpenTarget& file) {
     if (content.container != nullptr) return WriteStream(content, file);
     if (content.picture) return file.Write(0, qt::HandleBytes(content.picture.get()));
     return file.Write(0, std::as_bytes(std::span(content.text)));
 }
 
-void WriteTarget(const Content& content, XFileSpec folder) {
+void WriteTarget(Content& content, XFileSpec folder) {
     const std::u16string name = utf::ToUtf16(folder.name);
     folder.MoveToParent();
     const native::CreatedFile created = native::CreateFile(folder.GetNativePathW(), name);

@@ -100,7 +100,9 @@ std::optional<std::string> TagValue(const Id3Tag& tag, const TagFrame& frame, co
     std::optional<std::string> text = data ? DecodeTagText(*data, name.content) : std::nullopt;
     if (!text) return text;
     if (name.name == "Genre") return GenreName(std::move(*text));
-    if (frame.id == kDate) text->resize(std::min(text->size(), kYearLength));
+    // A time stamp ("2004-05-06"), of which the year counts.
+    if (frame.id == kDate && text->size() > kYearLength && (*text)[kYearLength] == '-')
+        text->resize(kYearLength);
     return text;
 }
 

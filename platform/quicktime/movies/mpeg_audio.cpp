@@ -100,7 +100,8 @@ public:
             offset += header->size;
             if (row.frames == most) break;
         }
-        row.is_at_end = offset == data_.GetSize() || (row.frames > 1 && offset + kHeader > data_.GetSize());
+        row.is_at_end = offset == data_.GetSize() || IsLastTag(offset) ||
+                        (row.frames > 1 && offset + kHeader > data_.GetSize());
         return row;
     }
 
@@ -115,6 +116,14 @@ public:
     }
 
 private:
+    /// The tag of the first ID3 version, behind all frames.
+    bool IsLastTag(std::uint64_t offset) {
+        constexpr std::uint64_t kTagSize = 128;
+        std::array<std::byte, 3> mark{};
+        return offset + kTagSize == data_.GetSize() && data_.Read(offset, mark) == mark.size() &&
+               BigEndian(mark, 0, 3) == 0x544147; // "TAG"
+    }
+
     DataSource& data_;
     Bytes block_;
     std::uint64_t start_ = 0;
