@@ -66,8 +66,8 @@ Stored FindStored(GraphicsImportComponent importer, const ImageDescription& desc
     const bool is_wrapped = qt::FileTypeOf(importer) == kWrappingType;
     if (!is_wrapped && part.type != kPictureType) return part;
     const ComponentResult code = GraphicsImportGetDataOffsetAndSize(importer, &part.offset, &part.size);
-    const bool is_readable = code == noErr && (!is_wrapped || HasImporter(part.type));
-    return is_readable ? part : Stored{kWrappingType};
+    if (!is_wrapped) return part;
+    return code == noErr && HasImporter(part.type) ? part : Stored{kWrappingType};
 }
 
 /// True when the result is set; else a failure is reported.

@@ -36,9 +36,9 @@ constexpr PcmLayout FloatLayout(std::uint32_t channels, std::uint32_t rate) {
     return {SampleEncoding::kFloat32, false, channels, rate};
 }
 
-/// Whether compressed sound can have so many frames in so many bytes. A header that claims more is wrong, or
-/// says in its way that it doesn't know. FLAC's 65,535 frames of silence in ten bytes are the most of all
-/// codecs.
+/// Whether a header's word is to be taken that compressed sound of so many bytes has so many frames: FLAC
+/// packs 65,535 frames of silence into ten bytes. One that claims more is mostly wrong, or says in its way
+/// that it doesn't know, and the frames are counted instead.
 constexpr bool CanHoldFrames(std::uint64_t bytes, std::int64_t frames) {
     constexpr std::int64_t kMostFramesInAByte = 8'192;
     return frames / kMostFramesInAByte <= static_cast<std::int64_t>(bytes);

@@ -138,8 +138,8 @@ Bytes AlacExtension(const CompressedSound& sound) {
     writer.Atom(Code("alac"), [&] {
         writer.Put32(0);
         writer.Put32(sound.frames_per_packet);
-        writer.Put32(std::uint32_t{sound.alac_bits} << 16 | 40U << 8 |
-                     10U); // and the usual coding parameters
+        // With the coding parameters that all encoders use.
+        writer.Put32(std::uint32_t{sound.alac_bits} << 16 | 40U << 8 | 10U);
         writer.Put32(14U << 24 | sound.channels << 16 | 255U);
         writer.Put32(0); // the largest packet, unknown
         writer.Put32(8 * sound.average_bytes_per_second);
