@@ -2,6 +2,7 @@
 // the channels, as the shorter one leaves the meaning of the fourth byte open.
 #include "platform/quicktime/image_exporters/index_rows.h"
 #include "platform/quicktime/image_exporters/opaque_rows.h"
+#include "platform/quicktime/image_exporters/pass_on.h"
 #include "platform/quicktime/image_exporters/raw_rows.h"
 
 #include <array>
@@ -110,6 +111,7 @@ ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, 
 
 } // namespace
 
-const ImageExporter kBmpExporter = {kTypes, "bmp", "BMP", kDepths, false, false, {}, Encode};
+const ImageExporter kBmpExporter = {
+    kTypes, "bmp", "BMP", kDepths, false, false, {}, Encode, PassOnUnchanged<kBmpCodec>};
 
 } // namespace qt

@@ -1,4 +1,5 @@
 // GIF, through giflib: one frame of at most 256 colours, one of them transparent when pixels need it.
+#include "platform/quicktime/image_exporters/pass_on.h"
 #include "platform/quicktime/image_exporters/raw_rows.h"
 
 #include <algorithm>
@@ -96,6 +97,7 @@ ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, 
 
 } // namespace
 
-const ImageExporter kGifExporter = {kTypes, "gif", "GIF", kDepths, false, false, kMethods, Encode};
+const ImageExporter kGifExporter = {
+    kTypes, "gif", "GIF", kDepths, false, false, kMethods, Encode, PassOnUnchanged<kGifCodec>};
 
 } // namespace qt

@@ -2,6 +2,7 @@
 #include "platform/quicktime/image_codecs/jpeg2000_header.h"
 #include "platform/quicktime/image_exporters/big_endian.h"
 #include "platform/quicktime/image_exporters/opaque_rows.h"
+#include "platform/quicktime/image_exporters/pass_on.h"
 #include "platform/quicktime/image_exporters/raw_rows.h"
 
 #include <algorithm>
@@ -302,27 +303,12 @@ ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, 
     return Write(image, settings, {quality, 0, quality >= kLossless}, out);
 }
 
-/// Whether the data is a JP2 file that already is what the settings ask for.
-bool IsAsAsked(DataSource& source, const ImageDescription& description, const ExportSettings& settings) {
-    std::array<std::byte, 12> head;
-    Jpeg2000Header header;
-    const bool is_file = source.Read(0, head) == head.size() && SniffJpeg2000(head) &&
-                         ReadJpeg2000Header(source, header) == noErr && header.has_boxes;
-    return is_file && settings.depth.value_or(description.depth) == description.depth &&
-           settings.horizontal_resolution.value_or(description.hRes) == description.hRes &&
-           settings.vertical_resolution.value_or(description.vRes) == description.vRes &&
-           source.GetSize() <= settings.target_size.value_or(0xFFFF'FFFF);
-}
-
+/// What has no boxes is no file, and says nothing of resolutions.
 bool Transcode(DataSource& source, const ImageDescription& description, const ExportSettings& settings,
                EncodedBytes& out) {
-    if (!IsAsAsked(source, description, settings)) return false;
-    const std::size_t begin = out.size();
-    const auto size = static_cast<std::size_t>(source.GetSize());
-    out.resize(begin + size);
-    const bool is_whole = source.Read(0, std::span(out).subspan(begin)) == size;
-    if (!is_whole) out.resize(begin);
-    return is_whole;
+    Jpeg2000Header header;
+    return ReadJpeg2000Header(source, header) == noErr && header.has_boxes &&
+           PassOnUnchanged(kJpeg2000Codec, source, description, settings, out);
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "platform/quicktime/image_exporters/jpeg_transcode.h"
 
-#include "platform/quicktime/image_codecs/codec.h"
 #include "platform/quicktime/image_codecs/jpeg_reader.h"
 #include "platform/quicktime/image_exporters/jpeg_writer.h"
+#include "platform/quicktime/image_exporters/pass_on.h"
 
 #include <array>
 #include <new>
@@ -53,12 +53,6 @@ bool CopyCoefficients(DataSource& source, const ExportSettings& settings, Encode
     return copied;
 }
 
-bool CopyBytes(DataSource& source, EncodedBytes& out) {
-    const std::size_t before = out.size();
-    out.resize(before + source.GetSize());
-    return source.Read(0, std::span(out).subspan(before)) == source.GetSize();
-}
-
 bool Differs(const std::optional<Fixed>& wanted, Fixed present) {
     return wanted && *wanted != present;
 }
@@ -77,7 +71,7 @@ bool TranscodeJpeg(DataSource& source, const ImageDescription& /*description*/,
                           !Differs(settings.vertical_resolution, description.vRes);
     bool copied = false;
     try {
-        copied = as_it_is ? CopyBytes(source, out) : CopyCoefficients(source, settings, out);
+        copied = as_it_is ? AppendSource(source, out) : CopyCoefficients(source, settings, out);
     } catch (const std::bad_alloc&) {
         copied = false;
     }

@@ -2,7 +2,7 @@
 // a third of zlib's time for a smaller result.
 #include "platform/quicktime/image_exporters/png_rows.h"
 
-#include "platform/quicktime/image_exporters/exporter.h"
+#include "platform/quicktime/image_exporters/pass_on.h"
 
 #include <libdeflate.h>
 
@@ -150,6 +150,7 @@ ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, 
 
 } // namespace
 
-const ImageExporter kPngExporter = {kTypes, "png", "PNG", kDepths, false, false, kMethods, Encode};
+const ImageExporter kPngExporter = {
+    kTypes, "png", "PNG", kDepths, false, false, kMethods, Encode, PassOnUnchanged<kPngCodec>};
 
 } // namespace qt

@@ -5,6 +5,7 @@
 #include "platform/quicktime/image_exporters/big_endian.h"
 #include "platform/quicktime/image_exporters/index_rows.h"
 #include "platform/quicktime/image_exporters/opaque_rows.h"
+#include "platform/quicktime/image_exporters/pass_on.h"
 #include "platform/quicktime/image_exporters/quantise.h"
 #include "platform/quicktime/image_exporters/resolution.h"
 
@@ -228,6 +229,7 @@ ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, 
 
 } // namespace
 
-const ImageExporter kPhotoshopExporter = {kTypes, "psd", "Photoshop", kDepths, false, false, {}, Encode};
+const ImageExporter kPhotoshopExporter = {
+    kTypes, "psd", "Photoshop", kDepths, false, false, {}, Encode, PassOnUnchanged<kPhotoshopCodec>};
 
 } // namespace qt

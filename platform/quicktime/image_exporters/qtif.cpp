@@ -1,7 +1,7 @@
 // QuickTime image files: an image description and the image's data, which is a JPEG, or the plain pixels
 // when nothing may be lost.
-#include "platform/quicktime/image_codecs/codec.h"
 #include "platform/quicktime/image_exporters/big_endian.h"
+#include "platform/quicktime/image_exporters/pass_on.h"
 #include "platform/quicktime/image_exporters/resolution.h"
 
 #include <array>
@@ -123,11 +123,7 @@ bool Transcode(DataSource& source, const ImageDescription& description, const Ex
         described.vRes = static_cast<Fixed>(resolution.vertical);
     }
     AppendHeader(described, out);
-    const std::size_t data_at = out.size();
-    const auto size = static_cast<std::size_t>(source.GetSize());
-    out.resize(data_at + size);
-    const bool whole = source.Read(0, std::span(out).subspan(data_at)) == size;
-    if (whole && Complete(begin, out) == noErr) return true;
+    if (AppendSource(source, out) && Complete(begin, out) == noErr) return true;
     out.resize(begin);
     return false;
 }

@@ -1,6 +1,7 @@
 // SGI: grey, RGB or RGB with alpha, run-length encoded unless asked otherwise.
 #include "platform/quicktime/image_exporters/big_endian.h"
 #include "platform/quicktime/image_exporters/opaque_rows.h"
+#include "platform/quicktime/image_exporters/pass_on.h"
 #include "platform/quicktime/image_exporters/raw_rows.h"
 
 #include <algorithm>
@@ -139,6 +140,7 @@ ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, 
 
 } // namespace
 
-const ImageExporter kSgiExporter = {kTypes, "sgi", "SGI", kDepths, false, false, kMethods, Encode};
+const ImageExporter kSgiExporter = {
+    kTypes, "sgi", "SGI", kDepths, false, false, kMethods, Encode, PassOnUnchanged<kSgiCodec>};
 
 } // namespace qt

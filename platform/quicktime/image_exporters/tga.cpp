@@ -1,5 +1,6 @@
 // TGA: rows from the top down, run-length encoded unless asked otherwise.
 #include "platform/quicktime/image_exporters/opaque_rows.h"
+#include "platform/quicktime/image_exporters/pass_on.h"
 #include "platform/quicktime/image_exporters/raw_rows.h"
 
 #include <algorithm>
@@ -168,6 +169,7 @@ ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, 
 
 } // namespace
 
-const ImageExporter kTgaExporter = {kTypes, "tga", "TGA", kDepths, false, false, kMethods, Encode};
+const ImageExporter kTgaExporter = {
+    kTypes, "tga", "TGA", kDepths, false, false, kMethods, Encode, PassOnUnchanged<kTgaCodec>};
 
 } // namespace qt

@@ -3,6 +3,7 @@
 #include "platform/quicktime/image_codecs/tiff_file.h"
 #include "platform/quicktime/image_exporters/index_rows.h"
 #include "platform/quicktime/image_exporters/opaque_rows.h"
+#include "platform/quicktime/image_exporters/pass_on.h"
 #include "platform/quicktime/image_exporters/raw_rows.h"
 
 #include <algorithm>
@@ -236,6 +237,7 @@ ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, 
 
 } // namespace
 
-const ImageExporter kTiffExporter = {kTypes, "tif", "TIFF", kDepths, false, false, kMethods, Encode};
+const ImageExporter kTiffExporter = {
+    kTypes, "tif", "TIFF", kDepths, false, false, kMethods, Encode, PassOnUnchanged<kTiffCodec>};
 
 } // namespace qt

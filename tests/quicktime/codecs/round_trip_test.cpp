@@ -193,20 +193,31 @@ TEST(RoundTrip, Jpeg2000OfSeveralTiles) {
     EXPECT_GT(small.size(), 90'000U);
 }
 
-TEST(RoundTrip, Jpeg2000PassesOnWhatIsAsAsked) {
-    const Bytes bytes = Encoded(qt::kJpeg2000Exporter, MadeImage(67, 41, false), {24, {}, {}, 300, {}, {}});
-    const auto source = qt::MemorySource(std::span(bytes));
-    const ImageDescription description = FactsOf(qt::kJpeg2000Codec, bytes).description;
-    const auto passes = [&](const qt::ExportSettings& settings) {
-        qt::EncodedBytes out;
-        const bool passed = qt::kJpeg2000Exporter.transcode(*source, description, settings, out);
-        EXPECT_EQ(out, passed ? bytes : Bytes());
-        return passed;
-    };
-    EXPECT_TRUE(passes({24, 72 << 16, 72 << 16, 1024, {}, {}}));
-    EXPECT_FALSE(passes({40, {}, {}, {}, {}, {}}));
-    EXPECT_FALSE(passes({{}, 300 << 16, 300 << 16, {}, {}, {}}));
-    EXPECT_FALSE(passes({{}, {}, {}, {}, static_cast<std::uint32_t>(bytes.size() - 1), {}}));
+TEST(RoundTrip, PassesOnWhatIsAsAsked) {
+    for (const qt::ImageExporter* exporter :
+         {&qt::kPngExporter, &qt::kTiffExporter, &qt::kGifExporter, &qt::kBmpExporter, &qt::kTgaExporter,
+          &qt::kSgiExporter, &qt::kPhotoshopExporter, &qt::kJpeg2000Exporter}) {
+        SCOPED_TRACE(exporter->description);
+        const Bytes bytes = Encoded(*exporter, MadeImage(67, 41, false), {{}, {}, {}, 300, {}, {}});
+        const auto source = qt::MemorySource(std::span(bytes));
+        const ImageDescription description = FactsOf(*SniffedCodec(bytes), bytes).description;
+        const auto passes = [&](const qt::ExportSettings& settings) {
+            qt::EncodedBytes out;
+            const bool passed = exporter->transcode(*source, description, settings, out);
+            EXPECT_EQ(out, passed ? bytes : Bytes());
+            return passed;
+        };
+        EXPECT_TRUE(passes({description.depth, 72 << 16, 72 << 16, 1024, {}, {}}));
+        EXPECT_FALSE(passes({1, {}, {}, {}, {}, {}}));
+        EXPECT_FALSE(passes({{}, 300 << 16, 300 << 16, {}, {}, {}}));
+        EXPECT_FALSE(passes({{}, {}, {}, {}, static_cast<std::uint32_t>(bytes.size() - 1), {}}));
+        EXPECT_FALSE(passes({{}, {}, {}, {}, {}, 1}));
+    }
+    // One of several images can't be passed on.
+    const Bytes two = MadeImages().MakeBytes("-size 8x8 xc:red xc:blue", "two.gif");
+    qt::EncodedBytes out;
+    EXPECT_FALSE(qt::kGifExporter.transcode(*qt::MemorySource(std::span(two)),
+                                            FactsOf(qt::kGifCodec, two).description, {}, out));
 }
 
 } // namespace
