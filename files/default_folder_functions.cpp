@@ -1,6 +1,7 @@
 #include "files/default_folder.h"
 #include "files/file_function.h"
 #include "files/functions.h"
+#include "files/path_parameter.h"
 #include "plugin/errors.h"
 #include "plugin/host_data.h"
 #include "plugin/results.h"
@@ -11,7 +12,8 @@ namespace {
 void SetFolder(const FM_DataVect& parameters) {
     if (RequireTextParameter(parameters, 0, "Parameter (path) must be text")) return;
     XFileSpec folder = DefaultFolder(); // ".D" leaves it as it is where the desktop is unknown
-    const std::int32_t code = ResolvePathParameter(parameters, 0, folder);
+    // The name of a file that was chosen is the result.
+    const std::int32_t code = ResolvePathParameter(*Host(FM_DataVect_At, &parameters, 0), folder);
     if (code == kErrorUserCancelled) return ReportError(0, "Cancel");
     if (code != 0) return ReportError(code, "Failed to set default path");
     if (!folder.IsDirectory()) return ReportError(0, "Not a directory path");

@@ -24,10 +24,17 @@ std::u16string WithoutLastSeparator(const std::u16string& path) {
     return path.ends_with(u'\\') ? path.substr(0, path.size() - 1) : path;
 }
 
-// Where the last name begins. A name with a doubled separator in front of it brings one along ("/x").
-std::size_t LastName(const std::u16string& path) {
-    return path.find_last_of(u"\\/") + 1;
-}
+// A path without separators at its end, and where its last name begins. A name next to a doubled separator
+// has one of the other kind in it ("/x").
+struct LastName {
+    explicit LastName(const std::u16string& whole)
+        : path(whole.substr(0, whole.find_last_not_of(kSeparators) + 1)),
+          begin(path.find_last_of(kSeparators) + 1) {}
+
+    static constexpr std::u16string_view kSeparators = u"\\/";
+    std::u16string path;
+    std::size_t begin;
+};
 
 bool Exists(const std::u16string& path) {
     return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
@@ -89,8 +96,8 @@ std::int32_t CopyItem(const std::u16string& source_path, const std::u16string& f
     constexpr FILEOP_FLAGS kFlags = FOF_SILENT | FOF_NOCONFIRMMKDIR | FOF_NOERRORUI;
     const std::u16string target = folder_path + target_name;
     if (replace) return ShellOperation(FO_COPY, source_path, target, kFlags | FOF_NOCONFIRMATION);
-    const std::u16string source = WithoutLastSeparator(source_path);
-    if (Exists(target_name.empty() ? folder_path + source.substr(LastName(source)) : target))
+    const LastName own(source_path);
+    if (Exists(target_name.empty() ? folder_path + own.path.substr(own.begin) : target))
         return kCopyTargetExists;
     const auto code = static_cast<DWORD>(ShellOperation(FO_COPY, source_path, target, kFlags));
     const bool stands_there = code == DE_FLDDESTISFILE || code == DE_FILEDESTISFLD;
@@ -102,8 +109,8 @@ std::int32_t MoveItem(const std::u16string& source_path, const std::u16string& f
 }
 
 std::int32_t RenameItem(const std::u16string& path, const std::u16string& new_name) {
-    const std::u16string source = WithoutLastSeparator(path);
-    return ShellOperation(FO_RENAME, source, source.substr(0, LastName(source)) + new_name, 0);
+    const LastName old(path);
+    return ShellOperation(FO_RENAME, old.path, old.path.substr(0, old.begin) + new_name, 0);
 }
 
 std::int32_t DeleteItem(const std::u16string& path) {

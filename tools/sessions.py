@@ -9,7 +9,7 @@ WORLD = r"""
 set -e
 mkdir -p media/folder work tmp
 cd media
-convert -size 160x120 plasma:red-blue photo.jpg
+convert -seed 1 -size 160x120 plasma:red-blue photo.jpg
 convert photo.jpg -set Title Plasma photo.png
 for type in gif bmp tga sgi pcx psd jp2 pict; do convert photo.jpg "photo.$type"; done
 convert photo.jpg photo.png -compress lzw pages.tif

@@ -139,8 +139,8 @@ hres, vres    dots per inch
 targetBytes   the size that the result should not exceed; goes before quality
 quality       0 lowest, 512 normal, 1024 best
 imageIndex    which of several images, from 1
-transcode     1: compressed data is passed on as it is where possible: of JPEG, and of a
-              single image that has the type, depth and resolution already
+transcode     1: compressed data is passed on as it is, not decoded, where possible: of JPEG,
+              and of a single image that has the type, depth and resolution already
 packBits      1: TIFF with PackBits; 0: without compression
 interlace     1: progressive or interlaced; 0: not
 -1 in any of them leaves it to the encoder. Two parameters alone use the settings of the latest call with all.)",

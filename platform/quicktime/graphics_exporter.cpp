@@ -23,14 +23,16 @@ ComponentResult EncodePort(const GraphicsExporter& exporter, EncodedBytes& out) 
 }
 
 /// Whether the input's compressed data, which may be a part of its file, could be passed on.
-bool PassOn(const GraphicsExporter& exporter, const ImageDescription& description,
-            const ExportSettings& settings, EncodedBytes& out) {
+bool PassOn(const GraphicsExporter& exporter, const ImageDescription& description, ExportSettings settings,
+            EncodedBytes& out) {
     if (!exporter.dont_recompress || exporter.format.transcode == nullptr) return false;
     DataSource* source = UnchangedSource(exporter.input);
     std::uint64_t offset = 0;
     std::uint64_t size = 0;
     if (source == nullptr || GraphicsImportGetDataOffsetAndSize(exporter.input, &offset, &size) != noErr)
         return false;
+    if (exporter.format.methods.empty()) settings.compression_method.reset();
+    if (!exporter.format.has_target_size) settings.target_size.reset();
     PartSource data(*source, offset, size);
     return exporter.format.transcode(data, description, settings, out);
 }

@@ -108,7 +108,7 @@ DWORD Move(const Place& from, const Place& to) {
         error = errno == EXDEV ? MoveByCopy(from, to) : FromErrno(errno);
     // The item replaced one whose name differs in case, and keeps its own.
     if (error == ERROR_SUCCESS && to.name != to.spelling)
-        renameat(to.folder.get(), to.name.c_str(), to.folder.get(), to.spelling.c_str());
+        renameat2(to.folder.get(), to.name.c_str(), to.folder.get(), to.spelling.c_str(), RENAME_NOREPLACE);
     return error;
 }
 

@@ -172,10 +172,11 @@ bool Canvas::DrawMap(PixelRows& rows, const PixelMap& map, const Placement& plac
     DrawRows(BoxOf(map.bounds), placement, map.is_bitmap, row_at);
     skip_to(map.Height());
     if (!map.HasAlpha()) return complete;
-    const bool is_empty = Alpha(some_alphas) == 0;
-    has_empty_alpha_ |= is_empty;
-    has_used_alpha_ |= !is_empty;
-    image_.has_alpha |= !is_empty && all_alphas != kOpaque;
+    const bool is_used = Alpha(some_alphas) != 0;
+    const bool is_opaque = Alpha(all_alphas) == 0xFF; // as is what was not drawn at all
+    has_empty_alpha_ |= !is_used && !is_opaque;
+    has_used_alpha_ |= is_used;
+    image_.has_alpha |= is_used && !is_opaque;
     return complete;
 }
 

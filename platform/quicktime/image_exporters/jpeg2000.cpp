@@ -304,11 +304,11 @@ ComponentResult Encode(const PixelImage& image, const ExportSettings& settings, 
 }
 
 /// What has no boxes is no file, and says nothing of resolutions.
-bool Transcode(DataSource& source, const ImageDescription& description, const ExportSettings& settings,
+bool Transcode(DataSource& source, const ImageDescription& /*description*/, const ExportSettings& settings,
                EncodedBytes& out) {
     Jpeg2000Header header;
     return ReadJpeg2000Header(source, header) == noErr && header.has_boxes &&
-           PassOnUnchanged(kJpeg2000Codec, source, description, settings, out);
+           PassOnUnchanged(kJpeg2000Codec, source, settings, out);
 }
 
 } // namespace

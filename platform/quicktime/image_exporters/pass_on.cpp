@@ -1,17 +1,22 @@
 #include "platform/quicktime/image_exporters/pass_on.h"
 
 #include <array>
-#include <limits>
+#include <cstdlib>
 
 namespace qt {
 namespace {
 
+/// Files count dots in other units, and round.
+bool IsNear(std::optional<Fixed> asked, Fixed there) {
+    constexpr std::int64_t kHalf = 1 << 15;
+    return !asked || std::abs(std::int64_t{*asked} - there) < kHalf;
+}
+
 bool IsAsAsked(const ImageDescription& description, std::uint64_t size, const ExportSettings& settings) {
-    constexpr std::uint32_t kAnySize = std::numeric_limits<std::uint32_t>::max();
     return settings.depth.value_or(description.depth) == description.depth &&
-           settings.horizontal_resolution.value_or(description.hRes) == description.hRes &&
-           settings.vertical_resolution.value_or(description.vRes) == description.vRes &&
-           size <= settings.target_size.value_or(kAnySize) && !settings.compression_method;
+           IsNear(settings.horizontal_resolution, description.hRes) &&
+           IsNear(settings.vertical_resolution, description.vRes) &&
+           (!settings.target_size || size <= *settings.target_size) && !settings.compression_method;
 }
 
 } // namespace
@@ -25,13 +30,13 @@ bool AppendSource(DataSource& source, EncodedBytes& out) {
     return is_whole;
 }
 
-bool PassOnUnchanged(const ImageCodec& codec, DataSource& source, const ImageDescription& description,
-                     const ExportSettings& settings, EncodedBytes& out) {
+bool PassOnUnchanged(const ImageCodec& codec, DataSource& source, const ExportSettings& settings,
+                     EncodedBytes& out) {
     std::array<std::byte, kSniffedBytes> head;
     if (FindImageCodec(std::span(head).first(source.Read(0, head))) != &codec) return false;
     ImageFacts facts;
     return codec.read_facts(source, facts) == noErr && facts.image_count == 1 &&
-           IsAsAsked(description, source.GetSize(), settings) && AppendSource(source, out);
+           IsAsAsked(facts.description, source.GetSize(), settings) && AppendSource(source, out);
 }
 
 } // namespace qt

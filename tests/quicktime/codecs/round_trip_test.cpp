@@ -200,24 +200,25 @@ TEST(RoundTrip, PassesOnWhatIsAsAsked) {
         SCOPED_TRACE(exporter->description);
         const Bytes bytes = Encoded(*exporter, MadeImage(67, 41, false), {{}, {}, {}, 300, {}, {}});
         const auto source = qt::MemorySource(std::span(bytes));
-        const ImageDescription description = FactsOf(*SniffedCodec(bytes), bytes).description;
+        const int depth = FactsOf(*SniffedCodec(bytes), bytes).description.depth;
         const auto passes = [&](const qt::ExportSettings& settings) {
             qt::EncodedBytes out;
-            const bool passed = exporter->transcode(*source, description, settings, out);
+            const bool passed = exporter->transcode(*source, {}, settings, out);
             EXPECT_EQ(out, passed ? bytes : Bytes());
             return passed;
         };
-        EXPECT_TRUE(passes({description.depth, 72 << 16, 72 << 16, 1024, {}, {}}));
+        EXPECT_TRUE(passes({depth, (72 << 16) + 99, 72 << 16, 1024, {}, {}}));
         EXPECT_FALSE(passes({1, {}, {}, {}, {}, {}}));
         EXPECT_FALSE(passes({{}, 300 << 16, 300 << 16, {}, {}, {}}));
         EXPECT_FALSE(passes({{}, {}, {}, {}, static_cast<std::uint32_t>(bytes.size() - 1), {}}));
         EXPECT_FALSE(passes({{}, {}, {}, {}, {}, 1}));
     }
-    // One of several images can't be passed on.
+    // Another format can't be passed on, nor one of several images.
+    const Bytes bmp = Encoded(qt::kBmpExporter, MadeImage(5, 5, false), {});
     const Bytes two = MadeImages().MakeBytes("-size 8x8 xc:red xc:blue", "two.gif");
     qt::EncodedBytes out;
-    EXPECT_FALSE(qt::kGifExporter.transcode(*qt::MemorySource(std::span(two)),
-                                            FactsOf(qt::kGifCodec, two).description, {}, out));
+    EXPECT_FALSE(qt::kPngExporter.transcode(*qt::MemorySource(std::span(bmp)), {}, {}, out));
+    EXPECT_FALSE(qt::kGifExporter.transcode(*qt::MemorySource(std::span(two)), {}, {}, out));
 }
 
 } // namespace
