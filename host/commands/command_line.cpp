@@ -51,10 +51,12 @@ options
   --answer TEXT            without windows, what the next dialog answers: ok,
                            cancel, file:PATH, folder:PATH, set:KEY=VALUE,…;
                            repeatable
-  --json                   results as JSON, one object per calculation
+  --json                   results as JSON, one object per calculation (or
+                           function, or record)
   --raw                    text results byte for byte
   --save-streams DIR       write the streams of container results to files
-  --strict                 exit status 1 when a calculation fails
+  --strict                 exit status 1 when a calculation answers an error:
+                           a code, or a text $code:message
   --progress auto|always|never   progress of long work on standard error
   --help                   this text
   --version                the version of program and plug-in

@@ -23,8 +23,8 @@ drive.)",
      R"($CODE:MESSAGE as the result:
 0      the dialog was cancelled, or the path leads to no folder
 20102  the path is no text
-other codes of paths: -43 no such item, -120 no such folder, -50 no such form of a path,
--35 no such drive)",
+other codes of paths: -43 no such item, -120 no such folder or drive, -50 no such form of a path, 53 no such share,
+123 no valid name, 555 a container that holds the file itself, 996 no such special folder)",
      R"(Media_SetDefaultFolder ( "/C:/home/ann" ) & Media_GetDefaultFolder)", "/C:/home/ann"},
     {"Media_GetDefaultFolder", "The folder from which relative paths count.", "", "Text: its path.",
      "$20100:MESSAGE as the result: there are parameters", "Media_GetDefaultFolder", "/C:"},
@@ -117,7 +117,7 @@ Type: txt)"},
 alias        path of the shortcut, without ".lnk", which is added)",
      "Empty text. The file has the documented format of shell links, which others read too.",
      R"($CODE:MESSAGE as the result:
-0     there is an item with the name of the alias
+0     there is an item with the name of the alias, without ".lnk"; a shortcut that is there is replaced
 -43   there is no such target
 -120  there is no such folder
 other codes of paths and of the system)",

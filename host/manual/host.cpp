@@ -18,7 +18,7 @@ file   Unix path of the file with the stream's bytes)",
      R"(HostContainer ( "JPEG" ; "/home/ann/a.jpg" ))"},
     {"HostReference", "A container without streams that refers to a file.",
      "text   reference text, lines separated by ¶", "A container.", kNoErrors,
-     R"(HostReference ( "size:320,240¶movie:/C:/films/a.mov" ))"},
+     R"(HostReference ( "size:320,240¶movie:a.mov¶moviewin:/C:/films/a.mov" ))"},
     {"HostStream", "The bytes of a stream.",
      R"(container   the container
 type        four bytes; the first stream of that type counts)",

@@ -42,7 +42,8 @@ other codes of paths, files and servers)",
      R"(Media_InsertFile ( "/C:/home/ann/a.txt" ; False ; True ))", "hello"},
     {"Media_ExportField", "Writes the main stream of a container, or a text, to a file.",
      R"(container   a container, or a text
-path        the file; a name without extension gets that of the stream's type
+path        the file; a name without extension gets that of the stream's type, where it is one that
+            Media_ListImageOutputTypes lists, "snd " or a text
 replace     true: a file that is there is replaced)",
      "Empty text.",
      R"($CODE:MESSAGE as the result:
@@ -106,8 +107,10 @@ transparency, transparent where the image is not), its size and a JPEG preview. 
 image; Media_ExportField takes what Media_ConvertImage makes of it.)",
      R"($CODE:MESSAGE as the result:
 20100  not exactly one parameter
+20400  no image
+-2005  nothing reads this kind of data
 -50    the part of Media_TCrop has no pixel of the image, or the quadrilateral is none
--8963  the result is empty, or above 30,000 pixels either way
+-8963  the result is empty, above 30,000 pixels either way, or above 1 GiB
 other codes of files and of the image decoder)",
      R"(Let ( [ a = Media_TClear ; b = Media_TRotate ( 30 ) ] ; Media_TApply ( "/C:/home/ann/photo.jpg" ) ))",
      R"(container
@@ -122,7 +125,8 @@ previewMark      true (at start): thin lines in the picture say that it is a pre
     {"Media_ConversionDialog", "Asks for an encoder's settings.",
      "imageType   a type of Media_ListImageOutputTypes; a whole line of that list will do",
      R"(Text: lines KEY=VALUE: format, depth, resolution, quality, size, method, as far as they are set or the
-format has them. Without windows the answer "set:quality=300,depth=8" changes settings, "ok" none.)",
+format has them. Without windows the answer "set:quality=300,depth=8" changes settings, "ok" none; Cancel leaves
+them. The text is for the caller: Media_ConvertImage takes its settings as parameters.)",
      R"($CODE:MESSAGE as the result:
 20100  not exactly one parameter
 20101  no type code
@@ -213,6 +217,7 @@ Size (bytes), Compressor Type (four characters), Compressor Description.)",
 20100  not exactly one parameter
 20400  the container has no image
 -43    there is no such file
+-2005  nothing reads this kind of data
 -989   the data of the image are not valid
 other codes of files and of the image decoder)",
      R"(Media_GetImageInfo ( "/C:/home/ann/photo.jpg" ))",

@@ -45,8 +45,10 @@ With a code the result is empty; Media_GetLastError has the message.)",
                          with a sound resource or a reference)",
      R"(Text: the reference to a WAVE file in the temporary folder, 16-bit, stereo, 44,100 Hz; through a
 reference movie beside it while the setting lmworkaround is on.)",
-     R"(-43    a file is missing
--50    not two parameters, or one is no sound
+     R"(-43    the file that a reference names is missing
+-50    not two parameters, a path that leads to no file, or a number
+-1302  a path leads to a folder
+-2010  a container is empty
 -2014  the first sound is empty
 -2048  a file is no sound
 -2114  a container holds no sound
@@ -123,13 +125,15 @@ track       the sound track, from 1, and after a "/" the channel: left, right, a
 width, height
             of the picture in pixels; 20 rows stay white above the bands and below each
 startTime, endTime
-            H:M:S or H:M:S.F, in either order; an end of 0:0:0 is that of the track
+            H:M:S or H:M:S.F, in either order, and not left out; 0:0:0 for both is the whole track
 fgcolor, bgcolor
             of the wave and of the bands: "#" and six hexadecimal digits; without them green on black)",
      R"(A container with a JPEG image. Answers the host 0: a failure is only in Media_GetLastError, and the result
 is empty then.)",
      R"(-4     an uncompressed sound of 8 bits
--50    a parameter that can't be read, or a height that leaves a band less than 20 rows
+-39    both times are the same, and not 0
+-50    a parameter that can't be read, or a height below 20 and 20 for each band
+-108   a picture of more than 30,000 pixels either way
 -205   no such channel
 -2014  the times lie behind the sound's end
 -2030  no such sound track
