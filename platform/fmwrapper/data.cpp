@@ -65,7 +65,7 @@ const FM_Text& FM_Data::AsText() const {
 
 const FM_FixPt& FM_Data::AsNumber() const {
     if (!number_) {
-        const auto value = fm::Decimal::FromText(utf::ToUtf8(AsText().units));
+        const auto value = fm::Decimal::FromText(AsText().units);
         has_number_ = value.has_value();
         number_.emplace(value.value_or(fm::Decimal()));
     }

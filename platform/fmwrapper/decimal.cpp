@@ -52,6 +52,30 @@ bool IsDigit(char character) {
     return character >= '0' && character <= '9';
 }
 
+/// Of UTF-8 or UTF-16: only ASCII counts, and what the digits are found among may be long.
+template <class Text>
+std::optional<Decimal> ReadDigits(Text text) {
+    std::string digits;
+    bool point = false;
+    bool negative = false;
+    bool any = false;
+    for (const auto unit : text) {
+        const char character = unit == static_cast<char>(unit) ? static_cast<char>(unit) : '\0';
+        if (IsDigit(character)) {
+            digits.push_back(character);
+            any = true;
+        } else if (character == '.' && !point) {
+            digits.push_back(character);
+            point = true;
+        } else if (character == '-' && !any) {
+            negative = true;
+        }
+        if (digits.size() > Decimal::kMaxDigits) break;
+    }
+    if (!any) return std::nullopt;
+    return Decimal::Parse(negative ? "-" + digits : digits);
+}
+
 } // namespace
 
 Decimal::Decimal(std::int64_t value) : units_(static_cast<long>(value)) {}
@@ -97,24 +121,11 @@ std::optional<Decimal> Decimal::Parse(std::string_view digits) {
 }
 
 std::optional<Decimal> Decimal::FromText(std::string_view utf8) {
-    std::string digits;
-    bool point = false;
-    bool negative = false;
-    bool any = false;
-    for (const char character : utf8) {
-        if (IsDigit(character)) {
-            digits.push_back(character);
-            any = true;
-        } else if (character == '.' && !point) {
-            digits.push_back(character);
-            point = true;
-        } else if (character == '-' && !any) {
-            negative = true;
-        }
-        if (digits.size() > kMaxDigits) break;
-    }
-    if (!any) return std::nullopt;
-    return Parse(negative ? "-" + digits : digits);
+    return ReadDigits(utf8);
+}
+
+std::optional<Decimal> Decimal::FromText(std::u16string_view text) {
+    return ReadDigits(text);
 }
 
 std::optional<Decimal> Decimal::FromDouble(double value) {

@@ -25,6 +25,7 @@ public:
     /// Reads a text as the host does: all digits, the first point, a minus before the first digit; every
     /// other character is passed over. nullopt when the text holds no digit.
     static std::optional<Decimal> FromText(std::string_view utf8);
+    static std::optional<Decimal> FromText(std::u16string_view text);
 
     /// The shortest decimal that reads back as `value`; nullopt for infinities and NaN.
     static std::optional<Decimal> FromDouble(double value);
