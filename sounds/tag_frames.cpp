@@ -25,7 +25,6 @@ constexpr std::uint16_t kDataLength4 = 0x01;
 
 constexpr std::size_t kLargestTag = (std::size_t{1} << 28) - 1; // four bytes of 7 bits
 constexpr std::size_t kLargestShortFrame = 0xFFFFFF;            // of version 2.2
-constexpr std::size_t kLargestInflated = std::size_t{16} << 20; // of a text
 constexpr std::size_t kPadding = 2048;                          // of a tag that has to grow
 constexpr std::size_t kLargestPadding = std::size_t{64} * 1024;
 
@@ -79,8 +78,9 @@ bool Take(std::string_view& data, std::size_t count) {
     return true;
 }
 
-std::optional<std::string> Inflate(std::string_view data, std::size_t size) {
-    if (size > kLargestInflated) return std::nullopt;
+std::optional<std::string> Inflate(std::string_view data, std::size_t size, std::size_t& allowance) {
+    if (size > allowance) return std::nullopt;
+    allowance -= size;
     std::string plain(size, '\0');
     uLongf inflated = size;
     const int status = uncompress(reinterpret_cast<Bytef*>(plain.data()), &inflated,
@@ -90,7 +90,7 @@ std::optional<std::string> Inflate(std::string_view data, std::size_t size) {
     return plain;
 }
 
-std::optional<std::string> Data3(const TagFrame& frame) {
+std::optional<std::string> Data3(const TagFrame& frame, std::size_t& allowance) {
     std::string_view data = frame.content;
     const bool compressed = (frame.flags & kCompressed3) != 0;
     std::size_t size = 0;
@@ -100,10 +100,10 @@ std::optional<std::string> Data3(const TagFrame& frame) {
         if (!Take(data, 4)) return std::nullopt;
     }
     if ((frame.flags & kGrouped3) != 0 && !Take(data, 1)) return std::nullopt;
-    return compressed ? Inflate(data, size) : std::string(data);
+    return compressed ? Inflate(data, size, allowance) : std::string(data);
 }
 
-std::optional<std::string> Data4(const TagFrame& frame, bool unsynchronised) {
+std::optional<std::string> Data4(const TagFrame& frame, bool unsynchronised, std::size_t& allowance) {
     std::string_view data = frame.content;
     std::size_t size = 0;
     if ((frame.flags & kEncrypted4) != 0) return std::nullopt;
@@ -113,7 +113,7 @@ std::optional<std::string> Data4(const TagFrame& frame, bool unsynchronised) {
         if (!Take(data, 4)) return std::nullopt;
     }
     std::string plain = unsynchronised ? UndoUnsynchronisation(data) : std::string(data);
-    return (frame.flags & kCompressed4) != 0 ? Inflate(plain, size) : plain;
+    return (frame.flags & kCompressed4) != 0 ? Inflate(plain, size, allowance) : plain;
 }
 
 } // namespace
@@ -195,8 +195,10 @@ bool Id3Tag::BeginsLikeAFrame(std::string_view body) const {
 std::optional<std::string> Id3Tag::DataOf(const TagFrame& frame) const {
     switch (version_) {
     case 2: return std::string(frame.content);
-    case 3: return Data3(frame);
-    default: return Data4(frame, (frame.flags & kUnsynchronised4) != 0 || (flags_ & kTagUnsynchronised) != 0);
+    case 3: return Data3(frame, inflatable_);
+    default:
+        return Data4(frame, (frame.flags & kUnsynchronised4) != 0 || (flags_ & kTagUnsynchronised) != 0,
+                     inflatable_);
     }
 }
 

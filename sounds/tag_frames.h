@@ -38,8 +38,8 @@ public:
 
     [[nodiscard]] int Version() const { return version_; } ///< 2, 3 or 4
     [[nodiscard]] const std::vector<TagFrame>& Frames() const { return frames_; }
-    /// A frame's data with compression and the like undone; nothing when that can't be, or is not worth the
-    /// memory.
+    /// A frame's data with compression and the like undone; nothing when that can't be, or when more than
+    /// 16 MiB would have been inflated in all.
     [[nodiscard]] std::optional<std::string> DataOf(const TagFrame& frame) const;
 
     void RemoveAll();
@@ -69,6 +69,7 @@ private:
     std::deque<std::string> made_;
     std::vector<TagFrame> frames_;
     std::string_view rest_;
+    mutable std::size_t inflatable_ = std::size_t{16} << 20; ///< bytes that may still be inflated
 };
 
 } // namespace corvane

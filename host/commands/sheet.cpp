@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -23,24 +25,31 @@ constexpr std::uint32_t kFileStream = 0x46494C45; // "FILE"
 // containers of sounds only.
 class TemporaryFile {
 public:
+    /// Its path is empty when it can't be made.
     TemporaryFile(const fm::Bytes& bytes, const std::string& extension) {
         std::error_code error;
-        path_ = std::filesystem::temp_directory_path(error) /
-                ("corvane-sheet-" + std::to_string(::getpid()) + extension);
-        std::ofstream(path_, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        path_ = (std::filesystem::temp_directory_path(error) / ("corvane-sheet-XXXXXX" + extension)).string();
+        // Others must not read it, nor have put a link in its place.
+        const int descriptor = ::mkstemps(path_.data(), static_cast<int>(extension.size()));
+        if (descriptor < 0) {
+            path_.clear();
+            return;
+        }
+        std::FILE* file = ::fdopen(descriptor, "wb");
+        if (file == nullptr) return;
+        std::fwrite(bytes.data(), 1, bytes.size(), file);
+        std::fclose(file);
     }
     ~TemporaryFile() {
-        std::error_code error;
-        std::filesystem::remove(path_, error);
+        if (!path_.empty()) ::unlink(path_.c_str());
     }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-    [[nodiscard]] std::string Path() const { return path_.string(); }
+    [[nodiscard]] const std::string& Path() const { return path_; }
 
 private:
-    std::filesystem::path path_;
+    std::string path_;
 };
 
 // ".mp3" of a file's path text; empty when there is nothing like it.

@@ -21,7 +21,7 @@ constexpr int kAttempts = 1000;
 
 // Counts up from a random start, so that neither this process nor, in practice, another gives a name again.
 std::uint64_t NextNumber() {
-    static std::uint64_t number = [] {
+    static std::atomic<std::uint64_t> number = [] {
         std::random_device random;
         return (std::uint64_t{random()} << 16) ^ random();
     }();
@@ -72,6 +72,5 @@ UINT GetTempFileNameW(const WCHAR* folder, const WCHAR* prefix, UINT unique, WCH
 }
 
 std::string win32::UnfinishedName() {
-    static std::atomic<unsigned> counter = 0;
-    return ".corvane-" + std::to_string(getpid()) + "-" + std::to_string(counter++);
+    return ".corvane-" + utf::ToUtf8(HexadecimalDigits(NextNumber()));
 }

@@ -89,6 +89,12 @@ bool HasTooManyProperties(std::string_view packet) {
     return count > kMost;
 }
 
+/// The same of IPTC's data sets, each of which begins with this byte.
+bool HasTooManyDataSets(std::span<const std::byte> record) {
+    constexpr std::ptrdiff_t kMost = 10'000;
+    return std::ranges::count(record, std::byte{0x1C}) > kMost;
+}
+
 } // namespace
 
 void AppendTextItem(OSType type, std::string_view text, std::vector<MetadataItem>& items) {
@@ -98,7 +104,7 @@ void AppendTextItem(OSType type, std::string_view text, std::vector<MetadataItem
 }
 
 void AppendIptcItems(std::span<const std::byte> record, std::vector<MetadataItem>& items) {
-    const MetadataModule* module = ModuleFor(record.size());
+    const MetadataModule* module = HasTooManyDataSets(record) ? nullptr : ModuleFor(record.size());
     if (module == nullptr) return;
     Received received{items, items.size(), false};
     module->read_iptc(record.data(), record.size(), Receive, &received);

@@ -68,6 +68,9 @@ public:
     /// transparent.
     void Finish();
 
+    /// Pays for work that is not drawing, in pixels that could be painted meanwhile.
+    void Charge(std::int64_t pixels) { budget_ -= pixels; }
+
     /// Whether more was drawn than any sensible picture draws; nothing is drawn from then on.
     [[nodiscard]] bool IsExhausted() const { return budget_ <= 0; }
 

@@ -77,6 +77,10 @@ void SkipMatte(PictCursor& data, std::size_t size) {
     data.Skip(std::max<std::size_t>(description_size, 4) - 4 + size);
 }
 
+// What shapes cost that may turn out empty, in pixels that could be painted in the same time.
+constexpr std::int64_t kCrossingCost = 8;
+constexpr std::int64_t kBoxCost = 16;
+
 /// Systems without the decompressor show these words in place of the image in front of them.
 bool IsExcuse(std::string_view text) {
     const auto has = [&](std::string_view words) { return text.find(words) != std::string_view::npos; };
@@ -232,6 +236,7 @@ void PictPlayer::PlayShape(std::uint32_t operation) {
         DrawPolygon(verb);
     } else if (kind == kRegion) {
         if (!same) region_ = ReadRegion(cursor_.ReadBlock());
+        canvas_.Charge(kBoxCost * static_cast<std::int64_t>(region_.Boxes().size()));
         Region outline = region_;
         if (verb == kFrame) outline.Subtract(region_.Shrunk(pen_width_, pen_height_));
         DrawShape(verb, region_, outline);
@@ -286,7 +291,8 @@ void PictPlayer::ReadPolygon() {
 
 void PictPlayer::DrawPolygon(Verb verb) {
     if (verb != kFrame) {
-        DrawShape(verb, PolygonRegion(polygon_, canvas_.Bounds()), {});
+        canvas_.Charge(kCrossingCost * CrossingsOf(polygon_, canvas_.Bounds()));
+        if (!canvas_.IsExhausted()) DrawShape(verb, PolygonRegion(polygon_, canvas_.Bounds()), {});
         return;
     }
     for (std::size_t i = 0; i < polygon_.size() && !canvas_.IsExhausted(); ++i) {

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint32_t kEndOfLine = 0x7FFF;
 constexpr std::size_t kMostBoxes = 1 << 18;
-constexpr double kMostCrossings = 1 << 22; ///< of a polygon's edges with rows
+constexpr std::int64_t kMostCrossings = 1 << 22; ///< of a polygon's edges with rows
 
 void AddSpan(std::vector<Box>& boxes, std::int32_t y, std::int32_t left, std::int32_t right) {
     if (left < right) boxes.push_back({left, y, right, y + 1});
@@ -40,6 +40,18 @@ void Toggle(std::vector<std::int32_t>& row, std::int32_t x) {
 
 /// Row and column.
 using Crossing = std::pair<std::int32_t, std::int32_t>;
+
+struct Edge {
+    Point upper;
+    Point lower;
+};
+
+/// The edge of a closed polygon that begins at a point.
+Edge EdgeFrom(std::span<const Point> points, std::size_t index) {
+    const Point& one = points[index];
+    const Point& other = points[(index + 1) % points.size()];
+    return one.y > other.y ? Edge{other, one} : Edge{one, other};
+}
 
 /// The rows whose middles an edge crosses.
 std::pair<std::int32_t, std::int32_t> EdgeRows(const Point& upper, const Point& lower, const Box& within) {
@@ -178,16 +190,22 @@ Region WedgeRegion(const Box& box, int start, int angle, const Box& within) {
     return PolygonRegion(points, within);
 }
 
+std::int64_t CrossingsOf(std::span<const Point> points, const Box& within) {
+    std::int64_t count = 0;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const auto [upper, lower] = EdgeFrom(points, i);
+        const auto [first, end] = EdgeRows(upper, lower, within);
+        count += std::max(end - first, 0);
+    }
+    return count;
+}
+
 Region PolygonRegion(std::span<const Point> points, const Box& within) {
     std::vector<Crossing> crossings;
-    double expected = 0.0;
+    if (CrossingsOf(points, within) > kMostCrossings) return {};
     for (std::size_t i = 0; i < points.size(); ++i) {
-        Point upper = points[i];
-        Point lower = points[(i + 1) % points.size()];
-        if (upper.y > lower.y) std::swap(upper, lower);
+        const auto [upper, lower] = EdgeFrom(points, i);
         const auto [first, end] = EdgeRows(upper, lower, within);
-        expected += end - first;
-        if (expected > kMostCrossings) return {};
         for (std::int32_t y = first; y < end; ++y) {
             const double x = upper.x + (lower.x - upper.x) * (y + 0.5 - upper.y) / (lower.y - upper.y);
             crossings.emplace_back(y, static_cast<std::int32_t>(std::ceil(x - 0.5)));

@@ -54,6 +54,8 @@ Region RoundRectRegion(const Box& box, std::int32_t oval_width, std::int32_t ova
 Region WedgeRegion(const Box& box, int start, int angle, const Box& within);
 /// What lies within an odd number of the polygon's loops, whose last point joins the first.
 Region PolygonRegion(std::span<const Point> points, const Box& within);
+/// Crossings of the polygon's edges with rows, which its time grows with.
+std::int64_t CrossingsOf(std::span<const Point> points, const Box& within);
 /// What a pen of that size covers on its way; it hangs to the right of and below its place.
 Region LineRegion(std::int32_t from_x, std::int32_t from_y, std::int32_t to_x, std::int32_t to_y,
                   std::int32_t pen_width, std::int32_t pen_height, const Box& within);

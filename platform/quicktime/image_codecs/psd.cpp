@@ -159,7 +159,8 @@ ComponentResult Paint(DataSource& source, const PsdHeader& header, PixelImage& i
 ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& items) {
     PsdHeader header;
     if (const auto code = ReadHeader(source, header); code != noErr) return code;
-    std::vector<std::byte> resources(header.resources_size);
+    constexpr std::uint64_t kMostResources = std::uint64_t{64} << 20;
+    std::vector<std::byte> resources(std::min<std::uint64_t>(header.resources_size, kMostResources));
     resources.resize(source.Read(header.resources_at, resources));
     AppendIptcItems(FindImageResource(resources, kIptcResource), items);
     const std::span<const std::byte> packet = FindImageResource(resources, kXmpResource);

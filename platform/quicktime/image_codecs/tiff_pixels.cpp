@@ -294,7 +294,7 @@ public:
         const std::uint64_t needed =
             (std::uint64_t{width_} * (layout_.has_planes ? 1 : layout_.samples) * layout_.bits + 7) / 8;
         if (size <= 0 || size > kMostTileBytes || row_size_ <= 0 || width_ == 0 || height_ == 0 ||
-            static_cast<std::uint64_t>(row_size_) < needed)
+            static_cast<std::uint64_t>(row_size_) < needed || HasFarMoreThanTheImage(size))
             return false;
         tile_.resize(static_cast<std::size_t>(size) + kPadding);
         for (std::uint32_t y = 0; y < layout_.height; y += std::min(height_, layout_.height)) {
@@ -305,6 +305,18 @@ public:
     }
 
 private:
+    /// Tiles may be larger than the image, but decoding them must not take for ever.
+    [[nodiscard]] bool HasFarMoreThanTheImage(tmsize_t tile_size) const {
+        constexpr std::uint64_t kAlways = std::uint64_t{64} << 20;
+        constexpr std::uint64_t kTimes = 64;
+        const std::uint64_t across = (std::uint64_t{layout_.width} + width_ - 1) / width_;
+        const std::uint64_t down = (std::uint64_t{layout_.height} + height_ - 1) / height_;
+        const std::uint64_t planes = layout_.has_planes ? layout_.samples : 1;
+        const std::uint64_t image =
+            std::uint64_t{layout_.width} * layout_.height * layout_.samples * layout_.bits / 8;
+        return across * down * planes > (image * kTimes + kAlways) / static_cast<std::uint64_t>(tile_size);
+    }
+
     void DecodeTile(std::uint32_t left, std::uint32_t top) {
         const auto count = static_cast<std::int32_t>(std::min(width_, layout_.width - left));
         const std::uint32_t rows = std::min(height_, layout_.height - top);

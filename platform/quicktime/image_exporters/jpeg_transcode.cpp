@@ -53,6 +53,21 @@ bool CopyCoefficients(DataSource& source, const ExportSettings& settings, Encode
     return copied;
 }
 
+/// Whether there are few enough segments in front of the pixels to be kept: the library appends each to a
+/// list that it goes through from the beginning.
+bool HasFewSegments(DataSource& source) {
+    constexpr int kMost = 1'000;
+    constexpr std::byte kStartOfScan{0xDA};
+    std::uint64_t offset = 2;
+    for (int count = 0; count < kMost; ++count) {
+        std::array<std::byte, 4> head{};
+        if (source.Read(offset, head) != head.size() || head[0] != std::byte{0xFF}) return true;
+        if (head[1] == kStartOfScan) return true;
+        offset += 2 + BigEndian16(&head[2]);
+    }
+    return false;
+}
+
 bool Differs(const std::optional<Fixed>& wanted, Fixed present) {
     return wanted && *wanted != present;
 }
@@ -71,7 +86,8 @@ bool TranscodeJpeg(DataSource& source, const ImageDescription& /*description*/,
                           !Differs(settings.vertical_resolution, description.vRes);
     bool copied = false;
     try {
-        copied = as_it_is ? AppendSource(source, out) : CopyCoefficients(source, settings, out);
+        copied = as_it_is ? AppendSource(source, out)
+                          : HasFewSegments(source) && CopyCoefficients(source, settings, out);
     } catch (const std::bad_alloc&) {
         copied = false;
     }

@@ -99,11 +99,12 @@ public:
             const std::int64_t count = std::min(end, span->start + span->frames) - at;
             if (const OSErr code = Fill(static_cast<std::size_t>(count) * target_.channels); code != noErr)
                 return code;
-            const auto part = std::span(ready_).first(static_cast<std::size_t>(count) * target_.channels);
+            const auto part =
+                std::span(ready_).subspan(used_, static_cast<std::size_t>(count) * target_.channels);
+            used_ += part.size();
             ApplyGain(ramps_, volume_, at, target_.rate, part, target_.channels);
             float* const out = mix.data() + static_cast<std::size_t>(at - first) * target_.channels;
             for (std::size_t i = 0; i < part.size(); ++i) out[i] += part[i];
-            ready_.erase(ready_.begin(), ready_.begin() + static_cast<std::ptrdiff_t>(part.size()));
             at += count;
             mixed_to_ = at;
         }
@@ -122,6 +123,7 @@ private:
         current_ = &span;
         consumed_ = at - span.start;
         ready_.clear();
+        used_ = 0;
         resampler_.reset();
         if (source_.rate == target_.rate) return noErr;
         const FfmpegModule* module = SoundModule();
@@ -131,8 +133,16 @@ private:
         return resampler_ != nullptr ? noErr : paramErr;
     }
 
-    /// Brings `ready_` to at least `values` samples; the source's end is followed by silence.
+    /// Brings what is not used of `ready_` to at least `values` samples; the source's end is followed by
+    /// silence.
     OSErr Fill(std::size_t values) {
+        if (ready_.size() - used_ >= values) return noErr;
+        ready_.erase(ready_.begin(), ready_.begin() + static_cast<std::ptrdiff_t>(used_));
+        used_ = 0;
+        // A frame of a slow sound becomes many.
+        const std::int64_t most =
+            resampler_ == nullptr ? kBlock
+                                  : std::clamp<std::int64_t>(kBlock * source_.rate / target_.rate, 1, kBlock);
         while (ready_.size() < values) {
             const std::int64_t left = current_->source_frames - consumed_;
             if (left <= 0) {
@@ -143,7 +153,7 @@ private:
                 if (ready_.size() < values) ready_.resize(values);
                 break;
             }
-            const auto count = static_cast<std::size_t>(std::min(left, kBlock));
+            const auto count = static_cast<std::size_t>(std::min(left, most));
             bytes_.resize(count * source_.FrameBytes());
             const FramesRead read = reader_->Read(current_->source + consumed_, bytes_);
             if (read.code != noErr) return read.code;
@@ -191,14 +201,15 @@ private:
     std::vector<Span> spans_;
     std::size_t next_ = 0;
     const Span* current_ = nullptr;
-    std::int64_t mixed_to_ = 0; ///< the frame that `ready_` begins with
+    std::int64_t mixed_to_ = 0; ///< the frame that what is left of `ready_` begins with
     std::int64_t consumed_ = 0; ///< of the current span's source frames
     std::unique_ptr<Resampler> resampler_;
     Bytes bytes_;
     std::vector<float> samples_;
     std::vector<float> mapped_;
     std::vector<float> resampled_;
-    std::vector<float> ready_; ///< in the target's channels and rate, not yet mixed
+    std::vector<float> ready_; ///< in the target's channels and rate
+    std::size_t used_ = 0;     ///< of `ready_`, mixed already
 };
 
 class TrackRenderer final : public SoundRenderer {
