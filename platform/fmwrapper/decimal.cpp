@@ -60,7 +60,7 @@ std::optional<Decimal> ReadDigits(Text text) {
     bool negative = false;
     bool any = false;
     for (const auto unit : text) {
-        const char character = unit == static_cast<char>(unit) ? static_cast<char>(unit) : '\0';
+        const char character = unit > 0x20 && unit < 0x7F ? static_cast<char>(unit) : ' ';
         if (IsDigit(character)) {
             digits.push_back(character);
             any = true;
