@@ -1,5 +1,7 @@
 #include "platform/quicktime/image_codecs/tiff_file.h"
 
+#include "platform/quicktime/image_codecs/tiff_tags.h"
+
 #include <algorithm>
 #include <cstdio>
 
@@ -53,7 +55,7 @@ std::unique_ptr<TIFFOpenOptions, FreeTiffOptions> QuietTiffOptions() {
 
 TiffFile::TiffFile(DataSource& source) : input_{source, 0} {
     const auto options = QuietTiffOptions();
-    if (options == nullptr) return;
+    if (options == nullptr || !HasBearableTiffTags(source)) return;
     tiff_.reset(g_tiff->ClientOpenExt("", "rm", &input_, Read, Write, Seek, Close, GetSize, nullptr, nullptr,
                                       options.get()));
 }

@@ -66,10 +66,14 @@ public:
         case 0x90: g_fluidsynth->noteon(synth, channel, event.first, event.second); break;
         case 0xA0: g_fluidsynth->key_pressure(synth, channel, event.first, event.second); break;
         case 0xB0: g_fluidsynth->cc(synth, channel, event.first, event.second); break;
-        case 0xC0: g_fluidsynth->program_change(synth, channel, event.first); break;
+        case 0xC0:
+            if (program_changes_++ < kMostProgramChanges)
+                g_fluidsynth->program_change(synth, channel, event.first);
+            break;
         case 0xD0: g_fluidsynth->channel_pressure(synth, channel, event.first); break;
         case 0xE0: g_fluidsynth->pitch_bend(synth, channel, event.first | event.second << 7); break;
         default:
+            if (exclusives_++ >= kMostExclusives) break;
             g_fluidsynth->sysex(synth, reinterpret_cast<const char*>(event.exclusive.data()),
                                 static_cast<int>(event.exclusive.size()), nullptr, nullptr, nullptr, 0);
         }
@@ -83,6 +87,13 @@ public:
     }
 
 private:
+    // Far more than music has. A program is loaded for each change, and for all channels by some exclusive
+    // messages.
+    static constexpr int kMostProgramChanges = 20'000;
+    static constexpr int kMostExclusives = 2'000;
+
+    int program_changes_ = 0;
+    int exclusives_ = 0;
     std::unique_ptr<fluid_settings_t, decltype(&delete_fluid_settings)> settings_;
     std::unique_ptr<fluid_synth_t, decltype(&delete_fluid_synth)> synth_;
 };
