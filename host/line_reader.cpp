@@ -2,22 +2,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
 namespace host {
-namespace {
-
-// How many bytes came; 0 at the end of the input.
-std::size_t ReadSome(int descriptor, void* buffer, std::size_t size) {
-    ssize_t count = 0;
-    do {
-        count = ::read(descriptor, buffer, size);
-    } while (count < 0 && errno == EINTR);
-    return static_cast<std::size_t>(std::max<ssize_t>(count, 0));
-}
-
-} // namespace
 
 LineReader::LineReader(int descriptor, std::size_t longest, std::function<void()> before_reading)
     : descriptor_(descriptor), longest_(longest), before_reading_(std::move(before_reading)) {}
@@ -39,6 +28,24 @@ std::optional<std::string_view> LineReader::Line() {
     }
 }
 
+std::string LineReader::Problem(std::size_t number) const {
+    if (IsTooLong())
+        return "line " + std::to_string(number) + " is longer than " + std::to_string(kMaxLine >> 20) +
+               " MiB";
+    if (error_ != 0) return "cannot read the input: " + std::generic_category().message(error_);
+    return {};
+}
+
+// How many bytes came; 0 at the end of the input.
+std::size_t LineReader::ReadSome(void* buffer, std::size_t size) {
+    ssize_t count = 0;
+    do {
+        count = ::read(descriptor_, buffer, size);
+    } while (count < 0 && errno == EINTR);
+    if (count < 0) error_ = errno;
+    return static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+}
+
 bool LineReader::Fill() {
     constexpr std::size_t kPiece = std::size_t{64} << 10;
     if (ended_) return false;
@@ -48,7 +55,7 @@ bool LineReader::Fill() {
     begin_ = 0;
     const std::size_t size = buffer_.size();
     buffer_.resize(size + kPiece);
-    const std::size_t count = ReadSome(descriptor_, buffer_.data() + size, kPiece);
+    const std::size_t count = ReadSome(buffer_.data() + size, kPiece);
     buffer_.resize(size + count);
     ended_ = count == 0;
     return !ended_;
@@ -60,7 +67,7 @@ bool LineReader::Bytes(std::uint8_t* buffer, std::size_t size) {
     begin_ += at_hand;
     scanned_ = begin_;
     for (std::size_t done = at_hand; done < size;) {
-        const std::size_t count = ReadSome(descriptor_, buffer + done, size - done);
+        const std::size_t count = ReadSome(buffer + done, size - done);
         if (count == 0) return false;
         done += count;
     }

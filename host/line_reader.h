@@ -20,12 +20,9 @@ public:
     /// The next line without its line end (also that of DOS), good until the next call; nullopt at the end of
     /// the input, and from a line of more than `longest` bytes on.
     std::optional<std::string_view> Line();
-    /// Whether the lines ended at one that is too long, and what is to be said then of that line's number.
-    [[nodiscard]] bool IsTooLong() const { return scanned_ - begin_ >= longest_; }
-    static std::string TooLong(std::size_t number) {
-        return "line " + std::to_string(number) + " is longer than " + std::to_string(kMaxLine >> 20) +
-               " MiB";
-    }
+    /// Why the lines ended before the input did, with the number of the line at fault; empty when they
+    /// didn't.
+    [[nodiscard]] std::string Problem(std::size_t number) const;
     /// The bytes that come next; false when the input ends before.
     [[nodiscard]] bool Bytes(std::uint8_t* buffer, std::size_t size);
     /// True when a whole line is at hand that needs no waiting.
@@ -35,6 +32,8 @@ public:
     static constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
 
 private:
+    [[nodiscard]] bool IsTooLong() const { return scanned_ - begin_ >= longest_; }
+    [[nodiscard]] std::size_t ReadSome(void* buffer, std::size_t size);
     [[nodiscard]] bool Fill();
 
     int descriptor_;
@@ -44,6 +43,7 @@ private:
     std::size_t begin_ = 0;   ///< of what has not been handed out
     std::size_t scanned_ = 0; ///< up to here there is no line end
     bool ended_ = false;
+    int error_ = 0; ///< of the system, which ended the input
 };
 
 } // namespace host

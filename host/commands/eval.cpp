@@ -46,8 +46,9 @@ public:
             const bool blank = line->find_first_not_of(" \t\r") == std::string_view::npos;
             if (!blank && line->front() != '#' && !Run(*line, line_number)) return false;
         }
-        if (!lines.IsTooLong()) return true;
-        Complain("corvane: " + LineReader::TooLong(line_number + 1) + '\n');
+        const std::string problem = lines.Problem(line_number + 1);
+        if (problem.empty()) return true;
+        Complain("corvane: " + problem + '\n');
         status_ = kUsageError;
         return false;
     }

@@ -2,17 +2,21 @@
 #include "host/commands/each_record.h"
 #include "platform/text/utf.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <set>
 
 namespace host {
 namespace {
 
 constexpr FM_Error kBadName = -37;
+constexpr FM_Error kNameTaken = 20200;
 
 // Names come from the contents of records: none leads out of the folder.
 bool IsFileName(std::string_view name) {
     return !name.empty() && name != "." && name != ".." &&
-           name.find_first_of("/\\") == std::string_view::npos;
+           name.find_first_of("/\\") == std::string_view::npos &&
+           std::ranges::none_of(name, [](char c) { return static_cast<unsigned char>(c) < 0x20; });
 }
 
 class Exporter {
@@ -32,13 +36,13 @@ private:
         field_ = table_.GetTable().Find(line_.arguments[2]);
         if (field_ == nullptr) return table_.GetTable().name + " has no field \"" + line_.arguments[2] + '"';
         std::error_code error;
-        std::filesystem::create_directories(line_.table.to, error);
         const std::string folder =
             std::filesystem::absolute(line_.table.to, error).lexically_normal().string();
-        if (!std::filesystem::is_directory(folder, error))
-            return "cannot make the folder " + line_.table.to + (error ? ": " + error.message() : "");
         const auto path = fm::HostPath(fm::CurrentSession().drives, folder);
         if (!path) return "the folder " + line_.table.to + " is outside every drive";
+        std::filesystem::create_directories(line_.table.to, error);
+        if (!std::filesystem::is_directory(folder))
+            return "cannot make the folder " + line_.table.to + (error ? ": " + error.message() : "");
         folder_ = *path;
         if (!folder_.ends_with('/')) folder_ += '/';
         return {};
@@ -53,6 +57,9 @@ private:
         if (!IsFileName(file))
             return RecordFailure{"name", {}, kBadName, '"' + file + "\" is no name of a file"};
         if (engine_.Evaluate("IsEmpty(" + field + ")").value.AsBoolean()) return std::nullopt;
+        if (!names_.insert(utf::ToLower(file)).second)
+            return RecordFailure{
+                "name", {}, kNameTaken, '"' + file + "\" is the name of another record's file"};
         engine_.SessionVariable("$path") = FM_Data(utf::ToUtf16(folder_ + file));
         const Outcome outcome = engine_.Evaluate("Media_ExportField(" + field + "; $path; " +
                                                  (line_.table.replace ? "True)" : "False)"));
@@ -64,6 +71,8 @@ private:
     OpenTable table_;
     const Field* field_ = nullptr;
     std::string folder_; ///< host path text with a "/" at its end
+    std::set<std::string>
+        names_; ///< that were given, in small letters: files are found without regard to case
 };
 
 } // namespace

@@ -105,6 +105,14 @@ std::string ShortDuration(const std::string& text) {
     return text.substr(begin, text.find('.') - begin);
 }
 
+// Whether a page may be written there.
+bool IsSheetOrNothing(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string head(4096, '\0');
+    file.read(head.data(), static_cast<std::streamsize>(head.size()));
+    return file.gcount() == 0 || head.find(kSheetMark) != std::string::npos;
+}
+
 class SheetMaker {
 public:
     SheetMaker(Session& session, const CommandLine& line) : engine_(session.GetEngine()), line_(line) {}
@@ -132,6 +140,8 @@ private:
         std::error_code error;
         std::filesystem::create_directories(line_.table.to + "/pictures", error);
         if (error) return "cannot make the folder " + line_.table.to + ": " + error.message();
+        if (!IsSheetOrNothing(line_.table.to + '/' + SheetPageName(1)))
+            return line_.table.to + '/' + SheetPageName(1) + " is there, and no page of a sheet";
         const auto folder = std::filesystem::absolute(line_.table.to + "/pictures", error).lexically_normal();
         const auto path = fm::HostPath(fm::CurrentSession().drives, folder.string());
         if (!path) return "the folder " + line_.table.to + " is outside every drive";

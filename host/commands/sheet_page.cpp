@@ -87,10 +87,10 @@ std::string SheetPageName(std::size_t page) {
 std::string SheetPage(const std::string& title, const std::vector<SheetCard>& cards, std::size_t page,
                       std::size_t count) {
     const std::string heading = Escaped(title);
-    std::string html = "<!DOCTYPE html>\n<html lang=\"en\">\n<meta charset=\"utf-8\">\n"
-                       "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" +
-                       heading + "</title>\n<style>" + kStyle + "</style>\n<header><h1>" + heading +
-                       "</h1></header>\n<main><ul>\n";
+    std::string html =
+        "<!DOCTYPE html>\n<html lang=\"en\">\n<meta charset=\"utf-8\">\n" + std::string(kSheetMark) +
+        "\n<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" + heading +
+        "</title>\n<style>" + kStyle + "</style>\n<header><h1>" + heading + "</h1></header>\n<main><ul>\n";
     for (const SheetCard& card : cards) html += CardHtml(card);
     return html + "</ul></main>\n" + NavigationHtml(page, count) + "</html>\n";
 }

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -15,6 +16,9 @@ struct SheetCard {
     std::string summary;                                    ///< "640 × 480 · Photo - JPEG"
     std::vector<std::pair<std::string, std::string>> facts; ///< what a person sees when asking for more
 };
+
+/// Stands in every page: another run may replace it.
+inline constexpr std::string_view kSheetMark = "<meta name=\"generator\" content=\"corvane sheet\">";
 
 /// Name of a page, from 1: "index.html", "page-2.html".
 std::string SheetPageName(std::size_t page);

@@ -33,6 +33,8 @@ std::string SetTableOption(TableOptions& options, std::string_view name, const c
     options.given.emplace_back(name);
     if (name == "jobs") return SetJobs(options, value);
     if (name == "as") return SetKind(options, value);
+    if ((name == "where" || name == "name") && *value == '\0')
+        return "--" + std::string(name) + " takes a calculation, not an empty text";
     if (name == "where") {
         options.where = value;
     } else if (name == "to") {

@@ -52,8 +52,8 @@ std::vector<std::string> WorkerCommand(const CommandLine& line) {
                                         "--host-version=" + session.host_version,
                                         std::string("--hidden=") +
                                             (session.hidden_marks ? "marked" : "named"),
-                                        std::string("--ui=") + (session.windows ? "gtk" : "none"),
-                                        "--where=" + line.table.where};
+                                        std::string("--ui=") + (session.windows ? "gtk" : "none")};
+    if (!line.table.where.empty()) command.push_back("--where=" + line.table.where);
     if (!session.plugin.empty()) command.push_back("--plugin=" + session.plugin);
     for (const fm::Drive& drive : session.drives)
         command.push_back("--drive=" + drive.root + '=' + (drive.remote ? "remote:" : "") +

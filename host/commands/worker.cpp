@@ -30,7 +30,8 @@ int WorkOnCalculations(Session& session, const CommandLine& line) {
         if (std::string problem = SaveStreams(line.save_streams, number, outcome.value); !problem.empty())
             return CommandFailed(problem);
     }
-    return lines.IsTooLong() ? CommandFailed(LineReader::TooLong(number + 1)) : status;
+    const std::string problem = lines.Problem(number + 1);
+    return problem.empty() ? status : CommandFailed(problem);
 }
 
 // Numbers of records, one a line; each gets a message with what the calculations of the command line make of

@@ -72,9 +72,10 @@ ParseFieldCalculations(const Table& table, const std::vector<std::string>& texts
         const auto sign = text.find('=');
         const std::string name = text.substr(0, std::min(text.find_last_not_of(" \t", sign - 1) + 1, sign));
         const Field* field = table.Find(name);
-        if (sign == std::string::npos || field == nullptr) {
-            problem = sign == std::string::npos ? '"' + text + "\" is not FIELD=CALCULATION"
-                                                : table.name + " has no field \"" + name + '"';
+        const bool is_complete = sign != std::string::npos && sign + 1 < text.size();
+        if (!is_complete || field == nullptr) {
+            problem = !is_complete ? '"' + text + "\" is not FIELD=CALCULATION"
+                                   : table.name + " has no field \"" + name + '"';
             return std::nullopt;
         }
         calculations.push_back(

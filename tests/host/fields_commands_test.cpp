@@ -71,6 +71,15 @@ TEST_F(Fields, ExportsWhatWasImported) {
     run = Corvane(R"(export m.corvane media data --to out --name '"../" & name')");
     EXPECT_EQ(run.status, 1) << "no name leads out of the folder";
     EXPECT_FALSE(std::filesystem::exists(folder_ + "/b.txt"));
+    for (const char* name :
+         {R"("same")", R"(Char(64 + id) & "¶two")"}) { // the same for two records; cut at the line's end
+        run = Corvane("export m.corvane media data --to one --replace --name '" + std::string(name) + "'");
+        EXPECT_EQ(run.status, 1) << name;
+    }
+    EXPECT_EQ(Read("one/same"), "bb") << "the first record's file stays";
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_ + "/one"), {}), 1);
+    EXPECT_EQ(Corvane("export m.corvane media data --to /nowhere --drive C:=$DIR").status, 2);
+    EXPECT_FALSE(std::filesystem::exists("/nowhere"));
     EXPECT_EQ(Corvane("export m.corvane media copy --to empty").status, 0);
     EXPECT_TRUE(std::filesystem::is_empty(folder_ + "/empty"));
 }
@@ -137,6 +146,8 @@ TEST_F(Fields, RefusesWrongUse) {
                     {"import m.corvane media name in", "has no container field"},
                     {"import m.corvane media data in --as x", "--as takes"},
                     {"import m.corvane media data in --name-field size", "has no text field"},
+                    {"update m.corvane media size=", "is not FIELD=CALCULATION"},
+                    {"update m.corvane media size=1 --where ''", "--where takes a calculation"},
                     {"export m.corvane media data", "--to FOLDER"}});
 }
 

@@ -51,6 +51,12 @@ TEST_F(FieldSheet, ShowsPicturesWaveformsAndFacts) {
     EXPECT_EQ(page.find("<script"), std::string::npos);
     EXPECT_FALSE(std::filesystem::exists(folder_ + "/page/pictures/1.jpg"));
     EXPECT_EQ(Size("[2345].jpg"), "JPEG 30x20JPEG 640x480JPEG 640x427JPEG 640x427");
+    EXPECT_EQ(Corvane("sheet m.corvane media data --to page --where 'id = 1'").status, 0)
+        << "a sheet is replaced";
+    Write("page/index.html", "my own");
+    EXPECT_EQ(Corvane("sheet m.corvane media data --to page").status, 2);
+    EXPECT_EQ(Read("page/index.html"), "my own");
+    Write("page/index.html", page);
 
     if (std::system("command -v chromium >/dev/null") != 0) GTEST_SKIP() << "no browser";
     for (const int width : {500, 1280})

@@ -63,6 +63,18 @@ TEST_F(Program, ReadsLinesOfStandardInput) {
     EXPECT_EQ(Corvane("eval", many).output, many);
 }
 
+TEST_F(Program, TellsThatAStandardStreamCantBeUsed) {
+    for (const char* stream : {"</", "<&-"}) {
+        Shell(R"(! ")" CORVANE_PROGRAM R"(" eval )" + std::string(stream) + " 2>complaint");
+        EXPECT_TRUE(Contains(Read("complaint"), "corvane: cannot read the input: "));
+    }
+    // A file that is opened meanwhile must not take the place of the stream that is closed.
+    Shell(
+        R"(! SDL_AUDIODRIVER=dummy ")" CORVANE_PROGRAM R"(" eval --drive "C:=$PWD" '"AAAA"' )"
+        R"('Media_RecordSoundStart ( "/C:/r.mov" ; True )' 'HostPump ( 0.3 )' '"BBBB"' 'Media_RecordSoundStop' >&-)");
+    EXPECT_EQ(Read("r.mov").substr(4, 4), "ftyp");
+}
+
 TEST_F(Program, EndsAtALineThatIsTooLong) {
     // Its parts alone would be calculations.
     const std::string input = "1\n2" + std::string(70 << 20, ' ') + "\n3\n";
