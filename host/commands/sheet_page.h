@@ -18,7 +18,7 @@ struct SheetCard {
 };
 
 /// Stands in every page: another run may replace it.
-inline constexpr std::string_view kSheetMark = "<meta name=\"generator\" content=\"corvane sheet\">";
+inline constexpr std::string_view kSheetMark = R"(<meta name="generator" content="corvane sheet">)";
 
 /// Name of a page, from 1: "index.html", "page-2.html".
 std::string SheetPageName(std::size_t page);

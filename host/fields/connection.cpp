@@ -141,6 +141,9 @@ std::string Connection::Open(const std::string& path) {
     connection_.reset(connection);
     if (answer != SQLITE_OK) return Problem();
     g_sqlite->busy_handler(connection, OnBusy, nullptr);
+    // A name in quotes that no column has is an error, not a text.
+    for (const int option : {SQLITE_DBCONFIG_DQS_DML, SQLITE_DBCONFIG_DQS_DDL})
+        g_sqlite->db_config(connection, option, 0, static_cast<int*>(nullptr));
     // A process that dies loses nothing that was committed; a machine that loses its power may lose the
     // latest transactions, each as a whole. The log beside the file is worked off, which waits for the disk
     // twice, every 64 MiB.

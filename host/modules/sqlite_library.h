@@ -23,6 +23,7 @@ struct SqliteLibrary {
     decltype(&sqlite3_busy_handler) busy_handler = &sqlite3_busy_handler;
     decltype(&sqlite3_changes64) changes64 = &sqlite3_changes64;
     decltype(&sqlite3_close_v2) close_v2 = &sqlite3_close_v2;
+    decltype(&sqlite3_db_config) db_config = &sqlite3_db_config;
     decltype(&sqlite3_column_bytes) column_bytes = &sqlite3_column_bytes;
     decltype(&sqlite3_column_double) column_double = &sqlite3_column_double;
     decltype(&sqlite3_column_int64) column_int64 = &sqlite3_column_int64;
