@@ -36,7 +36,10 @@ public:
             return;
         }
         std::FILE* file = ::fdopen(descriptor, "wb");
-        if (file == nullptr) return;
+        if (file == nullptr) {
+            ::close(descriptor);
+            return;
+        }
         std::fwrite(bytes.data(), 1, bytes.size(), file);
         std::fclose(file);
     }

@@ -109,7 +109,6 @@ void Canvas::MoveOrigin(std::int32_t right, std::int32_t down) {
 /// The shape's part that can be seen, paid for; nothing when the budget is spent.
 Region Canvas::Visible(Region shape) {
     if (IsExhausted()) return {};
-    constexpr std::int64_t kBoxCost = 16; ///< pixels that could be painted in the time that a box takes
     budget_ -= kBoxCost * static_cast<std::int64_t>(shape.Boxes().size() + clip_.Boxes().size());
     shape.Intersect(clip_);
     shape.Intersect(Region(Bounds()));

@@ -68,6 +68,8 @@ public:
     /// transparent.
     void Finish();
 
+    /// Pixels that could be painted in the time that a box of a region takes.
+    static constexpr std::int64_t kBoxCost = 16;
     /// Pays for work that is not drawing, in pixels that could be painted meanwhile.
     void Charge(std::int64_t pixels) { budget_ -= pixels; }
 

@@ -77,9 +77,8 @@ void SkipMatte(PictCursor& data, std::size_t size) {
     data.Skip(std::max<std::size_t>(description_size, 4) - 4 + size);
 }
 
-// What shapes cost that may turn out empty, in pixels that could be painted in the same time.
+/// Pixels that could be painted in the time that a polygon's crossing of a row takes.
 constexpr std::int64_t kCrossingCost = 8;
-constexpr std::int64_t kBoxCost = 16;
 
 /// Systems without the decompressor show these words in place of the image in front of them.
 bool IsExcuse(std::string_view text) {
@@ -236,7 +235,7 @@ void PictPlayer::PlayShape(std::uint32_t operation) {
         DrawPolygon(verb);
     } else if (kind == kRegion) {
         if (!same) region_ = ReadRegion(cursor_.ReadBlock());
-        canvas_.Charge(kBoxCost * static_cast<std::int64_t>(region_.Boxes().size()));
+        canvas_.Charge(Canvas::kBoxCost * static_cast<std::int64_t>(region_.Boxes().size()));
         Region outline = region_;
         if (verb == kFrame) outline.Subtract(region_.Shrunk(pen_width_, pen_height_));
         DrawShape(verb, region_, outline);

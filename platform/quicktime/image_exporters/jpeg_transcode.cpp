@@ -1,6 +1,7 @@
 #include "platform/quicktime/image_exporters/jpeg_transcode.h"
 
 #include "platform/quicktime/image_codecs/jpeg_reader.h"
+#include "platform/quicktime/image_codecs/jpeg_segments.h"
 #include "platform/quicktime/image_exporters/jpeg_writer.h"
 #include "platform/quicktime/image_exporters/pass_on.h"
 
@@ -57,15 +58,9 @@ bool CopyCoefficients(DataSource& source, const ExportSettings& settings, Encode
 /// list that it goes through from the beginning.
 bool HasFewSegments(DataSource& source) {
     constexpr int kMost = 1'000;
-    constexpr std::byte kStartOfScan{0xDA};
-    std::uint64_t offset = 2;
-    for (int count = 0; count < kMost; ++count) {
-        std::array<std::byte, 4> head{};
-        if (source.Read(offset, head) != head.size() || head[0] != std::byte{0xFF}) return true;
-        if (head[1] == kStartOfScan) return true;
-        offset += 2 + BigEndian16(&head[2]);
-    }
-    return false;
+    int count = 0;
+    ForEachJpegSegment(source, [&](const JpegSegment&) { return ++count < kMost; });
+    return count < kMost;
 }
 
 bool Differs(const std::optional<Fixed>& wanted, Fixed present) {
