@@ -3,8 +3,8 @@
 #include "images/image_importer.h"
 #include "platform/quicktime/effects/image_sequences.h"
 #include "platform/quicktime/effects/parameter_dialog.h"
-#include "platform/quicktime/effects/type_codes.h"
 #include "platform/quicktime/graphics_exporter.h"
+#include "platform/quicktime/type_codes.h"
 #include "plugin/results.h"
 
 namespace corvane {

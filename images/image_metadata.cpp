@@ -2,6 +2,7 @@
 
 #include "images/exif_dump.h"
 #include "images/image_importer.h"
+#include "platform/quicktime/type_codes.h"
 #include "plugin/errors.h"
 #include "plugin/results.h"
 
@@ -24,8 +25,7 @@ void AddTextItems(GraphicsImportComponent importer, MetadataText& text) {
     bool headed = false;
     for (OSType type = 0; (type = GetNextUserDataType(list.get(), type)) != 0;) {
         if (type >> 24 != kTextMark) continue;
-        std::string name;
-        for (int shift = 24; shift >= 0; shift -= 8) name += static_cast<char>(type >> shift & 0xFF);
+        const std::string name = qt::TextOfCode(type);
         for (std::int32_t index = 1; index <= CountUserDataType(list.get(), type); ++index) {
             std::string item;
             if (GetUserDataText(list.get(), item, type, index) != noErr) continue;

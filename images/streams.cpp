@@ -1,5 +1,6 @@
 #include "images/streams.h"
 
+#include "platform/quicktime/type_codes.h"
 #include "plugin/errors.h"
 #include "plugin/results.h"
 
@@ -45,12 +46,6 @@ constexpr std::array<std::uint32_t, 5> kImageTypes = {kWrapperType, FourCC("TIFF
                                                       kPictureType, FourCC("JFIF")};
 // These never are.
 constexpr std::array<std::uint32_t, 3> kOtherTypes = {FourCC("FORK"), FourCC("FNAM"), FourCC("SIZE")};
-
-std::uint32_t CodeOf(const char* bytes) {
-    std::uint32_t code = 0;
-    for (int i = 0; i < 4; ++i) code = code << 8 | static_cast<unsigned char>(bytes[i]);
-    return code;
-}
 
 std::uint32_t StreamType(const FM_BinaryData* container, std::int32_t index, const QuadChar& scratch) {
     Host(FM_BinaryData_GetType, container, index, scratch.get());
@@ -108,7 +103,7 @@ std::optional<std::uint32_t> ParseImageTypeCode(const FM_Data* parameter) {
     }
     const std::string text = ParameterAsUtf8(parameter);
     if (text.empty()) return 0;
-    if (text.size() == 4 || (text.size() > 4 && text[4] == '|')) return CodeOf(text.data());
+    if (text.size() == 4 || (text.size() > 4 && text[4] == '|')) return qt::CodeOfText(text);
     ReportError(kErrorImageType,
                 "Image type code must be exactly 4 characters, empty, or start a list of items");
     return std::nullopt;
@@ -162,7 +157,7 @@ MainImage GetMainImageData(const FM_Data* parameter) {
     if (image.type == kWrapperType) {
         std::array<char, kWrapperPrefixSize> prefix{};
         if (!ReadStream(container, index, 0, kWrapperPrefixSize, prefix.data())) return image;
-        image.type = CodeOf(prefix.data());
+        image.type = qt::CodeOfText({prefix.data(), prefix.size()});
         skipped = kWrapperPrefixSize;
     }
     const std::uint32_t header_size = image.type == kPictureType ? kPictureHeaderSize : 0;

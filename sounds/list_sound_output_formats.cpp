@@ -1,6 +1,7 @@
 #include "sounds/functions.h"
 
 #include "platform/quicktime/movie_exporters/movie_exporter.h"
+#include "platform/quicktime/type_codes.h"
 #include "plugin/drawing_port.h"
 #include "plugin/errors.h"
 #include "plugin/hex_blocks.h"
@@ -14,13 +15,6 @@ namespace {
 
 constexpr std::string_view kImplied = "a QuickTime Movie ";
 
-// The bytes of a code, from the most significant.
-std::string CodeBytes(OSType code) {
-    std::string bytes;
-    for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(code >> shift & 0xFF);
-    return bytes;
-}
-
 // A field of a line: '|' separates them, so none may hold one.
 std::string Field(std::string_view text) {
     std::string field(text);
@@ -29,7 +23,7 @@ std::string Field(std::string_view text) {
 }
 
 std::string CharactersOf(OSType code) {
-    std::string characters = Field(CodeBytes(code));
+    std::string characters = Field(qt::TextOfCode(code));
     for (char& character : characters)
         if (static_cast<unsigned char>(character) < 0x20) character = ' ';
     return characters;
@@ -38,7 +32,7 @@ std::string CharactersOf(OSType code) {
 std::string LineOf(const qt::SoundExporterInfo& exporter) {
     std::string_view description = exporter.description;
     if (description.starts_with(kImplied)) description.remove_prefix(kImplied.size());
-    return BytesToHex(CodeBytes(exporter.subtype)) + "|" + CharactersOf(exporter.subtype) + "|" +
+    return BytesToHex(qt::TextOfCode(exporter.subtype)) + "|" + CharactersOf(exporter.subtype) + "|" +
            Field(exporter.name) + "|" + Field(description);
 }
 

@@ -1,5 +1,6 @@
 // The settings of exporters as text, and the dialog in which they are changed.
 #include "platform/quicktime/graphics_exporter_state.h"
+#include "platform/quicktime/type_codes.h"
 #include "platform/win32/settings_dialog.h"
 
 #include <algorithm>
@@ -10,12 +11,6 @@ namespace {
 
 constexpr std::int32_t kNormalQuality = 512;
 constexpr Fixed kNormalResolution = 72 << 16;
-
-std::string TypeText(OSType type) {
-    std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>(type >> shift & 0xFF);
-    return text;
-}
 
 std::optional<std::int32_t> Number(std::string_view digits) {
     std::int32_t number = 0;
@@ -138,7 +133,7 @@ ComponentResult GraphicsExportGetSettingsAsText(GraphicsExportComponent instance
     if (exporter == nullptr) return kBadComponentInstance;
     const qt::ImageExporter& format = exporter->format;
     const qt::ExportSettings& settings = exporter->settings;
-    *text = "format=" + qt::TypeText(format.types.front()) + "\r";
+    *text = "format=" + qt::TextOfCode(format.types.front()) + "\r";
     if (settings.depth) qt::AddLine("depth", *settings.depth, *text);
     if (settings.horizontal_resolution)
         qt::AddLine("resolution", *settings.horizontal_resolution >> 16, *text);

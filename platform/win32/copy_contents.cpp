@@ -1,4 +1,5 @@
 #include "platform/win32/copy_file.h"
+#include "platform/win32/descriptor.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -19,19 +20,6 @@ constexpr std::size_t kBufferSize = std::size_t{1024} * 1024;
 constexpr std::size_t kKernelStep = std::size_t{1} << 30;
 constexpr std::size_t kToEnd = SIZE_MAX;
 
-int WriteAll(int to, const std::byte* bytes, std::size_t count) {
-    while (count > 0) {
-        const ssize_t written = write(to, bytes, count);
-        if (written < 0) {
-            if (errno == EINTR) continue;
-            return errno;
-        }
-        bytes += written;
-        count -= static_cast<std::size_t>(written);
-    }
-    return 0;
-}
-
 // Copies from both files' positions, up to `limit` bytes or the end of the source.
 int ReadAndWrite(int from, int to, std::size_t limit, std::span<std::byte> buffer) {
     while (limit > 0) {
@@ -41,7 +29,7 @@ int ReadAndWrite(int from, int to, std::size_t limit, std::span<std::byte> buffe
             if (errno == EINTR) continue;
             return errno;
         }
-        if (const int error = WriteAll(to, buffer.data(), static_cast<std::size_t>(count))) return error;
+        if (const int error = WriteAll(to, buffer.first(static_cast<std::size_t>(count)))) return error;
         limit -= static_cast<std::size_t>(count);
     }
     return 0;

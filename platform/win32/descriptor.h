@@ -1,7 +1,9 @@
-// Sole owner of a file descriptor.
+// File descriptors: their owner, and what both it and bare ones need.
 #pragma once
 
 #include <cerrno>
+#include <cstddef>
+#include <span>
 #include <unistd.h>
 #include <utility>
 
@@ -35,5 +37,15 @@ public:
 private:
     int number_ = -1;
 };
+
+/// Writes all of the bytes at the file's position; 0 or the errno.
+inline int WriteAll(int file, std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = write(file, bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR) return errno;
+        if (written > 0) bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+    return 0;
+}
 
 } // namespace win32

@@ -18,17 +18,8 @@
 namespace win32 {
 namespace {
 
-int WriteBytes(int to, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = write(to, bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR) return errno;
-        if (count > 0) bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return 0;
-}
-
 int WritePart(int from, int to, const FilePart& part) {
-    if (part.size == 0) return WriteBytes(to, part.bytes);
+    if (part.size == 0) return WriteAll(to, std::as_bytes(std::span(part.bytes)));
     if (lseek(from, static_cast<off_t>(part.offset), SEEK_SET) < 0) return errno;
     return CopyRange(from, to, part.size);
 }

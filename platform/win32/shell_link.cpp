@@ -215,8 +215,7 @@ DWORD Save(const std::string& bytes, std::u16string_view path) {
     constexpr mode_t kNewFile = 0666;
     Descriptor file(open(unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFile));
     if (!file) return FromErrno(errno);
-    const ssize_t written = write(file.get(), bytes.data(), bytes.size());
-    int error = written < 0 ? errno : static_cast<std::size_t>(written) < bytes.size() ? ENOSPC : 0;
+    int error = WriteAll(file.get(), std::as_bytes(std::span(bytes)));
     if (const int close_error = file.Close(); error == 0) error = close_error;
     if (error == 0 && rename(unfinished.c_str(), item.path.c_str()) != 0) error = errno;
     if (error != 0) unlink(unfinished.c_str());

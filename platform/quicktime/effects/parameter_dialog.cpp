@@ -2,10 +2,10 @@
 
 #include "platform/quicktime/effects/effect_preview.h"
 #include "platform/quicktime/effects/settings_xml.h"
-#include "platform/quicktime/effects/type_codes.h"
 #include "platform/quicktime/graphics_exporter.h"
 #include "platform/quicktime/movies/atoms.h"
 #include "platform/quicktime/movies/handle_bytes.h"
+#include "platform/quicktime/type_codes.h"
 #include "platform/win32/settings_dialog.h"
 
 #include <algorithm>

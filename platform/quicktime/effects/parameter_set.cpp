@@ -1,7 +1,7 @@
 #include "platform/quicktime/effects/parameter_set.h"
 
-#include "platform/quicktime/effects/type_codes.h"
 #include "platform/quicktime/movies/atoms.h"
+#include "platform/quicktime/type_codes.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #include "platform/quicktime/effects/settings_xml.h"
 
-#include "platform/quicktime/effects/type_codes.h"
+#include "platform/quicktime/type_codes.h"
 
 #include <algorithm>
 #include <array>

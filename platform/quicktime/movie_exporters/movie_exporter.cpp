@@ -7,6 +7,7 @@
 #include "platform/quicktime/movies/movie_storage.h"
 #include "platform/quicktime/movies/sound_description.h"
 #include "platform/quicktime/movies/sound_renderer.h"
+#include "platform/quicktime/type_codes.h"
 
 #include <algorithm>
 #include <cstring>
@@ -119,12 +120,6 @@ void PlayBeginning(Movie sound) {
     StopMovie(sound);
 }
 
-std::string FormatText(OSType subtype) {
-    std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>(subtype >> shift & 0xFF);
-    return text;
-}
-
 } // namespace
 
 std::unique_ptr<Component> OpenMovieExporter(OSType subtype) {
@@ -192,7 +187,7 @@ ComponentResult MovieExportGetSettingsAsAtomContainer(MovieExportComponent expor
     QTAtomContainer container = nullptr;
     if (const OSErr code = QTNewAtomContainer(&container); code != noErr) return code;
     std::unique_ptr<char*, qt::ContainerDisposer> owned(container);
-    OSErr code = qt::InsertText(container, qt::kFormatAtom, qt::FormatText(opened->row.subtype));
+    OSErr code = qt::InsertText(container, qt::kFormatAtom, qt::TextOfCode(opened->row.subtype));
     if (code == noErr)
         code =
             qt::InsertText(container, qt::kTextAtom, qt::SettingsText(opened->row.choices, opened->settings));
@@ -204,7 +199,7 @@ ComponentResult MovieExportSetSettingsFromAtomContainer(MovieExportComponent exp
                                                         QTAtomContainer settings) {
     qt::SoundExporter* const opened = qt::ExporterOf(exporter);
     if (opened == nullptr) return badComponentInstance;
-    if (qt::AtomText(settings, qt::kFormatAtom) != qt::FormatText(opened->row.subtype)) return paramErr;
+    if (qt::AtomText(settings, qt::kFormatAtom) != qt::TextOfCode(opened->row.subtype)) return paramErr;
     qt::ChangeSettings(opened->row.choices, qt::ParseSettingsText(qt::AtomText(settings, qt::kTextAtom)),
                        opened->settings);
     return noErr;

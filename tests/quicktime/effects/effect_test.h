@@ -3,7 +3,7 @@
 
 #include "platform/quicktime/effects/pixel_math.h"
 #include "platform/quicktime/effects/render.h"
-#include "platform/quicktime/effects/type_codes.h"
+#include "platform/quicktime/type_codes.h"
 #include "tests/quicktime/pixels.h"
 #include "tests/support/made_images.h"
 
