@@ -91,12 +91,10 @@ ComponentResult GraphicsImporter::SetIndex(std::uint32_t index) {
     if (const auto code = Facts(facts); code != noErr) return code;
     if (index < 1 || index > facts_.image_count) return paramErr;
     if (index == index_) return noErr;
-    const std::uint32_t previous = std::exchange(index_, index);
+    index_ = index; // even of an image that can't be decoded: another must not be drawn in its place
+    decoded_ = {};
     PixelImage image;
-    if (const auto code = Decode(image); code != noErr) {
-        index_ = previous;
-        return code;
-    }
+    if (const auto code = Decode(image); code != noErr) return code;
     facts_.description.width = static_cast<std::int16_t>(image.width());
     facts_.description.height = static_cast<std::int16_t>(image.height());
     decoded_ = std::move(image);

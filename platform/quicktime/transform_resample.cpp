@@ -22,8 +22,14 @@ struct Taps {
 class TapTable {
 public:
     explicit TapTable(const Stretch& stretch)
-        : low_(static_cast<std::int32_t>(std::floor(std::min(stretch.from, stretch.to)))),
-          high_(static_cast<std::int32_t>(std::ceil(std::max(stretch.from, stretch.to)))) {
+        : low_(static_cast<std::int32_t>(std::ceil(std::min(stretch.from, stretch.to)))),
+          high_(static_cast<std::int32_t>(std::floor(std::max(stretch.from, stretch.to)))) {
+        // In a line that was reduced when it was decoded a pixel may lie across the edge of what is shown:
+        // what is beyond the edge must not count, unless there is nothing else.
+        if (low_ >= high_) {
+            low_ = static_cast<std::int32_t>(std::floor(std::min(stretch.from, stretch.to)));
+            high_ = static_cast<std::int32_t>(std::ceil(std::max(stretch.from, stretch.to)));
+        }
         const auto count = static_cast<std::size_t>(stretch.pixels);
         firsts_.reserve(count);
         ends_.reserve(count);

@@ -240,7 +240,7 @@ public:
             } else if (value == 1) {
                 break;
             } else if (value == 2) {
-                x_ += std::max(reader_.Next(), 0);
+                x_ = std::min(x_ + std::max(reader_.Next(), 0), image_.width()); // as far as the row goes
                 y_ += std::max(reader_.Next(), 0);
             } else {
                 CopyIndices(value);

@@ -8,6 +8,7 @@ namespace {
 constexpr std::uint32_t kXResolution = 0x011A;
 constexpr std::uint32_t kYResolution = 0x011B;
 constexpr std::uint32_t kResolutionUnit = 0x0128;
+constexpr std::uint32_t kNoUnit = 1;
 constexpr std::uint32_t kCentimetre = 3;
 constexpr std::size_t kEntrySize = 12;
 
@@ -39,6 +40,11 @@ private:
     bool big_endian_;
 };
 
+// Of a unit to dots per inch; 0 where there is none, and the numbers are a ratio.
+double ScaleOf(std::uint32_t unit) {
+    return unit == kNoUnit ? 0.0 : unit == kCentimetre ? 2.54 : 1.0;
+}
+
 } // namespace
 
 Resolution ExifResolution(std::span<const std::byte> bytes) {
@@ -54,7 +60,7 @@ Resolution ExifResolution(std::span<const std::byte> bytes) {
         switch (block.At16(entry)) {
         case kXResolution: resolution.horizontal = block.RationalAt(block.At32(entry + 8)); break;
         case kYResolution: resolution.vertical = block.RationalAt(block.At32(entry + 8)); break;
-        case kResolutionUnit: scale = block.At16(entry + 8) == kCentimetre ? 2.54 : 1.0; break;
+        case kResolutionUnit: scale = ScaleOf(block.At16(entry + 8)); break;
         default: break;
         }
     }

@@ -215,6 +215,8 @@ private:
         if (control_.DisposalMode != DISPOSE_BACKGROUND && control_.DisposalMode != DISPOSE_PREVIOUS) return;
         disposed_ = area;
         if (control_.DisposalMode == DISPOSE_BACKGROUND) return;
+        covered_.reserve(static_cast<std::size_t>(area.right - area.left) *
+                         static_cast<std::size_t>(std::max(area.bottom - area.top, 0)));
         for (std::int32_t y = area.top; y < area.bottom; ++y) {
             covered_.insert(covered_.end(), image_.Row(y) + area.left, image_.Row(y) + area.right);
         }
@@ -228,6 +230,9 @@ private:
             gif_.Image.Height > static_cast<int>(kMaximumDimension))
             return -1;
         const Area area = FrameArea();
+        outside_left_ -= std::int64_t{gif_.Image.Width} * gif_.Image.Height -
+                         std::int64_t{area.right - area.left} * (area.bottom - area.top);
+        if (outside_left_ < 0) return -1;
         PlanDisposal(area);
         std::int32_t rows = 0;
         if (!gif_.Image.Interlace) {
@@ -273,7 +278,8 @@ private:
     Palette palette_{};
     GraphicsControlBlock control_{DISPOSAL_UNSPECIFIED, false, 0, NO_TRANSPARENT_COLOR};
     Area disposed_;
-    std::vector<std::uint32_t> covered_; ///< what stood in `disposed_` when the frame leaves that behind
+    std::vector<std::uint32_t> covered_;  ///< what stood in `disposed_` when the frame leaves that behind
+    std::int64_t outside_left_ = 1 << 26; ///< pixels of frames beyond the canvas that may still be decoded
     std::vector<GifByteType> line_;
     bool is_grey_ = true;
     bool is_complete_ = true; ///< no row of a frame was missing so far

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace qt {
 namespace {
@@ -14,8 +15,15 @@ constexpr std::array<unsigned char, 12> kSignatureBox = {0,   0,   0,    12,   '
 constexpr std::uint32_t kStartAndSize = 0xFF4F'FF51; ///< the two markers with which a codestream begins
 constexpr std::uint32_t kMostComponents = 64;
 constexpr std::uint64_t kMostTileComponents = 65'535; ///< the codec keeps about 1 KB for each
+constexpr double kAlwaysPrecincts = 65'535;           ///< about 600 bytes for each
+constexpr double kSamplesOfPrecinct = 256;            ///< at least, on average, in what has more of them
 
-enum Marker : std::uint32_t { kCodingStyle = 0xFF52, kStartOfTile = 0xFF90 };
+enum Marker : std::uint32_t {
+    kCodingStyle = 0xFF52,
+    kComponentStyle = 0xFF53,
+    kStartOfTile = 0xFF90,
+    kStartOfData = 0xFF93
+};
 
 std::uint64_t DividedUp(std::uint64_t value, std::uint64_t by) {
     return (value + by - 1) / by;
@@ -57,10 +65,48 @@ bool ReadSize(DataSource& source, std::uint64_t at, Jpeg2000Header& header) {
     return header.tiles * header.components <= kMostTileComponents && header.tiles <= source.GetSize();
 }
 
+/// The precincts that a coding style, whose marker is at `at`, would make of all components.
+void TakePrecincts(DataSource& source, std::uint64_t at, std::uint32_t marker, Jpeg2000Header& header) {
+    constexpr std::uint32_t kMostLevels = 32;
+    const std::uint64_t style = marker == kCodingStyle ? 4 : 5; // behind the component's number
+    const std::uint64_t levels_at = style + (marker == kCodingStyle ? 5 : 1);
+    std::array<std::byte, 1> flags;
+    std::array<std::byte, 1> levels;
+    if (!ReadAt(source, at + style, flags) || (flags[0] & std::byte{1}) == std::byte{} ||
+        !ReadAt(source, at + levels_at, levels))
+        return;
+    double precincts = 0;
+    const std::uint32_t most = std::min(std::to_integer<std::uint32_t>(levels[0]), kMostLevels);
+    for (std::uint32_t resolution = 0; resolution <= most; ++resolution) {
+        std::array<std::byte, 1> exponents;
+        if (!ReadAt(source, at + levels_at + 5 + resolution, exponents)) return;
+        const auto exponent = std::to_integer<std::uint32_t>(exponents[0]);
+        const std::uint32_t smaller = most - resolution;
+        const auto along = [&](std::uint32_t length, std::uint32_t power) {
+            return static_cast<double>(DividedUp(length, std::uint64_t{1} << (smaller + power)));
+        };
+        precincts += along(header.width, exponent & 15) * along(header.height, exponent >> 4);
+    }
+    header.precincts = std::max(header.precincts, precincts * header.components);
+}
+
+/// The coding styles in the header of a tile part; `at` behind its first segment.
+void ReadTileHeader(DataSource& source, std::uint64_t at, Jpeg2000Header& header) {
+    std::array<std::byte, 4> segment;
+    while (ReadAt(source, at, segment)) {
+        const std::uint32_t marker = BigEndian16(segment.data());
+        const std::uint32_t length = BigEndian16(&segment[2]);
+        if (marker < 0xFF00 || marker == kStartOfData || length < 2) return;
+        if (marker == kCodingStyle || marker == kComponentStyle) TakePrecincts(source, at, marker, header);
+        at += 2 + length;
+    }
+}
+
 /// Walks the tile parts from the first on, as far as each begins where the one before it ends.
-void FindCutTilePart(DataSource& source, std::uint64_t at, Jpeg2000Header& header) {
+void WalkTileParts(DataSource& source, std::uint64_t at, Jpeg2000Header& header) {
     std::array<std::byte, 10> part;
     while (ReadAt(source, at, part) && BigEndian16(part.data()) == kStartOfTile) {
+        ReadTileHeader(source, at + 12, header);
         const std::uint32_t length = BigEndian32(&part[6]);
         if (length == 0) return; // up to the end of the data
         if (length > source.GetSize() - at) {
@@ -82,14 +128,16 @@ bool ReadCodestream(DataSource& source, std::uint64_t at, Jpeg2000Header& header
         const std::uint32_t marker = BigEndian16(segment.data());
         const std::uint32_t length = BigEndian16(&segment[2]);
         if (marker == kStartOfTile) {
-            FindCutTilePart(source, at, header);
-            return has_size;
+            WalkTileParts(source, at, header);
+            return has_size && header.precincts <= kAlwaysPrecincts + static_cast<double>(header.samples) /
+                                                                          kSamplesOfPrecinct;
         }
         if (marker < 0xFF00 || length < 2) return false;
         if (!has_size) {
             has_size = ReadSize(source, at + 4, header);
             if (!has_size) return false;
         }
+        if (marker == kCodingStyle || marker == kComponentStyle) TakePrecincts(source, at, marker, header);
         if (marker == kCodingStyle) header.is_reversible = segment[13] == std::byte{1};
         at += 2 + length;
     }
@@ -201,11 +249,13 @@ ComponentResult ReadJpeg2000Header(DataSource& source, Jpeg2000Header& header) {
     if (!ReadAt(source, 0, head) || !SniffJpeg2000(head)) return codecBadDataErr;
     header.has_boxes = BigEndian32(head.data()) != kStartAndSize;
     bool is_good = false;
+    bool is_found = false; // of several codestreams the first is the image
     if (header.has_boxes) {
         WalkBoxes(source, 0, source.GetSize(), [&](const Box& box) {
             if (box.type == Code("jp2h")) ReadHeaderBoxes(source, box, header);
             if (box.type == Code("uuid")) TakeBlock(source, box, header);
-            if (box.type == Code("jp2c") && !is_good) is_good = ReadCodestream(source, box.at, header);
+            if (box.type != Code("jp2c") || std::exchange(is_found, true)) return;
+            is_good = ReadCodestream(source, box.at, header);
         });
     } else {
         is_good = ReadCodestream(source, 0, header);

@@ -20,6 +20,7 @@ struct Jpeg2000Header {
     std::uint64_t samples = 0; ///< of all components together
     /// Where the length stands of a tile part that ends beyond the data, which breaks off there; 0: nowhere.
     std::uint64_t cut_length_at = 0;
+    double precincts = 0; ///< of all components at most, where a coding style says their size
     bool is_reversible = false;
     bool has_palette = false;
     bool has_alpha = false;
@@ -31,7 +32,8 @@ struct Jpeg2000Header {
 
 bool SniffJpeg2000(std::span<const std::byte> head);
 
-/// codecBadDataErr for what is no JPEG 2000, or claims more tiles than its data can hold.
+/// codecBadDataErr for what is no JPEG 2000, or claims more tiles than its data can hold, or so many
+/// precincts that the codec would need far more memory for them than for the image.
 ComponentResult ReadJpeg2000Header(DataSource& source, Jpeg2000Header& header);
 
 } // namespace qt

@@ -50,8 +50,8 @@ std::string Inflate(std::string_view data, Collected& collected) {
     uLongf size = text.size();
     const int code = uncompress(reinterpret_cast<Bytef*>(text.data()), &size,
                                 reinterpret_cast<const Bytef*>(data.data()), data.size());
+    collected.left -= code == Z_OK ? size : text.size(); // broken data costs what it might have been
     text.resize(code == Z_OK || code == Z_BUF_ERROR ? size : 0);
-    collected.left -= text.size();
     return text;
 }
 

@@ -13,7 +13,7 @@ namespace qt {
 namespace {
 
 constexpr std::size_t kPadding = 4; ///< behind a row, so that its last sample can be read as a whole word
-constexpr tmsize_t kMostTileBytes = tmsize_t{1} << 28;
+constexpr tmsize_t kMostTileBytes = tmsize_t{1} << 28; // and of a row
 
 /// An unsigned sample of up to 16 bits anywhere in a row, whose words the library has put into native order.
 std::uint32_t SampleAt(const std::byte* row, std::size_t sample, unsigned bits) {
@@ -258,7 +258,7 @@ std::int32_t DecodeStrips(TIFF* tiff, const TiffLayout& layout, DataSource& sour
     const tmsize_t size = g_tiff->ScanlineSize(tiff);
     const std::uint64_t needed =
         (std::uint64_t{layout.width} * (layout.has_planes ? 1 : layout.samples) * layout.bits + 7) / 8;
-    if (size <= 0 || static_cast<std::uint64_t>(size) < needed) return 0;
+    if (size <= 0 || size > kMostTileBytes || static_cast<std::uint64_t>(size) < needed) return 0;
     TiffStrips strips(tiff, layout, source);
     const auto row_bytes = static_cast<std::size_t>(size);
     std::vector<std::byte> row(row_bytes + kPadding);
@@ -308,7 +308,7 @@ private:
     /// Tiles may be larger than the image, but decoding them must not take for ever.
     [[nodiscard]] bool HasFarMoreThanTheImage(tmsize_t tile_size) const {
         constexpr std::uint64_t kAlways = std::uint64_t{64} << 20;
-        constexpr std::uint64_t kTimes = 64;
+        constexpr std::uint64_t kTimes = 8;
         const std::uint64_t across = (std::uint64_t{layout_.width} + width_ - 1) / width_;
         const std::uint64_t down = (std::uint64_t{layout_.height} + height_ - 1) / height_;
         const std::uint64_t planes = layout_.has_planes ? layout_.samples : 1;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace {
 
 using namespace corvane::test;
@@ -54,6 +56,14 @@ TEST(BmpCodec, RunsJumpsAndLiterals) {
     EXPECT_EQ(read(MadeBmp(4, 3, 4, 2, {4, 0x12, 0, 0, 0, 3, 0x12, 0x30, 0, 2, 0, 1, 9, 0x33, 0, 1})),
               "###b\nrgb#\nrgrg\n");
     EXPECT_EQ(read(MadeBmp(4, 2, 8, 1, {2, 1, 0, 3, 2, 2, 3, 0, 0, 0, 4, 3, 0, 1})), "bbbb\nrrgg\n");
+    // Jumps along the row until a number of 32 bits would begin anew, then pixels.
+    Bytes far = MadeBmp(4, 2, 8, 1, {});
+    const Bytes jump = BytesOf({0, 2, 255, 0});
+    const Bytes end = BytesOf({2, 1, 0, 0, 4, 3, 0, 1});
+    for (std::int64_t x = 0; x <= std::numeric_limits<std::int32_t>::max(); x += 255)
+        far.insert(far.end(), jump.begin(), jump.end());
+    far.insert(far.end(), end.begin(), end.end());
+    EXPECT_EQ(read(far), "bbbb\n####\n");
     // Breaks off in the second row from the bottom.
     EXPECT_EQ(read(MadeBmp(2, 3, 8, 1, {2, 1, 0, 0, 1, 2})), "..\n..\nrr\n");
     EXPECT_EQ(read(MadeBmp(2, 0xFFFFFFFE, 8, 0, {1, 2, 0, 0, 3, 0, 0, 0})), "rg\nb#\n"); // from the top

@@ -108,6 +108,9 @@ TEST(ImageFacts, JpegTakesTheResolutionOfExifWhenThereIsNoOther) {
     EXPECT_EQ(resolution_with(kBig), std::pair(300, 144));
     EXPECT_EQ(resolution_with(kLittleCentimetres), std::pair(254, 254));
     EXPECT_EQ(resolution_with(kZeroDenominator), std::pair(72, 72));
+    std::string ratio(kBig);
+    ratio[ratio.find("\x01\x28") + 9] = 1; // no unit
+    EXPECT_EQ(resolution_with(ratio), std::pair(72, 72));
     for (std::size_t size = 0; size < kBig.size(); ++size)
         resolution_with(kBig.substr(0, size)); // ends in some resolution
 }

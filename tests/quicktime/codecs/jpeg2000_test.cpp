@@ -82,6 +82,17 @@ TEST(Jpeg2000Codec, RefusesWhatIsTooLarge) {
     ExpectNoRoomIsTaken(qt::kJpeg2000Codec, bytes, codecSizeErr);
     bytes[10] = bytes[26] = std::byte{0x80}; // 32,768 columns
     EXPECT_EQ(facts_code(), codecSizeErr);
+
+    bytes = images.MakeBytes("-size 600x600 plasma: -type TrueColor", "precincts.j2k");
+    const auto style = std::ranges::search(bytes, BytesOf({0xFF, 0x52})).begin() - bytes.begin();
+    const auto at = static_cast<std::size_t>(style);
+    const Bytes sizes(std::to_integer<std::size_t>(bytes[at + 9]) + 1); // of one sample in each resolution
+    bytes[at + 3] = static_cast<std::byte>(12 + sizes.size());
+    bytes[at + 4] |= std::byte{1};
+    bytes.insert(bytes.begin() + style + 14, sizes.begin(), sizes.end());
+    EXPECT_EQ(facts_code(), codecBadDataErr) << "the codec would take 600 bytes for each";
+    std::fill_n(bytes.begin() + style + 14, sizes.size(), std::byte{0x77});
+    EXPECT_EQ(facts_code(), noErr);
 }
 
 } // namespace
