@@ -6,12 +6,12 @@
 #include <cmath>
 #include <cstdio>
 #include <ctime>
+#include <string>
 
 namespace corvane {
 namespace {
 
 constexpr char kNoTerminator = '\0';
-constexpr double kSmallestFraction = 1e-50;
 constexpr double kFixedOne = 65536; // 1.0 in 16.16 fixed point
 
 bool IsDigit(char character) {
@@ -31,13 +31,15 @@ std::optional<std::uint32_t> ParseFieldBeforeColon(std::string_view& cursor) {
 
 // `cursor` stands behind the decimal point.
 std::optional<double> ParseFraction(std::string_view cursor) {
-    int digits = 0;
-    for (const char character : cursor)
-        if (IsDigit(character)) ++digits;
-    const std::optional<std::uint32_t> value = ParseTimeField(cursor, kNoTerminator);
-    if (!value || !cursor.empty()) return std::nullopt;
-    const double fraction = *value / std::pow(10.0, digits);
-    return fraction < kSmallestFraction ? 0 : fraction;
+    constexpr std::size_t kMostDigits = 9; // all that a field can hold, and more than a time does
+    SkipBlanks(cursor);
+    std::string field(cursor);
+    const std::size_t digits = std::min(field.find_first_not_of("0123456789"), field.size());
+    if (digits > kMostDigits) field.erase(kMostDigits, digits - kMostDigits); // as quotients have them
+    std::string_view rest = field;
+    const std::optional<std::uint32_t> value = ParseTimeField(rest, kNoTerminator);
+    if (!value || !rest.empty()) return std::nullopt;
+    return *value / std::pow(10.0, std::min(digits, kMostDigits));
 }
 
 std::chrono::seconds LocalOffset() {

@@ -87,8 +87,8 @@ std::int32_t MakeAmplifiedMovie(Movie source, float factor, float limit, const X
     code = BeginMediaEdits(output);
     if (code != noErr) return code;
     if (const std::int32_t added = AddAmplified(input, output, factor, limit); added != 0) return added;
-    EndMediaEdits(output);
-    code = InsertMediaIntoTrack(track, 0, 0, GetMediaDuration(output), kNormalRate);
+    code = EndMediaEdits(output);
+    if (code == noErr) code = InsertMediaIntoTrack(track, 0, 0, GetMediaDuration(output), kNormalRate);
     return code == noErr ? AddMovieToStorage(movie, handler) : code;
 }
 

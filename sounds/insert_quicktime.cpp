@@ -3,6 +3,7 @@
 #include "files/can_open_file.h"
 #include "files/data_reference.h"
 #include "files/database_folder.h"
+#include "files/intermediate_file.h"
 #include "files/local_files.h"
 #include "files/movie_file.h"
 #include "files/path_parameter.h"
@@ -85,22 +86,8 @@ std::int32_t FindPicture(const XFileSpec& file, bool& found) {
     return 0;
 }
 
-// Files that were made on the way: they go with this object, unless the result keeps them.
-class MadeFiles {
-public:
-    MadeFiles() = default;
-    MadeFiles(const MadeFiles&) = delete;
-    MadeFiles& operator=(const MadeFiles&) = delete;
-    ~MadeFiles() {
-        for (const XFileSpec& file : files_) DeleteFileOf(file);
-    }
-
-    void Add(const XFileSpec& file) { files_.push_back(file); }
-    void Keep() { files_.clear(); }
-
-private:
-    std::vector<XFileSpec> files_;
-};
+// Files that were made on the way: they go with this, unless the result keeps them.
+using MadeFiles = std::vector<IntermediateFile>;
 
 // Puts in the file's place what is inserted for it: a copy of a file on the network, and a reference movie
 // for a sound.
@@ -111,12 +98,12 @@ FM_Error PrepareMovie(XFileSpec& file, bool local, MadeFiles& made, CVSError& er
     if (!local && WorkaroundValue(Workaround::kRemoteFile)) {
         code = CopyFromNetwork(file);
         if (code != 0) return error.Fail(code, "Copying file to a temporary folder has failed.");
-        made.Add(file);
+        made.emplace_back(file);
     }
     if (!has_picture && WorkaroundValue(Workaround::kLinkMedia)) {
         const ReferenceMovie linked = MakeReferenceMovie(file);
         if (linked.code != 0) return error.Fail(linked.code, "Linking media has failed.");
-        if (!linked.replaced) made.Add(file);
+        if (!linked.replaced) made.emplace_back(file);
     }
     return kFM_ErrorNone;
 }
@@ -125,6 +112,9 @@ FM_Error Insert(XFileSpec file, FM_Data& result, CVSError& error) {
     qt::DataReference reference;
     std::int32_t code = DataReferenceOf(file, reference);
     if (code != 0) return error.Fail(code, "Failed to alias input file.");
+    // A drive in small letters would keep the file from lying beside the database: the reference has
+    // capitals.
+    if (XFileSpec spelled; FileOfDataReference(reference, spelled) == 0) file = std::move(spelled);
     const std::string path = file.GetNativePath();
     const FileLocality place = IsOnLocalDrive(path);
     if (place.code != 0) return error.Fail(place.code, {});
@@ -142,7 +132,7 @@ FM_Error Insert(XFileSpec file, FM_Data& result, CVSError& error) {
     }
     code = PutFileReferenceResult(result, file, "movie", size.width, size.height);
     if (code != 0) return error.Fail(code, "Failed to set result.");
-    made.Keep();
+    for (IntermediateFile& file_made : made) file_made.Keep();
     error.SetCode(0);
     return kFM_ErrorNone;
 }

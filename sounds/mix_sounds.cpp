@@ -85,8 +85,8 @@ std::int32_t Mix(Sound& first, Sound& second, Sound& mixed) {
     if (output.code != 0) return output.code;
     code = BeginMediaEdits(output.media);
     if (code == 0) code = AddMixed(first_track.media, second_track.media, output.media);
+    if (code == 0) code = EndMediaEdits(output.media);
     if (code != 0) return code;
-    EndMediaEdits(output.media);
     return InsertMediaIntoTrack(output.track, 0, 0, GetMediaDuration(output.media), kNormalRate);
 }
 

@@ -6,6 +6,7 @@
 #include "plugin/drawing_port.h"
 #include "plugin/host_data.h"
 #include "plugin/parameters.h"
+#include "sounds/media_pool.h"
 #include "sounds/recording_manager.h"
 #include "sounds/recording_target.h"
 #include "sounds/sound_results.h"
@@ -43,7 +44,7 @@ std::int32_t RecordUntilClick(const XFileSpec& file) {
     const auto recorder = std::make_shared<SoundRecorder>();
     if (const std::int32_t code = StartRecorder(file, recorder); code != 0) return code;
     while (!IsButtonPressed() && recorder->GetState() == SoundRecorder::State::kRecording) {
-        manager.IdleAll();
+        MediaPool::Instance().Idle(); // this recording's work, and what plays meanwhile goes on
         std::this_thread::sleep_for(kRound);
     }
     win32::FlushInput(); // the click is not for the next recording

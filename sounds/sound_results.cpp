@@ -16,8 +16,7 @@ namespace corvane {
 std::int32_t PutMovieResult(FM_Data& result, Movie movie) {
     XFileSpec file;
     if (const std::int32_t code = MovieFileOf(movie, file); code != 0) return code;
-    if (WorkaroundValue(Workaround::kLinkMedia) == 0)
-        return PutFileReferenceResult(result, file, "movie", 0, 0);
+    if (!WorkaroundValue(Workaround::kLinkMedia)) return PutFileReferenceResult(result, file, "movie", 0, 0);
     const ReferenceMovie linked = MakeReferenceMovie(file);
     if (linked.code != 0) return linked.code;
     IntermediateFile reference_movie(std::move(file));

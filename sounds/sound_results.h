@@ -11,7 +11,7 @@
 namespace corvane {
 
 /// Makes the reference text of the movie's file the result, or that of a reference movie beside it when media
-/// are to be linked so.
+/// are to be linked so. Codes of MovieFileOf, MakeReferenceMovie and PutFileReferenceResult.
 std::int32_t PutMovieResult(FM_Data& result, Movie movie);
 
 /// Makes a container with the movie's first sound as a sound resource the result: 8-bit, mono, 44,100 Hz.

@@ -44,8 +44,9 @@ With a code the result is empty; Media_GetLastError has the message.)",
      R"(container1, container2   sounds: paths of sound or movie files as text, reference texts, or containers
                          with a sound resource or a reference)",
      R"(Text: the reference to a WAVE file in the temporary folder, 16-bit, stereo, 44,100 Hz; through a
-reference movie beside it while the setting lmworkaround is on.)",
-     R"(-43    the file that a reference names is missing
+reference movie beside it (NAME_ref.mov) while the setting lmworkaround is on.)",
+     R"(-1     the temporary folder (TMPDIR, else /tmp) lies outside every drive: --drive T:=/tmp brings it in
+-43    the file that a reference names is missing
 -50    not two parameters, a path that leads to no file, or a number
 -1302  a path leads to a folder
 -2010  a container is empty
@@ -182,7 +183,8 @@ Year: 1993)"},
     {"Media_InsertQuickTime", "A movie, sound or image file as a container that refers to it.",
      "path   the file, as a path or a reference text; without it, and for a number, the user chooses one",
      R"(Text: the reference to the file, with the size of an image. Of a sound it is that of a reference movie
-beside the file while the setting lmworkaround is on. A movie or sound on the network is copied into the
+beside the file, NAME_ref.mov, while the setting lmworkaround is on: it takes the place of a file of that name,
+and files that differ only in their extension share one. A movie or sound on the network is copied into the
 temporary folder first while rfworkaround is on; an alert says so before the first time.)",
      R"(-43    no such file
 -50    more than one parameter
@@ -294,8 +296,8 @@ With a code the result is empty; Media_GetLastError has the message.)",
      "-3155  nothing is recorded; only in Media_GetLastError", "Media_RecordSoundPause & Media_GetLastError",
      "$-3155:Media_RecordSoundPause: …"},
     {"Media_RecordSoundStop", "Ends the recording in the background.", "none",
-     R"(Text: the reference to the file; through a reference movie beside it while the setting lmworkaround
-is on.)",
+     R"(Text: the reference to the file; through a reference movie beside it, as Media_InsertQuickTime makes it,
+while the setting lmworkaround is on.)",
      R"(-3155  nothing is recorded, or the recording broke off: what was recorded until then is in the file
 codes of files)",
      R"(Media_RecordSoundStart ( "/C:/sounds/memo.mov" ; True ) & Media_RecordSoundStop)",

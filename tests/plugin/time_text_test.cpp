@@ -25,6 +25,7 @@ TEST(TimeText, CountsTheDigitsOfTheFraction) {
     EXPECT_EQ(ParseTime("0:0:1.000"), kSecond);
     EXPECT_EQ(ParseTime("0:0:1.100"), static_cast<std::int32_t>(1.1 * kSecond));
     EXPECT_EQ(ParseTime("0:0:5."), 5 * kSecond);
+    EXPECT_EQ(ParseTime("0:0:1.3333333333333333"), 4 * kSecond / 3) << "a quotient's digits don't wrap";
     EXPECT_EQ(ParseTime("0:0:5. 5 "), 5 * kSecond + kSecond / 2);
     EXPECT_EQ(ParseTime("0:0:0." + std::string(400, '0') + "1"), 0) << "the divisor is beyond a double";
 }

@@ -12,7 +12,6 @@ using QTAtomContainer = Handle;
 using QTAtom = std::int32_t;
 inline constexpr QTAtom kParentAtomIsContainer = 0;
 
-inline constexpr OSErr cannotFindAtomErr = -2101;
 inline constexpr OSErr notLeafAtomErr = -2102;
 inline constexpr OSErr invalidAtomContainerErr = -2107;
 inline constexpr OSErr invalidAtomErr = -2106;

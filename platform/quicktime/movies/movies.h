@@ -35,9 +35,7 @@ inline constexpr OSErr invalidSampleTable = -2011;
 inline constexpr OSErr invalidDuration = -2014;
 inline constexpr OSErr invalidTime = -2015;
 inline constexpr OSErr invalidEditState = -2023;
-inline constexpr OSErr trackIDNotFound = -2029; ///< also: no such reference between tracks
 inline constexpr OSErr noDefaultDataRef = -2051;
-inline constexpr OSErr movieTextNotFoundErr = -2062;
 
 inline constexpr std::int16_t kFullVolume = 256; ///< volumes are signed 8.8; negative ones are silent
 inline constexpr Fixed kNormalRate = 0x10000;

@@ -46,8 +46,8 @@ OSErr AddTextTrack(Movie movie, TimeValue duration) {
     sample.Put16(kPlaceholderText.size());
     sample.Put(kPlaceholderText);
     if (const OSErr code = BeginMediaEdits(media); code != noErr) return code;
-    const OSErr code = AddMediaSample(media, sample.Take(), duration, block, 1);
-    EndMediaEdits(media);
+    OSErr code = AddMediaSample(media, sample.Take(), duration, block, 1);
+    if (code == noErr) code = EndMediaEdits(media);
     return code != noErr ? code : InsertMediaIntoTrack(track, 0, 0, duration, kNormalRate);
 }
 

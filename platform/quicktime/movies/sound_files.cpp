@@ -22,9 +22,13 @@ class SoundFile {
 public:
     explicit SoundFile(std::shared_ptr<DataSource> data) : data_(std::move(data)) {}
 
+    /// From the start, whether it was open before or not.
     bool Open() {
         static SF_VIRTUAL_IO operations = {Length, Seek, Read, Write, Tell};
         if (!g_sndfile.Load()) return false;
+        file_.reset();
+        position_ = 0;
+        info_ = {};
         file_.reset(g_sndfile->open_virtual(&operations, SFM_READ, &info_, this));
         return file_ != nullptr;
     }
@@ -77,19 +81,48 @@ public:
     }
 
     FramesRead Read(std::int64_t start, std::span<std::byte> frames) override {
-        if (start != position_ && g_sndfile->seek(file_->File(), start, SEEK_SET) != start) return {noErr, 0};
+        if (start != position_ && !GoTo(start)) return {noErr, 0};
+        return {noErr, Decode(frames)};
+    }
+
+private:
+    bool GoTo(std::int64_t start) {
+        if (file_->Info().seekable == 0) return DecodeUpTo(start);
+        if (g_sndfile->seek(file_->File(), start, SEEK_SET) != start) return false;
+        position_ = start;
+        return true;
+    }
+
+    // For codecs that the library only reads in order, as GSM.
+    bool DecodeUpTo(std::int64_t start) {
+        constexpr std::int64_t kBlock = 4096; // frames
+        if (start < position_) {
+            position_ = 0;
+            if (!file_->Open()) return false;
+        }
+        skipped_.resize(static_cast<std::size_t>(kBlock) * layout_.FrameBytes());
+        while (position_ < start) {
+            const auto count = static_cast<std::size_t>(std::min(kBlock, start - position_));
+            if (Decode(std::span(skipped_).first(count * layout_.FrameBytes())) == 0) return false;
+        }
+        return true;
+    }
+
+    // The frames that follow; how many there were.
+    std::int64_t Decode(std::span<std::byte> frames) {
+        if (file_->File() == nullptr) return 0;
         const auto wanted = static_cast<sf_count_t>(frames.size() / layout_.FrameBytes());
         const sf_count_t got =
             layout_.encoding == SampleEncoding::kSigned16
                 ? g_sndfile->readf_short(file_->File(), reinterpret_cast<short*>(frames.data()), wanted)
                 : g_sndfile->readf_float(file_->File(), reinterpret_cast<float*>(frames.data()), wanted);
-        position_ = start + std::max<sf_count_t>(got, 0);
-        return {noErr, std::max<sf_count_t>(got, 0)};
+        position_ += std::max<sf_count_t>(got, 0);
+        return std::max<sf_count_t>(got, 0);
     }
 
-private:
     std::unique_ptr<SoundFile> file_;
     std::int64_t position_ = 0;
+    Bytes skipped_;
 };
 
 struct RawEncoding {

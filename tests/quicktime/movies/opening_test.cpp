@@ -163,8 +163,9 @@ TEST_F(OpeningOther, TakesNoSingleFrameBehindOtherBytesForMpegAudio) {
 
 TEST_F(OpeningOther, ReadsBlocksAnywhereAsOneRunOfSamples) {
     ASSERT_TRUE(Run(kMakeSource));
-    ASSERT_TRUE(Run("lame -V 4 source.wav s.mp3 && ffmpeg -i source.wav s.ac3"));
-    for (const char* name : {"source.wav", "s.mp3", "s.ac3"}) {
+    ASSERT_TRUE(Run("lame -V 4 source.wav s.mp3 && ffmpeg -i source.wav s.ac3 && "
+                    "sox source.wav -c 1 -e gsm-full-rate gsm.wav"));
+    for (const char* name : {"source.wav", "s.mp3", "s.ac3", "gsm.wav"}) {
         const qt::OwnedMovie movie = Open(name);
         const std::vector<std::int16_t> whole = Exported(movie.get());
         for (const TimeValue start : {0, 1, 40'000, 88'000}) {
