@@ -23,8 +23,12 @@ public:
     File(File&& other) noexcept : handle_(std::exchange(other.handle_, INVALID_HANDLE_VALUE)) {}
     File(const File&) = delete;
     File& operator=(const File&) = delete;
-    ~File() {
-        if (handle_ != INVALID_HANDLE_VALUE) CloseHandle(handle_);
+    ~File() { Close(); }
+
+    // False for data that could not be written after all.
+    bool Close() {
+        const HANDLE handle = std::exchange(handle_, INVALID_HANDLE_VALUE);
+        return handle == INVALID_HANDLE_VALUE || CloseHandle(handle) != FALSE;
     }
 
     [[nodiscard]] HANDLE get() const { return handle_; }
@@ -129,7 +133,11 @@ Written WriteFile(FileNumber number, PositionMode mode, std::int64_t offset,
 }
 
 std::int32_t CloseFile(FileNumber number) {
-    return State().files.erase(number) == 1 ? 0 : kErrorWrongParameter;
+    const auto found = State().files.find(number);
+    if (found == State().files.end()) return kErrorWrongParameter;
+    File file = std::move(found->second);
+    State().files.erase(found);
+    return file.Close() ? 0 : PlatformError();
 }
 
 void ResetNumberedFiles() {

@@ -51,7 +51,7 @@ struct Written {
 Written WriteFile(FileNumber number, PositionMode mode, std::int64_t offset,
                   std::span<const std::byte> bytes);
 
-/// -50 for an unknown number.
+/// -50 for an unknown number. Some file systems tell only here that there was no room.
 std::int32_t CloseFile(FileNumber number);
 
 /// No file is open, and the next number is 100: the state at start-up. Open files are closed.

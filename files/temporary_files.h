@@ -9,7 +9,6 @@
 namespace corvane {
 
 inline constexpr std::int32_t kFolderIsReadOnly = -10000;
-inline constexpr std::int32_t kTextFailure = -4960;
 
 /// A fresh name in the user's temporary folder, ending in `extension` (UTF-8, with its point: ".wav"). Only
 /// the name is made: the caller creates, uses and deletes the file. -1 when there is no temporary folder, -2
@@ -31,7 +30,7 @@ struct FolderWritable {
     bool writable = false;
 };
 
-/// Tries to create a hidden file in the folder, and removes it again.
+/// Tries to write a file of a name of its own in the folder, and removes it.
 FolderWritable IsFolderWritable(const XFileSpec& folder);
 
 /// The folder that holds the item, if it can be written to; else -10000.

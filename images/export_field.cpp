@@ -13,6 +13,7 @@
 #include <new>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace corvane {
@@ -106,19 +107,23 @@ bool FindTarget(const FM_Data* parameter, std::uint32_t type, bool replace, XFil
     return code == 0;
 }
 
-// The file being written, closed at the end of the scope.
+// The file being written, closed at the end of the scope at the latest.
 class OpenTarget {
 public:
     explicit OpenTarget(native::FileNumber number) : number_(number) {}
     OpenTarget(const OpenTarget&) = delete;
     OpenTarget& operator=(const OpenTarget&) = delete;
-    ~OpenTarget() { native::CloseFile(number_); }
+    ~OpenTarget() {
+        if (number_ != kNone) Close();
+    }
 
     [[nodiscard]] std::int32_t Write(std::int64_t offset, std::span<const std::byte> bytes) const {
         return native::WriteFile(number_, native::PositionMode::kFromStart, offset, bytes).code;
     }
+    std::int32_t Close() { return native::CloseFile(std::exchange(number_, kNone)); }
 
 private:
+    static constexpr native::FileNumber kNone = 0;
     native::FileNumber number_;
 };
 
@@ -147,8 +152,9 @@ void WriteTarget(Content& content, XFileSpec folder) {
     const native::OpenedFile opened = native::OpenFile(created.path, native::Permission::kWrite);
     std::int32_t code = opened.code;
     if (code == 0) {
-        const OpenTarget file(opened.number);
+        OpenTarget file(opened.number);
         code = WriteContent(content, file);
+        if (const std::int32_t close_code = file.Close(); code == 0) code = close_code;
     }
     // What was written stays: the person may look at how far it came.
     if (code != 0) ReportError(code, "Could not write to file (disk space, permissions)");

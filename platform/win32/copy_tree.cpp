@@ -110,7 +110,7 @@ private:
             if (!HasEntry(from.folder, from.name)) return ERROR_SUCCESS;
             error = CopyFileTo(from, to);
         }
-        return error;
+        return error == DE_SAMEFILE ? ERROR_SUCCESS : error; // a hard link of it is its copy already
     }
 
     DWORD Descend() {
@@ -157,13 +157,16 @@ bool LiesInside(int folder, const struct stat& ancestor) {
 
 DWORD CopyTree(EntryAt from, EntryAt to) {
     Descriptor source = OpenFolder(from.folder, from.name);
-    if (!source) return errno == ENOTDIR || errno == ELOOP ? CopyFileTo(from, to) : ReadError(errno);
+    if (!source && errno != ENOTDIR && errno != ELOOP) return ReadError(errno);
     struct stat status {};
-    if (fstat(source.get(), &status) != 0) return FromErrno(errno);
     struct stat target {};
-    if (fstatat(to.folder, to.name, &target, AT_SYMLINK_NOFOLLOW) == 0 && target.st_dev == status.st_dev &&
+    // A link leads to something: it must not take the place of that.
+    if (fstatat(from.folder, from.name, &status, 0) == 0 &&
+        fstatat(to.folder, to.name, &target, AT_SYMLINK_NOFOLLOW) == 0 && target.st_dev == status.st_dev &&
         target.st_ino == status.st_ino)
         return DE_SAMEFILE;
+    if (!source) return CopyFileTo(from, to);
+    if (fstat(source.get(), &status) != 0) return FromErrno(errno);
     if (LiesInside(to.folder, status)) return DE_DESTSUBTREE;
     return TreeCopier().Run(std::move(source), status, to);
 }

@@ -14,8 +14,8 @@ void DoWithoutWindows(const std::string& reason) {
 }
 
 void DispatchMessages() {
-    const fm::Session& session = fm::CurrentSession();
-    if (session.dispatch_messages) session.dispatch_messages();
+    if (const auto dispatch = fm::CurrentSession().dispatch_messages)
+        dispatch(); // the last window takes it away
 }
 
 } // namespace

@@ -215,6 +215,20 @@ TEST_F(ShellOperations, RenameReplacesNothing) {
     EXPECT_EQ(Listing(c), "new.txt=1 other=2");
 }
 
+TEST_F(ShellOperations, CopyNeverPutsALinkInThePlaceOfWhatItLeadsTo) {
+    drives.MakeFile("c/file", "1");
+    drives.MakeFile("c/tree/last", "22");
+    fs::create_symlink("file", c + "/link");
+    EXPECT_EQ(Shell(FO_COPY, u"C:\\link", u"C:\\file"), DE_SAMEFILE);
+    // A hard link of a listed file is its copy already: the rest follows.
+    drives.MakeFolder("c/snapshot/tree");
+    fs::create_hard_link(c + "/file", c + "/tree/file");
+    fs::create_hard_link(c + "/file", c + "/snapshot/tree/file");
+    EXPECT_EQ(Shell(FO_COPY, u"C:\\tree", u"C:\\snapshot"), 0U);
+    fs::remove(c + "/link");
+    EXPECT_EQ(Listing(c), "file=1 snapshot/tree/file=1 snapshot/tree/last=22 tree/file=1 tree/last=22");
+}
+
 TEST_F(ShellOperations, DeleteNeverFollowsLinks) {
     drives.MakeFile("c/outside/kept", "1");
     drives.MakeFile("c/tree/a/b/file", "1");
