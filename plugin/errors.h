@@ -50,7 +50,6 @@ public:
     [[nodiscard]] std::int32_t GetCode() const { return code_; }
     [[nodiscard]] const std::string& GetMessage() const { return message_; }
     [[nodiscard]] bool IsCode(std::int32_t value) const { return code_ == value; }
-    [[nodiscard]] bool IsNotCode(std::int32_t value) const { return code_ != value; }
 
     /// The code as the host takes it: its low 16 bits, signed.
     [[nodiscard]] std::int16_t HostCode() const { return static_cast<std::int16_t>(code_); }

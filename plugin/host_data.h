@@ -85,7 +85,6 @@ private:
 
 using Text = HostHandle<FM_Text, FM_Text_Delete>;
 using Data = HostHandle<FM_Data, FM_Data_Delete>;
-using DataVect = HostHandle<FM_DataVect, FM_DataVect_Delete>;
 using FixPt = HostHandle<FM_FixPt, FM_FixPt_Delete>;
 using QuadChar = HostHandle<FM_QuadChar, FM_QuadChar_Delete>;
 using BinaryData = HostHandle<FM_BinaryData, FM_BinaryData_Delete>;

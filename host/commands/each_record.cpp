@@ -12,7 +12,7 @@ int EachChosenRecord(Engine& engine, OpenTable& table, const CommandLine& line,
     if (!Parses(engine, work.condition) || !Parses(engine, line.table.name)) return kUsageError;
     std::int64_t count = 0;
     std::int64_t last = 0;
-    std::string problem = table.GetRecords().CountAfter(0, count);
+    std::string problem = table.GetRecords().Count(count);
     if (problem.empty()) problem = table.GetRecords().LastNumber(last);
     if (!problem.empty()) return CommandFailed(problem);
 

@@ -1,9 +1,9 @@
 #include "host/commands/commands.h"
 #include "host/commands/each_record.h"
+#include "host/commands/output_folder.h"
 #include "platform/text/utf.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <set>
 
 namespace host {
@@ -32,19 +32,13 @@ private:
     std::string Prepare() {
         if (line_.arguments.size() != 3 || line_.table.to.empty())
             return "export needs a database file, a table, a field and --to FOLDER";
-        if (std::string problem = table_.Open(line_); !problem.empty()) return problem;
+        std::string problem = table_.Open(line_);
+        if (!problem.empty()) return problem;
         field_ = table_.GetTable().Find(line_.arguments[2]);
         if (field_ == nullptr) return table_.GetTable().name + " has no field \"" + line_.arguments[2] + '"';
-        std::error_code error;
-        const std::string folder =
-            std::filesystem::absolute(line_.table.to, error).lexically_normal().string();
-        const auto path = fm::HostPath(fm::CurrentSession().drives, folder);
-        if (!path) return "the folder " + line_.table.to + " is outside every drive";
-        std::filesystem::create_directories(line_.table.to, error);
-        if (!std::filesystem::is_directory(folder))
-            return "cannot make the folder " + line_.table.to + (error ? ": " + error.message() : "");
-        folder_ = *path;
-        if (!folder_.ends_with('/')) folder_ += '/';
+        const auto folder = MakeOutputFolder(line_.table.to, problem);
+        if (!folder) return problem;
+        folder_ = *folder;
         return {};
     }
 

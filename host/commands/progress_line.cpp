@@ -25,12 +25,13 @@ std::string Duration(double seconds) {
 } // namespace
 
 ProgressLine::ProgressLine(std::int64_t total, bool shown, std::int64_t done)
-    : total_(total), before_(done), done_(done), shown_(shown) {
+    : total_(total), before_(done), done_(done), shown_(shown), plugin_draws_(fm::CurrentSession().progress) {
     if (shown_) fm::CurrentSession().progress = false;
 }
 
 ProgressLine::~ProgressLine() {
     Clear();
+    fm::CurrentSession().progress = plugin_draws_;
 }
 
 std::string ProgressLine::Text(std::int64_t before, std::int64_t done, std::int64_t total, double seconds) {

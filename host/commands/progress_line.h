@@ -33,6 +33,7 @@ private:
     std::int64_t before_;
     std::int64_t done_;
     bool shown_;
+    bool plugin_draws_; ///< what holds again afterwards
     bool drawn_ = false;
     Clock::time_point begin_ = Clock::now();
     Clock::time_point next_drawing_ = begin_;

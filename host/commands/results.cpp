@@ -1,5 +1,6 @@
 #include "host/commands/results.h"
 
+#include "host/engine/error_text.h"
 #include "host/engine/stream_type.h"
 #include "platform/text/utf.h"
 
@@ -62,14 +63,8 @@ void AppendPlain(std::string& output, const Outcome& outcome, bool raw) {
 
 bool IsFailure(const Outcome& outcome) {
     if (outcome.error != kFM_ErrorNone) return true;
-    if (outcome.value.Type() != kFM_TypeText) return false;
-    std::u16string_view text = outcome.value.AsText().units;
-    if (!text.starts_with(u'$')) return false;
-    text.remove_prefix(1);
-    if (text.starts_with(u'-')) text.remove_prefix(1);
-    const auto digits = text.find_first_not_of(u"0123456789");
-    if (digits == 0 || digits == std::u16string_view::npos || text[digits] != u':') return false;
-    return text.substr(0, digits).find_first_not_of(u'0') != std::u16string_view::npos;
+    const auto error = ParseErrorText(outcome.value);
+    return error && error->code != 0;
 }
 
 std::string SaveStreams(const std::string& folder, std::size_t number, const FM_Data& value) {

@@ -1,5 +1,6 @@
 #include "host/commands/commands.h"
 #include "host/commands/each_record.h"
+#include "host/commands/output_folder.h"
 #include "host/commands/sheet_page.h"
 #include "platform/text/utf.h"
 
@@ -19,39 +20,43 @@ constexpr std::size_t kCardsOnPage = 300;
 constexpr int kPictureWidth = 640; ///< twice what a card shows, for dense displays
 constexpr int kPictureHeight = 480;
 
+constexpr FM_Error kDiskFull = -34;
 constexpr std::uint32_t kFileStream = 0x46494C45; // "FILE"
 
 // A file of a stream's bytes in the temporary folder, as long as it lives: sound functions take files, and
 // containers of sounds only.
 class TemporaryFile {
 public:
-    /// Its path is empty when it can't be made.
+    /// Its path is empty when it can't be written.
     TemporaryFile(const fm::Bytes& bytes, const std::string& extension) {
         std::error_code error;
-        path_ = (std::filesystem::temp_directory_path(error) / ("corvane-sheet-XXXXXX" + extension)).string();
+        const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
+        if (error) return;
+        path_ = (folder / ("corvane-sheet-XXXXXX" + extension)).string();
         // Others must not read it, nor have put a link in its place.
         const int descriptor = ::mkstemps(path_.data(), static_cast<int>(extension.size()));
         if (descriptor < 0) {
             path_.clear();
             return;
         }
-        std::FILE* file = ::fdopen(descriptor, "wb");
-        if (file == nullptr) {
-            ::close(descriptor);
-            return;
-        }
-        std::fwrite(bytes.data(), 1, bytes.size(), file);
-        std::fclose(file);
+        std::FILE* const file = ::fdopen(descriptor, "wb");
+        const bool written =
+            file != nullptr && std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+        const bool closed = (file != nullptr ? std::fclose(file) : ::close(descriptor)) == 0;
+        if (!written || !closed) Remove();
     }
-    ~TemporaryFile() {
-        if (!path_.empty()) ::unlink(path_.c_str());
-    }
+    ~TemporaryFile() { Remove(); }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     [[nodiscard]] const std::string& Path() const { return path_; }
 
 private:
+    void Remove() {
+        if (!path_.empty()) ::unlink(path_.c_str());
+        path_.clear();
+    }
+
     std::string path_;
 };
 
@@ -140,15 +145,11 @@ private:
         if (!index) return problem;
         part_ = table_.GetTable().fields[*index].name;
         field_ = table_.GetTable().name + "::" + part_;
-        std::error_code error;
-        std::filesystem::create_directories(line_.table.to + "/pictures", error);
-        if (error) return "cannot make the folder " + line_.table.to + ": " + error.message();
         if (!IsSheetOrNothing(line_.table.to + '/' + SheetPageName(1)))
             return line_.table.to + '/' + SheetPageName(1) + " is there, and no page of a sheet";
-        const auto folder = std::filesystem::absolute(line_.table.to + "/pictures", error).lexically_normal();
-        const auto path = fm::HostPath(fm::CurrentSession().drives, folder.string());
-        if (!path) return "the folder " + line_.table.to + " is outside every drive";
-        pictures_ = *path + '/';
+        const auto folder = MakeOutputFolder(line_.table.to + "/pictures", problem);
+        if (!folder) return problem;
+        pictures_ = *folder;
         return {};
     }
 
@@ -158,6 +159,10 @@ private:
         card.title = std::to_string(record);
         auto failure = SetTitle(card);
         const std::unique_ptr<TemporaryFile> file = MakeFile();
+        if (file != nullptr && file->Path().empty()) {
+            card.summary = "File";
+            return RecordFailure{part_, {}, kDiskFull, "there is no room for a temporary copy of it"};
+        }
         const std::string picture = std::to_string(record) + ".jpg";
         const Outcome image = engine_.Evaluate("Media_GetImageInfo($media)");
         const bool is_image = !FailureOf(engine_, image, part_);
@@ -173,7 +178,7 @@ private:
     }
 
     // $media becomes the field's value; of a container with the bytes of a file, the path of the file that is
-    // made.
+    // made, if it can be.
     std::unique_ptr<TemporaryFile> MakeFile() {
         FM_Data& media = engine_.SessionVariable("$media");
         media = engine_.Evaluate(field_).value;
@@ -181,6 +186,7 @@ private:
         if (index < 0) return nullptr;
         auto file = std::make_unique<TemporaryFile>(
             *media.AsContainer().streams[static_cast<std::size_t>(index)].bytes, ExtensionOf(media));
+        if (file->Path().empty()) return file;
         if (const auto path = fm::HostPath(fm::CurrentSession().drives, file->Path()))
             media = FM_Data(utf::ToUtf16(*path));
         return file;

@@ -84,7 +84,7 @@ public:
 
         std::int64_t count = 0;
         std::int64_t last = 0;
-        std::string problem = table_.GetRecords().CountAfter(0, count);
+        std::string problem = table_.GetRecords().Count(count);
         if (problem.empty()) problem = table_.GetRecords().LastNumber(last);
         log_.emplace(table_.GetConnection());
         if (problem.empty())

@@ -45,16 +45,23 @@ int WorkOnRecords(Session& session, const CommandLine& line) {
     if (!calculations) return CommandFailed(problem);
     const RecordWork work{line.table.where, std::move(*calculations)};
     RecordWorker worker(session.GetEngine(), table.Values(), table.GetTable(), work);
+    if (!Parses(session.GetEngine(), work.condition)) return kUsageError;
+    for (const FieldCalculation& calculation : work.calculations)
+        if (!Parses(session.GetEngine(), calculation.calculation)) return kUsageError;
     MessageWriter writer;
     LineReader lines(STDIN_FILENO);
+    std::size_t number = 0;
     while (const auto text = lines.Line()) {
+        ++number;
         std::int64_t record = 0;
         const auto parsed = std::from_chars(text->data(), text->data() + text->size(), record);
         if (parsed.ec != std::errc() || parsed.ptr != text->data() + text->size())
             return CommandFailed('"' + std::string(*text) + "\" is no record number");
         if (!writer.Add(MessageOf(table.GetTable(), worker.Do(record)))) return kUsageError;
     }
-    return writer.Finish() ? 0 : kUsageError;
+    if (!writer.Finish()) return kUsageError;
+    problem = lines.Problem(number + 1);
+    return problem.empty() ? 0 : CommandFailed(problem);
 }
 
 } // namespace

@@ -101,7 +101,7 @@ FM_Data HostPump(const Arguments& arguments) {
     while (true) {
         if (engine.on_idle) engine.on_idle();
         const fm::Session& desk = fm::CurrentSession();
-        if (desk.dispatch_messages) desk.dispatch_messages();
+        if (const auto dispatch = desk.dispatch_messages) dispatch(); // the last window takes it away
         const auto now = Clock::now();
         if (now >= end) return {};
         const auto next = std::min<Clock::time_point>(now + kRound, end);

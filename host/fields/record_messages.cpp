@@ -75,7 +75,7 @@ std::optional<RecordResult> ReadMessage(const Table& table, std::string_view lin
             const Json& failure = json.at("failure");
             result.failure = RecordFailure{
                 failure.at("part").get<std::string>(), failure.at("function").get<std::string>(),
-                failure.at("code").get<FM_Error>(), failure.at("message").get<std::string>()};
+                failure.at("code").get<std::int32_t>(), failure.at("message").get<std::string>()};
         }
         bool complete = true;
         for (const Json& change : json.at("changes")) {

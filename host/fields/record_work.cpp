@@ -1,11 +1,9 @@
 #include "host/fields/record_work.h"
 
+#include "host/engine/error_text.h"
 #include "host/fields/field_value.h"
-#include "platform/text/utf.h"
 
 #include <algorithm>
-#include <charconv>
-#include <tuple>
 #include <utility>
 
 namespace host {
@@ -13,22 +11,11 @@ namespace {
 
 constexpr std::string_view kWhere = "where";
 
-// "$code:message"; nullopt for any other text.
-std::optional<std::pair<FM_Error, std::string>> ParseErrorText(const FM_Data& value) {
-    if (value.Type() != kFM_TypeText || !value.AsText().units.starts_with(u'$')) return std::nullopt;
-    const std::string text = utf::ToUtf8(value.AsText().units);
-    FM_Error code = 0;
-    const auto parsed = std::from_chars(text.data() + 1, text.data() + text.size(), code);
-    if (parsed.ec != std::errc() || parsed.ptr == text.data() + text.size() || *parsed.ptr != ':')
-        return std::nullopt;
-    return std::pair(code, std::string(parsed.ptr + 1));
-}
-
 // What the plug-in keeps about how its latest call of a sound function ended.
-std::pair<FM_Error, std::string> KeptError(Engine& engine) {
+ErrorText KeptError(Engine& engine) {
     constexpr std::string_view kFunction = "media_getlasterror";
     if (engine.Find(kFunction) == nullptr) return {};
-    return ParseErrorText(engine.Evaluate(kFunction).value).value_or(std::pair(FM_Error{0}, std::string()));
+    return ParseErrorText(engine.Evaluate(kFunction).value).value_or(ErrorText{});
 }
 
 } // namespace
@@ -49,16 +36,20 @@ std::optional<RecordFailure> FailureOf(Engine& engine, const Outcome& outcome, c
         failure.code = Engine::kCalculationError;
         failure.message = outcome.parse_error->message;
     } else if (outcome.error != kFM_ErrorNone) {
-        auto [code, message] = KeptError(engine);
-        if (failure.message.empty() && code == outcome.error) failure.message = std::move(message);
+        ErrorText kept = KeptError(engine);
+        const bool is_its_text = static_cast<FM_Error>(kept.code) == outcome.error; // the host's are narrower
+        if (failure.message.empty() && is_its_text) failure.message = std::move(kept.message);
     } else if (auto text = ParseErrorText(outcome.value)) {
-        if (text->first == 0 && wanted != FieldType::kContainer) return std::nullopt;
-        std::tie(failure.code, failure.message) = std::move(*text);
+        if (text->code == 0 && wanted != FieldType::kContainer) return std::nullopt;
+        failure.code = text->code;
+        failure.message = std::move(text->message);
     } else {
         if (wanted != FieldType::kContainer || !outcome.value.IsEmpty() || outcome.function.empty())
             return std::nullopt;
-        std::tie(failure.code, failure.message) = KeptError(engine);
-        if (failure.code == 0 || !failure.message.starts_with(prefix)) return std::nullopt;
+        ErrorText kept = KeptError(engine);
+        if (kept.code == 0 || !kept.message.starts_with(prefix)) return std::nullopt;
+        failure.code = kept.code;
+        failure.message = std::move(kept.message);
     }
     if (failure.message.starts_with(prefix))
         failure.message.erase(0, failure.message.find_first_not_of(' ', prefix.size()));

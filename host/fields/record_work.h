@@ -4,6 +4,7 @@
 #include "host/engine/engine.h"
 #include "host/fields/record_values.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,7 +15,7 @@ namespace host {
 struct RecordFailure {
     std::string part;     ///< the field whose calculation failed, or "where"
     std::string function; ///< of the plug-in; empty when none is known
-    FM_Error code = 0;
+    std::int32_t code = 0;
     std::string message; ///< without the function's name; may be empty
 
     /// "picture: Media_ConvertImage: -50: message", without what is empty.

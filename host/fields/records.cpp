@@ -56,9 +56,8 @@ std::string Records::Numbers(std::int64_t after, std::int64_t last, std::size_t 
     return numbers_.Good() ? "" : connection_.Problem();
 }
 
-std::string Records::CountAfter(std::int64_t after, std::int64_t& count) {
-    Statement query = connection_.Prepare("SELECT count(*) FROM " + SqlName(table_.name) + " WHERE id > ?");
-    query.Bind(1, after);
+std::string Records::Count(std::int64_t& count) {
+    Statement query = connection_.Prepare("SELECT count(*) FROM " + SqlName(table_.name));
     if (!query.Step()) return connection_.Problem();
     count = query.Integer(0);
     return {};

@@ -37,7 +37,7 @@ public:
     /// Up to `limit` numbers of records after `after` and up to `last`, in order.
     [[nodiscard]] std::string Numbers(std::int64_t after, std::int64_t last, std::size_t limit,
                                       std::vector<std::int64_t>& numbers);
-    [[nodiscard]] std::string CountAfter(std::int64_t after, std::int64_t& count);
+    [[nodiscard]] std::string Count(std::int64_t& count);
     /// The largest number, 0 without records.
     [[nodiscard]] std::string LastNumber(std::int64_t& number);
 

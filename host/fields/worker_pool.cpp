@@ -50,7 +50,7 @@ void WorkerPool::Stop() {
         if (worker->records.size() > 1) worker->records.resize(1);
 }
 
-// A worker that has something to say, or is gone; nullptr when none has work.
+// A worker that has something to say, or is gone; nullptr when none has work, or with a problem.
 WorkerPool::Worker* WorkerPool::WaitForOne() {
     std::vector<pollfd> waiting;
     std::vector<Worker*> working;
@@ -63,8 +63,11 @@ WorkerPool::Worker* WorkerPool::WaitForOne() {
     }
     ++turn_;
     if (working.empty()) return nullptr;
-    while (::poll(waiting.data(), waiting.size(), -1) < 0)
-        if (errno != EINTR) return nullptr;
+    while (::poll(waiting.data(), waiting.size(), -1) < 0) {
+        if (errno == EINTR) continue;
+        problem_ = std::string("cannot wait for the workers: ") + std::strerror(errno);
+        return nullptr;
+    }
     for (std::size_t i = 0; i < waiting.size(); ++i)
         if (waiting[i].revents != 0) return working[i];
     return nullptr;

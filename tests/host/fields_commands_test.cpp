@@ -80,6 +80,9 @@ TEST_F(Fields, ExportsWhatWasImported) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_ + "/one"), {}), 1);
     EXPECT_EQ(Corvane("export m.corvane media data --to /nowhere --drive C:=$DIR").status, 2);
     EXPECT_FALSE(std::filesystem::exists("/nowhere"));
+    run = Corvane("export m.corvane media data --to " + std::string(300, 'n'));
+    EXPECT_EQ(run.status, 2) << run.errors;
+    EXPECT_TRUE(Contains(run.errors, "cannot make the folder"));
     EXPECT_EQ(Corvane("export m.corvane media copy --to empty").status, 0);
     EXPECT_TRUE(std::filesystem::is_empty(folder_ + "/empty"));
 }
@@ -102,6 +105,8 @@ TEST_F(Fields, UpdatesRecordsInOrderAndKeepsWhatFails) {
     EXPECT_TRUE(Contains(Show("--where 'id = 2'"), "\tBMPf "));
     EXPECT_EQ(Corvane("update m.corvane media 'name=$x & Length(Let($x = 5; $x))'").status, 0);
     EXPECT_TRUE(Contains(Show("--where 'id = 3'"), "\n3\t1\t")) << "variables begin empty for each record";
+    run = Corvane("update m.corvane media 'name=\"$-2147450878:Conversion failed\"' --where 'id = 3'");
+    EXPECT_TRUE(Contains(run.errors, "record 3: name: -2147450878: Conversion failed")) << run.errors;
 }
 
 TEST_F(Fields, ASoundFunctionThatFailsInSilenceKeepsTheOldSound) {
@@ -165,6 +170,7 @@ TEST_F(Fields, WorkersAnswerEveryLine) {
         << answer;
     EXPECT_TRUE(Contains(answer, "}\nbb"));
     EXPECT_EQ(Corvane("worker m.corvane media name=id", "one\n").status, 2);
+    EXPECT_EQ(Corvane("worker m.corvane media 'name=1 +'", "1\n").status, 2);
 }
 
 } // namespace
