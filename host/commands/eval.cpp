@@ -2,6 +2,7 @@
 #include "host/commands/json.h"
 #include "host/commands/output.h"
 #include "host/commands/results.h"
+#include "host/commands/terminal_text.h"
 #include "host/line_reader.h"
 
 #include <cstdio>
@@ -71,12 +72,12 @@ private:
     // What was shown before stands before the complaint where both go to one place.
     void Complain(const std::string& text) {
         output_.Flush();
-        std::fputs(text.c_str(), stderr);
+        std::fputs(TerminalText(text).c_str(), stderr);
     }
 
     Session& session_;
     const CommandLine& line_;
-    Output output_;
+    Output output_{line_.raw};
     std::size_t number_ = 0;
     int status_ = 0;
 };

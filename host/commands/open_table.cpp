@@ -1,6 +1,7 @@
 #include "host/commands/open_table.h"
 
 #include "host/commands/results.h"
+#include "host/commands/terminal_text.h"
 
 #include <cstdio>
 #include <vector>
@@ -49,7 +50,7 @@ bool Parses(const Engine& engine, const std::string& calculation) {
 }
 
 int CommandFailed(const std::string& problem) {
-    std::fprintf(stderr, "corvane: %s\n", problem.c_str());
+    std::fprintf(stderr, "corvane: %s\n", TerminalText(problem).c_str());
     return kUsageError;
 }
 

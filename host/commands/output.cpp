@@ -1,5 +1,7 @@
 #include "host/commands/output.h"
 
+#include "host/commands/terminal_text.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -12,7 +14,7 @@ constexpr std::size_t kPiece = std::size_t{64} << 10;
 
 } // namespace
 
-Output::Output() : terminal_(::isatty(STDOUT_FILENO) == 1) {}
+Output::Output(bool raw) : terminal_(::isatty(STDOUT_FILENO) == 1), raw_(raw) {}
 
 void Output::EndPiece() {
     if (terminal_ || buffer_.size() >= kPiece) Flush();
@@ -34,6 +36,14 @@ void Output::Flush() {
 }
 
 void Output::WriteOut(std::string_view bytes) {
+    if (terminal_ && !raw_) {
+        WriteAll(TerminalText(bytes));
+    } else {
+        WriteAll(bytes);
+    }
+}
+
+void Output::WriteAll(std::string_view bytes) {
     while (good_ && !bytes.empty()) {
         const ssize_t count = ::write(STDOUT_FILENO, bytes.data(), bytes.size());
         if (count >= 0) {

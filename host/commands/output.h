@@ -8,7 +8,8 @@ namespace host {
 
 class Output {
 public:
-    Output();
+    /// On a terminal control characters are replaced, unless the bytes are to come out as they are.
+    explicit Output(bool raw = false);
     ~Output() { Flush(); }
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
@@ -25,9 +26,11 @@ public:
 
 private:
     void WriteOut(std::string_view bytes);
+    void WriteAll(std::string_view bytes);
 
     std::string buffer_;
     bool terminal_;
+    bool raw_;
     bool good_ = true;
 };
 

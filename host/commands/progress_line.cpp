@@ -1,5 +1,6 @@
 #include "host/commands/progress_line.h"
 
+#include "host/commands/terminal_text.h"
 #include "platform/fmwrapper/session.h"
 
 #include <algorithm>
@@ -58,7 +59,7 @@ void ProgressLine::Step() {
 
 void ProgressLine::Complain(const std::string& text) {
     Clear();
-    std::fprintf(stderr, "%s\n", text.c_str());
+    std::fprintf(stderr, "%s\n", TerminalText(text).c_str());
 }
 
 void ProgressLine::Draw() {

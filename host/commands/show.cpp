@@ -2,6 +2,7 @@
 #include "host/commands/json.h"
 #include "host/commands/open_table.h"
 #include "host/commands/output.h"
+#include "host/commands/terminal_text.h"
 #include "host/fields/record_work.h"
 
 #include <cstdio>
@@ -89,7 +90,7 @@ private:
     // What was shown before stands before the complaint where both go to one place.
     void Complain(const std::string& text) {
         output_.Flush();
-        std::fprintf(stderr, "%s\n", text.c_str());
+        std::fprintf(stderr, "%s\n", TerminalText(text).c_str());
         status_ = 1;
     }
 

@@ -93,6 +93,14 @@ std::int64_t Pragma(Connection& connection, const char* name) {
     return statement.Step() ? statement.Integer(0) : -1;
 }
 
+// What a view gives may never end.
+bool IsView(Connection& connection, std::string_view name) {
+    Statement views =
+        connection.Prepare("SELECT 1 FROM sqlite_schema WHERE type = 'view' AND name = ? COLLATE NOCASE");
+    views.Bind(1, name);
+    return views.Step();
+}
+
 } // namespace
 
 std::string_view FieldTypeText(FieldType type) {
@@ -133,6 +141,7 @@ std::string SqlName(std::string_view name) {
 }
 
 std::string LoadTables(Connection& connection, std::vector<Table>& tables) {
+    if (IsView(connection, "corvane_fields")) return "its table of fields is a view";
     Statement rows = connection.Prepare("SELECT id, table_name, name, type FROM corvane_fields ORDER BY id");
     while (rows.Step()) {
         const std::string_view table_name = rows.Text(1);
@@ -144,8 +153,10 @@ std::string LoadTables(Connection& connection, std::vector<Table>& tables) {
         tables.back().fields.push_back({rows.Integer(0), std::string(name), utf::ToLower(name), row->type});
     }
     if (!rows.Good()) return connection.Problem();
-    for (const Table& table : tables) // another program may have put anything there
+    for (const Table& table : tables) { // another program may have put anything there
         if (std::string problem = NameProblem(table); !problem.empty()) return problem;
+        if (IsView(connection, table.name)) return '"' + table.name + "\" is a view, no table";
+    }
     return {};
 }
 

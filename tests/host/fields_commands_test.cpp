@@ -107,6 +107,9 @@ TEST_F(Fields, UpdatesRecordsInOrderAndKeepsWhatFails) {
     EXPECT_TRUE(Contains(Show("--where 'id = 3'"), "\n3\t1\t")) << "variables begin empty for each record";
     run = Corvane("update m.corvane media 'name=\"$-2147450878:Conversion failed\"' --where 'id = 3'");
     EXPECT_TRUE(Contains(run.errors, "record 3: name: -2147450878: Conversion failed")) << run.errors;
+    run = Corvane(R"(update m.corvane media 'name="$-5:" & Char(27) & "[2J" & Char(13) & "é" & Char(155)')");
+    EXPECT_TRUE(Contains(run.errors, "name: -5: \uFFFD[2J\né\uFFFD\n"))
+        << "nothing that a terminal would obey";
 }
 
 TEST_F(Fields, ASoundFunctionThatFailsInSilenceKeepsTheOldSound) {
