@@ -84,7 +84,8 @@ TEST(Jpeg2000Codec, RefusesWhatIsTooLarge) {
     EXPECT_EQ(facts_code(), codecSizeErr);
 
     bytes = images.MakeBytes("-size 600x600 plasma: -type TrueColor", "precincts.j2k");
-    const auto style = std::ranges::search(bytes, BytesOf({0xFF, 0x52})).begin() - bytes.begin();
+    const Bytes marker = BytesOf({0xFF, 0x52});
+    const auto style = std::search(bytes.begin(), bytes.end(), marker.begin(), marker.end()) - bytes.begin();
     const auto at = static_cast<std::size_t>(style);
     const Bytes sizes(std::to_integer<std::size_t>(bytes[at + 9]) + 1); // of one sample in each resolution
     bytes[at + 3] = static_cast<std::byte>(12 + sizes.size());
