@@ -113,9 +113,7 @@ public:
     explicit OpenTarget(native::FileNumber number) : number_(number) {}
     OpenTarget(const OpenTarget&) = delete;
     OpenTarget& operator=(const OpenTarget&) = delete;
-    ~OpenTarget() {
-        if (number_ != kNone) Close();
-    }
+    ~OpenTarget() { Close(); }
 
     [[nodiscard]] std::int32_t Write(std::int64_t offset, std::span<const std::byte> bytes) const {
         return native::WriteFile(number_, native::PositionMode::kFromStart, offset, bytes).code;

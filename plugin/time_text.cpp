@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstdio>
 #include <ctime>
-#include <string>
 
 namespace corvane {
 namespace {
@@ -33,13 +32,13 @@ std::optional<std::uint32_t> ParseFieldBeforeColon(std::string_view& cursor) {
 std::optional<double> ParseFraction(std::string_view cursor) {
     constexpr std::size_t kMostDigits = 9; // all that a field can hold, and more than a time does
     SkipBlanks(cursor);
-    std::string field(cursor);
-    const std::size_t digits = std::min(field.find_first_not_of("0123456789"), field.size());
-    if (digits > kMostDigits) field.erase(kMostDigits, digits - kMostDigits); // as quotients have them
-    std::string_view rest = field;
-    const std::optional<std::uint32_t> value = ParseTimeField(rest, kNoTerminator);
-    if (!value || !rest.empty()) return std::nullopt;
-    return *value / std::pow(10.0, std::min(digits, kMostDigits));
+    const std::size_t digits = std::min(cursor.find_first_not_of("0123456789"), cursor.size());
+    const std::size_t counted = std::min(digits, kMostDigits); // quotients have more
+    std::string_view field = cursor.substr(0, counted);
+    cursor.remove_prefix(digits);
+    SkipBlanks(cursor);
+    if (!cursor.empty()) return std::nullopt;
+    return ParseTimeField(field, kNoTerminator).value_or(0) / std::pow(10.0, counted);
 }
 
 std::chrono::seconds LocalOffset() {

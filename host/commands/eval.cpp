@@ -2,10 +2,8 @@
 #include "host/commands/json.h"
 #include "host/commands/output.h"
 #include "host/commands/results.h"
-#include "host/commands/terminal_text.h"
 #include "host/line_reader.h"
 
-#include <cstdio>
 #include <string_view>
 #include <unistd.h>
 
@@ -21,7 +19,7 @@ public:
         ++number_;
         const Outcome outcome = session_.Evaluate(calculation);
         if (outcome.parse_error) {
-            Complain(ParseErrorReport(calculation, *outcome.parse_error, first_line));
+            output_.Complain(ParseErrorReport(calculation, *outcome.parse_error, first_line));
             status_ = kUsageError;
             return false;
         }
@@ -33,8 +31,8 @@ public:
         }
         output_.EndPiece();
         if (outcome.error != kFM_ErrorNone && !line_.json)
-            Complain("error " + std::to_string(outcome.error) + '\n');
-        if (!outcome.message.empty()) Complain("corvane: " + outcome.message + '\n');
+            output_.Complain("error " + std::to_string(outcome.error) + '\n');
+        if (!outcome.message.empty()) output_.Complain("corvane: " + outcome.message + '\n');
         if (line_.strict && status_ == 0 && IsFailure(outcome)) status_ = 1;
         return Save(outcome.value) && output_.Good();
     }
@@ -49,7 +47,7 @@ public:
         }
         const std::string problem = lines.Problem(line_number + 1);
         if (problem.empty()) return true;
-        Complain("corvane: " + problem + '\n');
+        output_.Complain("corvane: " + problem + '\n');
         status_ = kUsageError;
         return false;
     }
@@ -64,15 +62,9 @@ private:
         if (line_.save_streams.empty()) return true;
         const std::string problem = SaveStreams(line_.save_streams, number_, value);
         if (problem.empty()) return true;
-        Complain("corvane: " + problem + '\n');
+        output_.Complain("corvane: " + problem + '\n');
         status_ = kUsageError;
         return false;
-    }
-
-    // What was shown before stands before the complaint where both go to one place.
-    void Complain(const std::string& text) {
-        output_.Flush();
-        std::fputs(TerminalText(text).c_str(), stderr);
     }
 
     Session& session_;

@@ -3,6 +3,7 @@
 #include "host/commands/results.h"
 #include "host/commands/terminal_text.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -47,6 +48,12 @@ bool Parses(const Engine& engine, const std::string& calculation) {
     const auto error = engine.Check(calculation);
     if (error) std::fputs(ParseErrorReport(calculation, *error, 1).c_str(), stderr);
     return !error;
+}
+
+bool Parses(const Engine& engine, const RecordWork& work) {
+    return Parses(engine, work.condition) && std::ranges::all_of(work.calculations, [&](const auto& part) {
+               return Parses(engine, part.calculation);
+           });
 }
 
 int CommandFailed(const std::string& problem) {

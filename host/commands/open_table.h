@@ -46,6 +46,8 @@ std::string ForEachRecord(Records& records, std::int64_t last,
 
 /// True when a calculation parses, or is empty; else says on standard error where it does not.
 bool Parses(const Engine& engine, const std::string& calculation);
+/// The same for all calculations of the work.
+bool Parses(const Engine& engine, const RecordWork& work);
 
 /// Says what failed on standard error, and answers the exit status for it.
 int CommandFailed(const std::string& problem);

@@ -35,6 +35,11 @@ void Output::Flush() {
     buffer_.clear();
 }
 
+void Output::Complain(const std::string& text) {
+    Flush();
+    std::fputs(TerminalText(text).c_str(), stderr);
+}
+
 void Output::WriteOut(std::string_view bytes) {
     if (terminal_ && !raw_) {
         WriteAll(TerminalText(bytes));

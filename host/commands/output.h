@@ -21,6 +21,9 @@ public:
     /// Writes bytes that need not be copied first, if there are many.
     void Write(std::string_view bytes);
     void Flush();
+    /// A text with its line ends on standard error. What was shown before stands before it where both go to
+    /// one place.
+    void Complain(const std::string& text);
     /// False once writing has failed; later text is dropped.
     [[nodiscard]] bool Good() const { return good_; }
 

@@ -2,10 +2,8 @@
 #include "host/commands/json.h"
 #include "host/commands/open_table.h"
 #include "host/commands/output.h"
-#include "host/commands/terminal_text.h"
 #include "host/fields/record_work.h"
 
-#include <cstdio>
 #include <limits>
 
 namespace host {
@@ -49,16 +47,18 @@ public:
         if (!line_.json) Heading();
         std::string problem;
         const Snapshot snapshot(table_.GetConnection());
-        std::string reading = ForEachRecord(
-            table_.GetRecords(), std::numeric_limits<std::int64_t>::max(), [&](std::int64_t record) {
-                const RecordResult result = worker.Do(record);
-                if (result.failure) {
-                    Complain("record " + std::to_string(record) + ": " + result.failure->Text());
-                } else if (result.chosen) {
-                    problem = Line(record);
-                }
-                return problem.empty() && output_.Good();
-            });
+        std::string reading = ForEachRecord(table_.GetRecords(), std::numeric_limits<std::int64_t>::max(),
+                                            [&](std::int64_t record) {
+                                                const RecordResult result = worker.Do(record);
+                                                if (result.failure) {
+                                                    output_.Complain("record " + std::to_string(record) +
+                                                                     ": " + result.failure->Text() + '\n');
+                                                    status_ = 1;
+                                                } else if (result.chosen) {
+                                                    problem = Line(record);
+                                                }
+                                                return problem.empty() && output_.Good();
+                                            });
         output_.Flush();
         if (problem.empty()) problem = std::move(reading);
         if (!problem.empty()) return CommandFailed(problem);
@@ -85,13 +85,6 @@ private:
         text += '\n';
         output_.EndPiece();
         return {};
-    }
-
-    // What was shown before stands before the complaint where both go to one place.
-    void Complain(const std::string& text) {
-        output_.Flush();
-        std::fprintf(stderr, "%s\n", TerminalText(text).c_str());
-        status_ = 1;
     }
 
     Session& session_;

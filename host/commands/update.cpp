@@ -78,9 +78,7 @@ public:
     int Run() {
         if (std::string problem = Prepare(); !problem.empty()) return CommandFailed(problem);
         RecordWorker worker(engine_, table_.Values(), table_.GetTable(), work_);
-        if (!Parses(engine_, work_.condition)) return kUsageError;
-        for (const FieldCalculation& calculation : work_.calculations)
-            if (!Parses(engine_, calculation.calculation)) return kUsageError;
+        if (!Parses(engine_, work_)) return kUsageError;
 
         std::int64_t count = 0;
         std::int64_t last = 0;

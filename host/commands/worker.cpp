@@ -45,9 +45,7 @@ int WorkOnRecords(Session& session, const CommandLine& line) {
     if (!calculations) return CommandFailed(problem);
     const RecordWork work{line.table.where, std::move(*calculations)};
     RecordWorker worker(session.GetEngine(), table.Values(), table.GetTable(), work);
-    if (!Parses(session.GetEngine(), work.condition)) return kUsageError;
-    for (const FieldCalculation& calculation : work.calculations)
-        if (!Parses(session.GetEngine(), calculation.calculation)) return kUsageError;
+    if (!Parses(session.GetEngine(), work)) return kUsageError;
     MessageWriter writer;
     LineReader lines(STDIN_FILENO);
     std::size_t number = 0;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 namespace host {
 namespace {
@@ -93,12 +94,12 @@ std::int64_t Pragma(Connection& connection, const char* name) {
     return statement.Step() ? statement.Integer(0) : -1;
 }
 
-// What a view gives may never end.
-bool IsView(Connection& connection, std::string_view name) {
-    Statement views =
-        connection.Prepare("SELECT 1 FROM sqlite_schema WHERE type = 'view' AND name = ? COLLATE NOCASE");
-    views.Bind(1, name);
-    return views.Step();
+// In small letters. What a view gives may never end.
+std::set<std::string> Views(Connection& connection) {
+    std::set<std::string> names;
+    Statement rows = connection.Prepare("SELECT name FROM sqlite_schema WHERE type = 'view'");
+    while (rows.Step()) names.insert(utf::ToLower(rows.Text(0)));
+    return names;
 }
 
 } // namespace
@@ -141,7 +142,8 @@ std::string SqlName(std::string_view name) {
 }
 
 std::string LoadTables(Connection& connection, std::vector<Table>& tables) {
-    if (IsView(connection, "corvane_fields")) return "its table of fields is a view";
+    const std::set<std::string> views = Views(connection);
+    if (views.contains("corvane_fields")) return "its table of fields is a view";
     Statement rows = connection.Prepare("SELECT id, table_name, name, type FROM corvane_fields ORDER BY id");
     while (rows.Step()) {
         const std::string_view table_name = rows.Text(1);
@@ -155,7 +157,7 @@ std::string LoadTables(Connection& connection, std::vector<Table>& tables) {
     if (!rows.Good()) return connection.Problem();
     for (const Table& table : tables) { // another program may have put anything there
         if (std::string problem = NameProblem(table); !problem.empty()) return problem;
-        if (IsView(connection, table.name)) return '"' + table.name + "\" is a view, no table";
+        if (views.contains(table.key)) return '"' + table.name + "\" is a view, no table";
     }
     return {};
 }

@@ -21,14 +21,15 @@ struct Taps {
 /// The taps of all pixels of a stretch.
 class TapTable {
 public:
-    explicit TapTable(const Stretch& stretch)
-        : low_(static_cast<std::int32_t>(std::ceil(std::min(stretch.from, stretch.to)))),
-          high_(static_cast<std::int32_t>(std::floor(std::max(stretch.from, stretch.to)))) {
+    explicit TapTable(const Stretch& stretch) {
+        const auto [low, high] = std::minmax(stretch.from, stretch.to);
+        low_ = static_cast<std::int32_t>(std::ceil(low));
+        high_ = static_cast<std::int32_t>(std::floor(high));
         // In a line that was reduced when it was decoded a pixel may lie across the edge of what is shown:
         // what is beyond the edge must not count, unless there is nothing else.
         if (low_ >= high_) {
-            low_ = static_cast<std::int32_t>(std::floor(std::min(stretch.from, stretch.to)));
-            high_ = static_cast<std::int32_t>(std::ceil(std::max(stretch.from, stretch.to)));
+            low_ = static_cast<std::int32_t>(std::floor(low));
+            high_ = static_cast<std::int32_t>(std::ceil(high));
         }
         const auto count = static_cast<std::size_t>(stretch.pixels);
         firsts_.reserve(count);
@@ -65,8 +66,8 @@ private:
         ends_.push_back(shares_.size());
     }
 
-    std::int32_t low_;
-    std::int32_t high_;
+    std::int32_t low_ = 0;
+    std::int32_t high_ = 0;
     std::vector<std::int32_t> firsts_;
     std::vector<std::size_t> ends_; ///< of each pixel's shares
     std::vector<float> shares_;

@@ -186,6 +186,8 @@ private:
 
     struct Area {
         std::int32_t left = 0, top = 0, right = 0, bottom = 0;
+
+        [[nodiscard]] std::int64_t Pixels() const { return std::int64_t{right - left} * (bottom - top); }
     };
 
     [[nodiscard]] Area FrameArea() const {
@@ -215,8 +217,7 @@ private:
         if (control_.DisposalMode != DISPOSE_BACKGROUND && control_.DisposalMode != DISPOSE_PREVIOUS) return;
         disposed_ = area;
         if (control_.DisposalMode == DISPOSE_BACKGROUND) return;
-        covered_.reserve(static_cast<std::size_t>(area.right - area.left) *
-                         static_cast<std::size_t>(std::max(area.bottom - area.top, 0)));
+        covered_.reserve(static_cast<std::size_t>(area.Pixels()));
         for (std::int32_t y = area.top; y < area.bottom; ++y) {
             covered_.insert(covered_.end(), image_.Row(y) + area.left, image_.Row(y) + area.right);
         }
@@ -230,8 +231,7 @@ private:
             gif_.Image.Height > static_cast<int>(kMaximumDimension))
             return -1;
         const Area area = FrameArea();
-        outside_left_ -= std::int64_t{gif_.Image.Width} * gif_.Image.Height -
-                         std::int64_t{area.right - area.left} * (area.bottom - area.top);
+        outside_left_ -= std::int64_t{gif_.Image.Width} * gif_.Image.Height - area.Pixels();
         if (outside_left_ < 0) return -1;
         PlanDisposal(area);
         std::int32_t rows = 0;

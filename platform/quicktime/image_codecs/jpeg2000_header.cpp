@@ -65,9 +65,11 @@ bool ReadSize(DataSource& source, std::uint64_t at, Jpeg2000Header& header) {
     return header.tiles * header.components <= kMostTileComponents && header.tiles <= source.GetSize();
 }
 
-/// The precincts that a coding style, whose marker is at `at`, would make of all components.
+/// The precincts that a coding style, whose marker is at `at`, would make of all components; other segments
+/// tell nothing of them.
 void TakePrecincts(DataSource& source, std::uint64_t at, std::uint32_t marker, Jpeg2000Header& header) {
     constexpr std::uint32_t kMostLevels = 32;
+    if (marker != kCodingStyle && marker != kComponentStyle) return;
     const std::uint64_t style = marker == kCodingStyle ? 4 : 5; // behind the component's number
     const std::uint64_t levels_at = style + (marker == kCodingStyle ? 5 : 1);
     std::array<std::byte, 1> flags;
@@ -97,7 +99,7 @@ void ReadTileHeader(DataSource& source, std::uint64_t at, Jpeg2000Header& header
         const std::uint32_t marker = BigEndian16(segment.data());
         const std::uint32_t length = BigEndian16(&segment[2]);
         if (marker < 0xFF00 || marker == kStartOfData || length < 2) return;
-        if (marker == kCodingStyle || marker == kComponentStyle) TakePrecincts(source, at, marker, header);
+        TakePrecincts(source, at, marker, header);
         at += 2 + length;
     }
 }
@@ -137,7 +139,7 @@ bool ReadCodestream(DataSource& source, std::uint64_t at, Jpeg2000Header& header
             has_size = ReadSize(source, at + 4, header);
             if (!has_size) return false;
         }
-        if (marker == kCodingStyle || marker == kComponentStyle) TakePrecincts(source, at, marker, header);
+        TakePrecincts(source, at, marker, header);
         if (marker == kCodingStyle) header.is_reversible = segment[13] == std::byte{1};
         at += 2 + length;
     }

@@ -109,7 +109,8 @@ void Canvas::MoveOrigin(std::int32_t right, std::int32_t down) {
 /// The shape's part that can be seen, paid for; nothing when the budget is spent.
 Region Canvas::Visible(Region shape) {
     if (IsExhausted()) return {};
-    budget_ -= kBoxCost * static_cast<std::int64_t>(shape.Boxes().size() + clip_.Boxes().size());
+    Charge(shape);
+    Charge(clip_);
     shape.Intersect(clip_);
     shape.Intersect(Region(Bounds()));
     for (const Box& box : shape.Boxes()) budget_ -= Area(box);

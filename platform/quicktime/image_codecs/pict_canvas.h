@@ -46,7 +46,10 @@ public:
     [[nodiscard]] Box Bounds() const;
     /// From now on what is at these coordinates is at the top left of where they would have been.
     void MoveOrigin(std::int32_t right, std::int32_t down);
-    void SetClip(Region clip) { clip_ = std::move(clip); }
+    void SetClip(Region clip) {
+        Charge(clip);
+        clip_ = std::move(clip);
+    }
 
     void Paint(Region shape, const Pattern& pattern, const Colours& colours, TransferMode mode);
 
@@ -68,15 +71,20 @@ public:
     /// transparent.
     void Finish();
 
-    /// Pixels that could be painted in the time that a box of a region takes.
-    static constexpr std::int64_t kBoxCost = 16;
     /// Pays for work that is not drawing, in pixels that could be painted meanwhile.
     void Charge(std::int64_t pixels) { budget_ -= pixels; }
+    /// Pays for a region's having been built; it may come to nothing.
+    void Charge(const Region& region) {
+        budget_ -= kBoxCost * static_cast<std::int64_t>(region.Boxes().size());
+    }
 
     /// Whether more was drawn than any sensible picture draws; nothing is drawn from then on.
     [[nodiscard]] bool IsExhausted() const { return budget_ <= 0; }
 
 private:
+    /// Pixels that could be painted in the time that a box of a region takes.
+    static constexpr std::int64_t kBoxCost = 16;
+
     /// Fills the buffer with a row of the source; false when there is none. Rows are asked for in order.
     using RowAt = std::function<const std::uint32_t*(std::int32_t row)>;
 

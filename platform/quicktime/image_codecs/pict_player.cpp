@@ -123,12 +123,7 @@ bool PictPlayer::PlayOperation(std::uint32_t operation) {
 
 bool PictPlayer::PlaySetting(std::uint32_t operation) {
     switch (operation) {
-    case kClip: {
-        Region clip = ReadRegion(cursor_.ReadBlock());
-        ChargeFor(clip);
-        canvas_.SetClip(std::move(clip));
-        break;
-    }
+    case kClip: canvas_.SetClip(ReadRegion(cursor_.ReadBlock())); break;
     case kBackPattern: back_pattern_ = ReadPattern(cursor_); break;
     case kPenPattern: pen_pattern_ = ReadPattern(cursor_); break;
     case kFillPattern: fill_pattern_ = ReadPattern(cursor_); break;
@@ -240,7 +235,7 @@ void PictPlayer::PlayShape(std::uint32_t operation) {
         DrawPolygon(verb);
     } else if (kind == kRegion) {
         if (!same) region_ = ReadRegion(cursor_.ReadBlock());
-        ChargeFor(region_);
+        canvas_.Charge(region_);
         Region outline = region_;
         if (verb == kFrame) outline.Subtract(region_.Shrunk(pen_width_, pen_height_));
         DrawShape(verb, region_, outline);
@@ -253,10 +248,6 @@ void PictPlayer::PlayShape(std::uint32_t operation) {
         DrawBoxShape(kind, verb);
     }
     drew_ = true;
-}
-
-void PictPlayer::ChargeFor(const Region& region) {
-    canvas_.Charge(Canvas::kBoxCost * static_cast<std::int64_t>(region.Boxes().size()));
 }
 
 Region PictPlayer::ShapeOf(std::uint32_t kind, const Box& box, std::int32_t inset) const {
@@ -274,7 +265,7 @@ Region PictPlayer::ShapeOf(std::uint32_t kind, const Box& box, std::int32_t inse
 void PictPlayer::DrawBoxShape(std::uint32_t kind, Verb verb) {
     const Box& box = last_boxes_[kind];
     Region whole = ShapeOf(kind, box, 0);
-    ChargeFor(whole); // it may come to nothing
+    canvas_.Charge(whole);
     if (canvas_.IsExhausted()) return;
     Region outline;
     if (verb == kFrame) {
@@ -338,7 +329,7 @@ bool PictPlayer::PlayBits(std::uint32_t operation) {
     Region mask;
     if ((operation & 1) != 0) {
         mask = ReadRegion(cursor_.ReadBlock());
-        ChargeFor(mask);
+        canvas_.Charge(mask);
         placement.mask = &mask;
     }
     if (cursor_.Failed() || cursor_.Remaining() == 0) return false;
@@ -365,7 +356,7 @@ void PictPlayer::PlayCompressed() {
     if (mask_size > 0) {
         PictCursor block(data.Take(mask_size));
         mask = ReadRegion(block.ReadBlock());
-        ChargeFor(mask);
+        canvas_.Charge(mask);
         placement.mask = &mask;
     }
     DescribedImage described;

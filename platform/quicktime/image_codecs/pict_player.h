@@ -41,8 +41,6 @@ private:
     void DrawShape(Verb verb, const Region& whole, const Region& outline);
     void DrawPolygon(Verb verb);
     void DrawBoxShape(std::uint32_t kind, Verb verb);
-    /// Pays for a region's having been built.
-    void ChargeFor(const Region& region);
     [[nodiscard]] Region ShapeOf(std::uint32_t kind, const Box& box, std::int32_t inset) const;
     void ReadPolygon();
 
