@@ -4,13 +4,16 @@
 #include "platform/text/utf.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <set>
+#include <stdlib.h>
 
 namespace host {
 namespace {
 
 constexpr FM_Error kBadName = -37;
 constexpr FM_Error kNameTaken = 20200;
+constexpr FM_Error kNotFound = -43;
 
 // Names come from the contents of records: none leads out of the folder.
 bool IsFileName(std::string_view name) {
@@ -18,6 +21,41 @@ bool IsFileName(std::string_view name) {
            name.find_first_of("/\\") == std::string_view::npos &&
            std::ranges::none_of(name, [](char c) { return static_cast<unsigned char>(c) < 0x20; });
 }
+
+// A folder beside the files to come, where each is written whole before it takes its place: one that there is
+// no room for costs nobody the file that it was to replace.
+class StagingFolder {
+public:
+    StagingFolder() = default;
+    ~StagingFolder() {
+        std::error_code ignored;
+        if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
+    }
+    StagingFolder(const StagingFolder&) = delete;
+    StagingFolder& operator=(const StagingFolder&) = delete;
+
+    bool Make(const std::filesystem::path& folder) {
+        std::string path = folder / ".corvane-XXXXXX";
+        if (::mkdtemp(path.data()) == nullptr) return false;
+        path_ = path;
+        return true;
+    }
+    [[nodiscard]] std::string Name() const { return path_.filename(); }
+    /// The name of the file that is there; empty when none is.
+    [[nodiscard]] std::string File() const {
+        std::error_code ignored;
+        const std::filesystem::directory_iterator entry(path_, ignored);
+        return entry == std::filesystem::directory_iterator() ? "" : entry->path().filename().string();
+    }
+    void Clear() const {
+        std::error_code ignored;
+        for (const auto& entry : std::filesystem::directory_iterator(path_, ignored))
+            std::filesystem::remove_all(entry.path(), ignored);
+    }
+
+private:
+    std::filesystem::path path_;
+};
 
 class Exporter {
 public:
@@ -39,7 +77,7 @@ private:
         const auto folder = MakeOutputFolder(line_.table.to, problem);
         if (!folder) return problem;
         folder_ = *folder;
-        return {};
+        return staging_.Make(line_.table.to) ? "" : "cannot write into the folder " + line_.table.to;
     }
 
     // The current record's field into a file.
@@ -51,13 +89,47 @@ private:
         if (!IsFileName(file))
             return RecordFailure{"name", {}, kBadName, '"' + file + "\" is no name of a file"};
         if (engine_.Evaluate("IsEmpty(" + field + ")").value.AsBoolean()) return std::nullopt;
-        if (!names_.insert(utf::ToLower(file)).second)
-            return RecordFailure{
-                "name", {}, kNameTaken, '"' + file + "\" is the name of another record's file"};
-        engine_.SessionVariable("$path") = FM_Data(utf::ToUtf16(folder_ + file));
-        const Outcome outcome = engine_.Evaluate("Media_ExportField(" + field + "; $path; " +
-                                                 (line_.table.replace ? "True)" : "False)"));
-        return FailureOf(engine_, outcome, field_->name);
+        if (auto failure = Refusal(file)) return failure;
+        SetPath("$staged", folder_ + staging_.Name() + '/' + file);
+        auto failure = Do("Media_ExportField(" + field + "; $staged; False)");
+        if (!failure) failure = Place(staging_.File(), file);
+        if (failure) staging_.Clear();
+        return failure;
+    }
+
+    // The staged file, which may have been given an extension to its name, into the folder.
+    std::optional<RecordFailure> Place(const std::string& file, const std::string& asked) {
+        if (file != asked)
+            if (auto failure = Refusal(file)) return failure;
+        SetPath("$staged", folder_ + staging_.Name() + '/' + file);
+        SetPath("$path", folder_ + file);
+        if (line_.table.replace) {
+            const auto failure = Do("Media_DeleteItem($path; False)");
+            if (failure && failure->code != kNotFound) return failure;
+        }
+        SetPath("$path", folder_);
+        auto failure = Do("Media_MoveItem($staged; $path)");
+        if (!failure) names_.insert(utf::ToLower(file));
+        return failure;
+    }
+
+    // Why no file may be written under this name.
+    std::optional<RecordFailure> Refusal(const std::string& file) {
+        const auto refusal = [&](const char* reason) {
+            return RecordFailure{"name", {}, kNameTaken, '"' + file + reason};
+        };
+        if (names_.contains(utf::ToLower(file))) return refusal("\" is the name of another record's file");
+        SetPath("$path", folder_ + file);
+        if (!line_.table.replace && !Do("Media_GetItemInfo($path)"))
+            return refusal("\" is there already; --replace overwrites it");
+        return std::nullopt;
+    }
+
+    void SetPath(const char* variable, const std::string& path) {
+        engine_.SessionVariable(variable) = FM_Data(utf::ToUtf16(path));
+    }
+    std::optional<RecordFailure> Do(const std::string& calculation) {
+        return FailureOf(engine_, engine_.Evaluate(calculation), field_->name);
     }
 
     Engine& engine_;
@@ -65,8 +137,8 @@ private:
     OpenTable table_;
     const Field* field_ = nullptr;
     std::string folder_; ///< host path text with a "/" at its end
-    std::set<std::string>
-        names_; ///< that were given, in small letters: files are found without regard to case
+    StagingFolder staging_;
+    std::set<std::string> names_; ///< given so far, in small letters: files are found without regard to case
 };
 
 } // namespace
