@@ -1,5 +1,6 @@
 #include "host/fields/record_work.h"
 
+#include "host/engine/arithmetic.h"
 #include "host/engine/error_text.h"
 #include "host/fields/field_value.h"
 
@@ -43,6 +44,9 @@ std::optional<RecordFailure> FailureOf(Engine& engine, const Outcome& outcome, c
         if (text->code == 0 && wanted != FieldType::kContainer) return std::nullopt;
         failure.code = text->code;
         failure.message = std::move(text->message);
+    } else if (wanted == FieldType::kNumber && !NumberIn(outcome.value)) {
+        failure.code = Engine::kCalculationError;
+        failure.message = "the result is no number (?)";
     } else {
         if (wanted != FieldType::kContainer || !outcome.value.IsEmpty() || outcome.function.empty())
             return std::nullopt;
