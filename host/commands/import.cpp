@@ -27,26 +27,6 @@ bool EndsLikeImage(const fs::path& path) {
     return extension.size() > 1 && std::ranges::binary_search(kImageEndings, extension.substr(1));
 }
 
-// The files that a path stands for: itself, or those below a folder, in the order of their names.
-std::string AddFiles(const std::string& path, std::vector<fs::path>& files) {
-    std::error_code error;
-    const fs::path absolute = fs::absolute(path, error).lexically_normal();
-    const fs::file_status status = error ? fs::file_status() : fs::status(absolute, error);
-    if (!fs::exists(status)) return path + ": there is no such file";
-    if (!fs::is_directory(status)) {
-        files.push_back(absolute);
-        return {};
-    }
-    const auto first = static_cast<std::ptrdiff_t>(files.size());
-    fs::recursive_directory_iterator entry(absolute, error);
-    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-        std::error_code ignored; // an entry that is gone by now
-        if (entry->is_regular_file(ignored)) files.push_back(entry->path());
-    }
-    std::sort(files.begin() + first, files.end());
-    return error ? path + ": " + error.message() : "";
-}
-
 std::size_t BytesOf(const FM_Data& value) {
     std::size_t bytes = 0;
     for (const fm::Stream& stream : value.AsContainer().streams) bytes += stream.bytes->size();
@@ -62,6 +42,8 @@ public:
         if (!problem.empty()) return CommandFailed(problem);
         const Interruption interruption;
         ProgressLine progress(static_cast<std::int64_t>(files_.size()), line.session.progress);
+        for (const std::string& complaint : unread_) progress.Complain(complaint);
+        if (!unread_.empty()) status_ = 1;
         for (const fs::path& file : files_) {
             if (auto failure = Take(file)) {
                 progress.Complain(file.string() + ": " + failure->Text());
@@ -90,8 +72,42 @@ private:
             if (!name_field_) return problem;
         }
         for (std::size_t i = 3; i < line.arguments.size() && problem.empty(); ++i)
-            problem = AddFiles(line.arguments[i], files_);
+            problem = AddFiles(line.arguments[i]);
         return problem;
+    }
+
+    // The files that a path stands for: itself, or those below a folder, in the order of their names.
+    std::string AddFiles(const std::string& path) {
+        std::error_code error;
+        const fs::path absolute = fs::absolute(path, error).lexically_normal();
+        const fs::file_status status = error ? fs::file_status() : fs::status(absolute, error);
+        if (!fs::exists(status)) return path + ": there is no such file";
+        if (!fs::is_directory(status)) {
+            files_.push_back(absolute);
+            return {};
+        }
+        const auto first = static_cast<std::ptrdiff_t>(files_.size());
+        std::vector<fs::path> folders = {absolute};
+        while (!folders.empty()) {
+            const fs::path folder = std::move(folders.back());
+            folders.pop_back();
+            AddEntries(folder, folders);
+        }
+        std::sort(files_.begin() + first, files_.end());
+        return {};
+    }
+
+    // The folder's files, and the folders in it, without those that links lead to. One that can't be read is
+    // told, and costs no other.
+    void AddEntries(const fs::path& folder, std::vector<fs::path>& folders) {
+        std::error_code error;
+        fs::directory_iterator entry(folder, error);
+        for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+            std::error_code ignored; // an entry that is gone by now
+            if (entry->is_regular_file(ignored)) files_.push_back(entry->path());
+            if (entry->is_directory(ignored) && !entry->is_symlink(ignored)) folders.push_back(entry->path());
+        }
+        if (error) unread_.push_back(folder.string() + ": " + error.message());
     }
 
     // Makes a record of the file, to be written soon.
@@ -135,6 +151,7 @@ private:
     std::size_t field_ = 0;
     std::optional<std::size_t> name_field_;
     std::vector<fs::path> files_;
+    std::vector<std::string> unread_; ///< folders, each with the reason
     std::vector<std::vector<FM_Data>> waiting_;
     std::size_t bytes_ = 0;
     int status_ = 0;
