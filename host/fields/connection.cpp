@@ -3,6 +3,8 @@
 #include "host/modules/sqlite_library.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <sys/statvfs.h>
 #include <thread>
 #include <utility>
 
@@ -18,6 +20,29 @@ int OnBusy(void*, int times) {
     if (times >= kMostPauses) return 0;
     std::this_thread::sleep_for(kPause);
     return 1;
+}
+
+// On a file system that can only be read SQLite can't put its log and its locks beside the file, and needs
+// none: nobody changes it. A log that was left there would be passed over, though.
+bool CanOnlyBeRead(const std::string& path) {
+    struct statvfs facts = {};
+    std::error_code error;
+    return ::statvfs(path.c_str(), &facts) == 0 && (facts.f_flag & ST_RDONLY) != 0 &&
+           !std::filesystem::exists(path + "-wal", error);
+}
+
+// The form of a path that takes options (https://www.sqlite.org/uri.html).
+std::string Unchanging(const std::string& path) {
+    std::string text = "file:";
+    for (const char c : path) {
+        switch (c) {
+        case '%': text += "%25"; break;
+        case '?': text += "%3f"; break;
+        case '#': text += "%23"; break;
+        default: text += c;
+        }
+    }
+    return text + "?immutable=1";
 }
 
 // A value that is open for reading or writing in pieces.
@@ -136,8 +161,10 @@ std::string Connection::Open(const std::string& path) {
     path_ = path;
     if (!g_sqlite.Load()) return path + ": " + modules::Load("sqlite").reason;
     sqlite3* connection = nullptr;
-    const int answer =
-        g_sqlite->open_v2(path.c_str(), &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+    const bool only_read = CanOnlyBeRead(path);
+    const int flags = only_read ? SQLITE_OPEN_READONLY | SQLITE_OPEN_URI : SQLITE_OPEN_READWRITE;
+    const int answer = g_sqlite->open_v2((only_read ? Unchanging(path) : path).c_str(), &connection,
+                                         flags | SQLITE_OPEN_NOMUTEX, nullptr);
     connection_.reset(connection);
     if (answer != SQLITE_OK) return Problem();
     g_sqlite->busy_handler(connection, OnBusy, nullptr);
