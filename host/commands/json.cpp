@@ -80,6 +80,13 @@ std::string JsonOf(const fm::ExternalFunction& function) {
                  {"flags", function.flags}});
 }
 
+std::string JsonOf(const Table& table) {
+    Json fields = Json::array();
+    for (const Field& field : table.fields)
+        fields.push_back({{"name", field.name}, {"type", FieldTypeText(field.type)}});
+    return Line({{"table", table.name}, {"fields", fields}});
+}
+
 std::string JsonOf(std::int64_t record, const Table& table, const std::vector<FieldFacts>& facts) {
     Json json = {{kRecordNumber, record}};
     for (std::size_t i = 0; i < facts.size(); ++i) {

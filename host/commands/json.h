@@ -24,8 +24,9 @@ struct PluginFacts {
 std::string JsonOf(std::string_view calculation, const Outcome& outcome);
 std::string JsonOf(const fm::ExternalFunction& function);
 std::string JsonOf(const PluginFacts& facts);
-/// A container is an object of its reference and its streams without their bytes, a number its
-/// decimal text. `facts` has one for each field of the table.
+std::string JsonOf(const Table& table);
+/// The record of a table; a container is an object of its reference and its streams without their bytes, a
+/// number its decimal text. `facts` has one for each field of the table.
 std::string JsonOf(std::int64_t record, const Table& table, const std::vector<FieldFacts>& facts);
 
 } // namespace host

@@ -9,14 +9,10 @@
 namespace host {
 namespace {
 
-std::string TablesText(const Store& store) {
-    std::string text;
-    for (const Table& table : store.Tables()) {
-        text += table.name;
-        for (const Field& field : table.fields)
-            text += '\t' + field.name + ':' + std::string(FieldTypeText(field.type));
-        text += '\n';
-    }
+std::string TextOf(const Table& table) {
+    std::string text = table.name;
+    for (const Field& field : table.fields)
+        text += '\t' + field.name + ':' + std::string(FieldTypeText(field.type));
     return text;
 }
 
@@ -95,11 +91,12 @@ private:
     int status_ = 0;
 };
 
-int ShowTables(const std::string& file) {
+int ShowTables(const CommandLine& line) {
     Store store;
-    if (std::string problem = store.Open(file); !problem.empty()) return CommandFailed(problem);
+    if (std::string problem = store.Open(line.arguments[0]); !problem.empty()) return CommandFailed(problem);
     Output output;
-    output.Buffer() = TablesText(store);
+    for (const Table& table : store.Tables())
+        output.Buffer() += (line.json ? JsonOf(table) : TextOf(table)) + '\n';
     output.Flush();
     return output.Good() ? 0 : kUsageError;
 }
@@ -107,7 +104,7 @@ int ShowTables(const std::string& file) {
 } // namespace
 
 int Show(Session& session, const CommandLine& line) {
-    if (line.arguments.size() == 1) return ShowTables(line.arguments[0]);
+    if (line.arguments.size() == 1) return ShowTables(line);
     return Lister(session, line).Run();
 }
 
