@@ -1,5 +1,7 @@
 #include "host/commands/command_line.h"
 
+#include "host/commands/output.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -217,8 +219,10 @@ std::optional<CommandLine> ReadCommandLine(int argc, char** argv, int& status) {
         option = ::getopt_long(argc, argv, "h", kOptions, &index);
         if (option == -1) break;
         if (option == 'h' || option == kVersion) {
-            std::fputs(option == 'h' ? kUsage : "corvane " CORVANE_VERSION "\n", stdout);
-            status = 0;
+            Output output;
+            output.Buffer() = option == 'h' ? kUsage : "corvane " CORVANE_VERSION "\n";
+            output.Flush();
+            status = output.Good() ? 0 : kUsageError;
             return std::nullopt;
         }
         status = kUsageError;

@@ -10,6 +10,8 @@
 namespace host {
 namespace {
 
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF"; // some editors begin files with it
+
 class Evaluator {
 public:
     Evaluator(Session& session, const CommandLine& line) : session_(session), line_(line) {}
@@ -37,11 +39,20 @@ public:
         return Save(outcome.value) && output_.Good();
     }
 
+    // Its result need not wait for those that follow, which may take long.
+    bool RunArgument(std::string_view calculation) {
+        const bool going = Run(calculation, 1);
+        output_.Flush();
+        return going;
+    }
+
     bool RunLines() {
         LineReader lines(STDIN_FILENO, LineReader::kMaxLine, [this] { output_.Flush(); });
         std::size_t line_number = 0;
-        while (const auto line = lines.Line()) {
+        while (auto line = lines.Line()) {
             ++line_number;
+            if (line_number == 1 && line->starts_with(kByteOrderMark))
+                line->remove_prefix(kByteOrderMark.size());
             const bool blank = line->find_first_not_of(" \t\r") == std::string_view::npos;
             if (!blank && line->front() != '#' && !Run(*line, line_number)) return false;
         }
@@ -81,7 +92,7 @@ int Eval(Session& session, const CommandLine& line) {
     bool going = true;
     if (line.arguments.empty()) going = evaluator.RunLines();
     for (std::size_t i = 0; going && i < line.arguments.size(); ++i)
-        going = line.arguments[i] == "-" ? evaluator.RunLines() : evaluator.Run(line.arguments[i], 1);
+        going = line.arguments[i] == "-" ? evaluator.RunLines() : evaluator.RunArgument(line.arguments[i]);
     return evaluator.Finish();
 }
 

@@ -37,7 +37,8 @@ void Output::Flush() {
 
 void Output::Complain(const std::string& text) {
     Flush();
-    std::fputs(TerminalText(text).c_str(), stderr);
+    const std::string shown = TerminalText(text);
+    std::fwrite(shown.data(), 1, shown.size(), stderr);
 }
 
 void Output::WriteOut(std::string_view bytes) {
