@@ -13,11 +13,12 @@ void Move(const FM_DataVect& parameters) {
     const native::OperationPath source = native::GetOperationPath(item);
     if (source.code != 0) return ReportError(source.code, "MoveItem failed");
 
-    code = ResolvePathParameter(parameters, 1, item);
+    XFileSpec destination;
+    code = ResolvePathParameter(parameters, 1, destination);
     if (code != 0) return ReportError(code, "Destination folder not found");
-    if (!item.IsDirectory())
+    if (!destination.IsDirectory())
         return ReportError(kErrorFolderExpected, "MoveItem requires destination directory, not file");
-    const native::OperationPath folder = native::GetOperationPath(item);
+    const native::OperationPath folder = native::GetOperationPath(destination);
     code = folder.code != 0 ? folder.code : native::MoveItem(source.path, folder.path);
     if (code != 0) ReportError(code, "MoveItem failed");
 }

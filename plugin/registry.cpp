@@ -37,8 +37,8 @@ FM_ExternalFunction HandlerOf(std::int16_t id) {
 // A call that an exception ended leaves nothing behind but its code.
 void EndFailedCall(FM_ExternalFunction handler, std::int16_t id, FM_Error code, FM_Data& result) {
     ClearResult(result);
-    const bool keeps_record = id < kFirstCountedId && handler != Version && handler != GetLastError;
-    if (keeps_record) LastError().SetCode(code);
+    const bool is_of_sounds = id < kFirstCountedId || handler == GetMetadata; // which has two ids
+    if (is_of_sounds && handler != Version && handler != GetLastError) LastError().SetCode(code);
 }
 
 // What the host calls for every function of this library.
