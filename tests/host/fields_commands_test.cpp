@@ -40,6 +40,7 @@ TEST_F(Fields, ImportsFoldersAndShowsThem) {
                          R"("size":"","data":{"reference":"","streams":[{"type":"GIFf","size":35},)"));
     EXPECT_EQ(Corvane("show m.corvane").output,
               "media\tname:text\tsize:number\tdata:container\tcopy:container\n");
+    EXPECT_TRUE(Contains(Corvane("show m.corvane --json").output, R"({"name":"size","type":"number"})"));
 
     run = Corvane("import m.corvane media data --as file in/c.gif in/b.txt --by-reference");
     EXPECT_EQ(run.status, 0);
@@ -65,7 +66,7 @@ TEST_F(Fields, ExportsWhatWasImported) {
 
     run = Corvane("export m.corvane media data --to out/deep --name name --where 'id = 1'");
     EXPECT_EQ(run.status, 1) << "nothing is overwritten";
-    EXPECT_TRUE(Contains(run.errors, "record 1: data: Media_ExportField: 20200: "));
+    EXPECT_TRUE(Contains(run.errors, "record 1: name: 20200: "));
     EXPECT_EQ(Corvane("export m.corvane media data --to out/deep --name name --replace").status, 0);
 
     run = Corvane(R"(export m.corvane media data --to out --name '"../" & name')");
@@ -78,6 +79,10 @@ TEST_F(Fields, ExportsWhatWasImported) {
     }
     EXPECT_EQ(Read("one/same"), "bb") << "the first record's file stays";
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_ + "/one"), {}), 1);
+    run = Corvane(R"(export m.corvane media data --to two --replace --name 'If(id = 2; "c"; "C.gif")')"
+                  " --where 'id > 1'");
+    EXPECT_TRUE(Contains(run.errors, "record 3: name: 20200: ")) << "also when its extension was added later";
+    EXPECT_EQ(Read("two/c.gif"), Read("in/c.gif"));
     EXPECT_EQ(Corvane("export m.corvane media data --to /nowhere --drive C:=$DIR").status, 2);
     EXPECT_FALSE(std::filesystem::exists("/nowhere"));
     run = Corvane("export m.corvane media data --to " + std::string(300, 'n'));
@@ -85,6 +90,20 @@ TEST_F(Fields, ExportsWhatWasImported) {
     EXPECT_TRUE(Contains(run.errors, "cannot make the folder"));
     EXPECT_EQ(Corvane("export m.corvane media copy --to empty").status, 0);
     EXPECT_TRUE(std::filesystem::is_empty(folder_ + "/empty"));
+}
+
+TEST_F(Fields, AFileThatThereIsNoRoomForLeavesTheOldOne) {
+    Write("in/large.bin", std::string(300'000, 'n'));
+    Write("out/large.bin", "old");
+    ASSERT_EQ(Corvane("import m.corvane media data in/large.bin").status, 0);
+    const std::string limits[] = {"trap '' XFSZ; ulimit -f 200;", ""};
+    for (const std::string& limit : limits) {
+        const Finished run =
+            Corvane(R"(export m.corvane media data --to out --name '"large.bin"' --replace)", {}, limit);
+        EXPECT_EQ(run.status, limit.empty() ? 0 : 1) << run.errors;
+        EXPECT_EQ(Read("out/large.bin"), limit.empty() ? Read("in/large.bin") : "old");
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_ + "/out"), {}), 1);
+    }
 }
 
 TEST_F(Fields, UpdatesRecordsInOrderAndKeepsWhatFails) {
@@ -103,6 +122,8 @@ TEST_F(Fields, UpdatesRecordsInOrderAndKeepsWhatFails) {
     run = Corvane("update m.corvane media 'copy=Media_ConvertImage(data; \"BMPf\")' --where 'id = 2'");
     EXPECT_EQ(run.status, 0) << run.errors;
     EXPECT_TRUE(Contains(Show("--where 'id = 2'"), "\tBMPf "));
+    run = Corvane("update m.corvane media 'size=1 / 0' --where 'id = 2'");
+    EXPECT_TRUE(Contains(run.errors, "record 2: size: 1200: ")) << "no number is lost to a question mark";
     EXPECT_EQ(Corvane("update m.corvane media 'name=$x & Length(Let($x = 5; $x))'").status, 0);
     EXPECT_TRUE(Contains(Show("--where 'id = 3'"), "\n3\t1\t")) << "variables begin empty for each record";
     run = Corvane("update m.corvane media 'name=\"$-2147450878:Conversion failed\"' --where 'id = 3'");

@@ -53,7 +53,7 @@ TEST_F(Program, ShowsCodesOfHandlers) {
 }
 
 TEST_F(Program, ReadsLinesOfStandardInput) {
-    const Finished run = Corvane("eval", "# comment\n\n  \nLet($a = 2; $a)\r\n$a + 1");
+    const Finished run = Corvane("eval", "\uFEFF# comment\n\n  \nLet($a = 2; $a)\r\n$a + 1");
     EXPECT_EQ(run.output, "2\n3\n");
     EXPECT_EQ(Corvane("eval 5 - 7", "6\n").output, "5\n6\n7\n");
     EXPECT_EQ(Corvane("eval", "").output, "");
