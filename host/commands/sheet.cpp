@@ -113,12 +113,21 @@ std::string ShortDuration(const std::string& text) {
     return text.substr(begin, text.find('.') - begin);
 }
 
-// Whether a page may be written there.
-bool IsSheetOrNothing(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
+// What forbids to write a page there; empty when there is nothing, or a page of a sheet.
+std::string RefusalOf(const std::string& page) {
+    std::ifstream file(page, std::ios::binary);
     std::string head(4096, '\0');
     file.read(head.data(), static_cast<std::streamsize>(head.size()));
-    return file.gcount() == 0 || head.find(kSheetMark) != std::string::npos;
+    const bool may = file.gcount() == 0 || head.find(kSheetMark) != std::string::npos;
+    return may ? "" : page + " is there, and no page of a sheet";
+}
+
+std::string WritePage(const std::string& path, const std::string& page) {
+    if (std::string refusal = RefusalOf(path); !refusal.empty()) return refusal;
+    std::ofstream file(path, std::ios::binary);
+    file << page;
+    file.close();
+    return file ? "" : "cannot write " + path;
 }
 
 class SheetMaker {
@@ -145,13 +154,21 @@ private:
         if (!index) return problem;
         part_ = table_.GetTable().fields[*index].name;
         field_ = table_.GetTable().name + "::" + part_;
-        if (!IsSheetOrNothing(line_.table.to + '/' + SheetPageName(1)))
-            return line_.table.to + '/' + SheetPageName(1) + " is there, and no page of a sheet";
-        const auto folder = MakeOutputFolder(line_.table.to + "/pictures", problem);
+        const std::string pictures = line_.table.to + "/pictures";
+        const std::string page = line_.table.to + '/' + SheetPageName(1);
+        if (problem = RefusalOf(page); !problem.empty()) return problem;
+        std::error_code ignored;
+        const bool is_new = !std::filesystem::exists(page, ignored);
+        if (is_new && std::filesystem::exists(pictures, ignored)) // and would be replaced, number by number
+            return pictures + " is there, and not of a sheet";
+        const auto folder = MakeOutputFolder(pictures, problem);
         if (!folder) return problem;
         pictures_ = *folder;
-        return {};
+        // A new one gets its page at once, so that the pictures are known as the sheet's, however it ends.
+        return is_new ? WritePage(page, SheetPage(Title(), {}, 1, 1)) : "";
     }
+
+    [[nodiscard]] std::string Title() const { return table_.GetTable().name + " – " + part_; }
 
     // The current record's card, with whatever can be had of its contents; the failure is to be told.
     std::optional<RecordFailure> AddCard(std::int64_t record) {
@@ -239,11 +256,9 @@ private:
         for (std::size_t page = 1; page <= count; ++page) {
             const auto first = cards_.begin() + static_cast<std::ptrdiff_t>((page - 1) * kCardsOnPage);
             const auto end = page < count ? first + static_cast<std::ptrdiff_t>(kCardsOnPage) : cards_.end();
-            const std::string path = line_.table.to + '/' + SheetPageName(page);
-            std::ofstream file(path, std::ios::binary);
-            file << SheetPage(table_.GetTable().name + " – " + part_, {first, end}, page, count);
-            file.close();
-            if (!file) return "cannot write " + path;
+            const std::string problem = WritePage(line_.table.to + '/' + SheetPageName(page),
+                                                  SheetPage(Title(), {first, end}, page, count));
+            if (!problem.empty()) return problem;
         }
         return {};
     }

@@ -53,6 +53,9 @@ TEST_F(FieldSheet, ShowsPicturesWaveformsAndFacts) {
     EXPECT_EQ(Size("[2345].jpg"), "JPEG 30x20JPEG 640x480JPEG 640x427JPEG 640x427");
     EXPECT_EQ(Corvane("sheet m.corvane media data --to page --where 'id = 1'").status, 0)
         << "a sheet is replaced";
+    Write("own/pictures/2.jpg", "my own");
+    EXPECT_TRUE(Contains(Corvane("sheet m.corvane media data --to own").errors, "not of a sheet"));
+    EXPECT_EQ(Read("own/pictures/2.jpg"), "my own");
     Write("page/index.html", "my own");
     EXPECT_EQ(Corvane("sheet m.corvane media data --to page").status, 2);
     EXPECT_EQ(Read("page/index.html"), "my own");
