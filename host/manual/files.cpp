@@ -17,7 +17,9 @@ constexpr auto kPages = std::to_array<ManualPage>({
        a.txt, sub/a.txt, ../a.txt  from the default folder
        filewin:/C:/Data/a.txt      a line of a reference (also imagewin:, moviewin:)
        .T/a.txt                    in a special folder: .A of the program, .D desktop, .R root of the system's
-                                   drive, .S system, .T temporary, .W Windows; .U and .V ask in a dialog)",
+                                   drive, .S system, .T temporary, .W Windows; .U and .V ask in a dialog. The
+                                   letter alone counts: .Trash is the temporary folder itself, so name hidden
+                                   files by absolute paths)",
      R"(Empty text; for .V the name of the file that was chosen. At the start the folder is the root of the system's
 drive.)",
      R"($CODE:MESSAGE as the result:
