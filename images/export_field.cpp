@@ -168,11 +168,10 @@ void Export(const FM_DataVect& parameters) {
     WriteTarget(content, target);
 }
 
-// A container that holds a reference text and no streams: its file is copied.
+// A container that holds a reference text and no image: its file is copied.
 bool NamesFile(const FM_Data* parameter) {
-    return Host(FM_Data_GetNativeType, parameter) == kFM_TypeContainer &&
-           Host(FM_BinaryData_GetCount, Host(FM_Data_GetBinaryData, parameter)) == 0 &&
-           !Host(FM_Data_IsEmpty, parameter);
+    return Host(FM_Data_GetNativeType, parameter) == kFM_TypeContainer && !Host(FM_Data_IsEmpty, parameter) &&
+           GetMainImageType(parameter) == kReferenceType;
 }
 
 bool IsEmptyContainer(const FM_Data* parameter) {

@@ -40,12 +40,13 @@ std::int32_t ListImageInfo(GraphicsImportComponent importer) {
         text.data(), text.size(),
         "Height (px): %d\rWidth (px): %d\rDepth (bits): %d\rQuality: %d\rV Resolution (dpi): %d\r"
         "H Resolution (dpi): %d\rImage Count: %u\rSize (bytes): %llu\rCompressor Type: %c%c%c%c\r"
-        "Compressor Description: %.*s\r",
+        "Compressor Description: ",
         description.height, description.width, description.depth, description.spatialQuality,
         Rounded(description.vRes), Rounded(description.hRes), count, static_cast<unsigned long long>(size),
-        type >> 24 & 0xFF, type >> 16 & 0xFF, type >> 8 & 0xFF, type & 0xFF, description.name[0],
-        reinterpret_cast<const char*>(&description.name[1]));
+        type >> 24 & 0xFF, type >> 16 & 0xFF, type >> 8 & 0xFF, type & 0xFF);
     SetResultBufferText({text.data(), static_cast<std::size_t>(length)});
+    AppendResultBufferText({reinterpret_cast<const char*>(&description.name[1]), description.name[0]});
+    AppendResultBufferText("\r");
     return 0;
 }
 

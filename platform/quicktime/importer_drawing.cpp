@@ -56,13 +56,23 @@ bool Covers(const DecodedPart& part, const Rect& visible) {
            part.top + part.image.height() * part.reduction >= visible.bottom;
 }
 
-/// How much a decoder may reduce the image. Its squares of two are as good as filtered pixels; larger ones
-/// are plain means, of which a filter has to see two to a pixel.
-std::int32_t ReductionFor(const TransformPlan& plan) {
-    const double scale = std::max(plan.scale_x, plan.scale_y);
+/// How much a decoder may reduce a line that becomes `scale` times as long. Its squares of two are as good as
+/// filtered pixels; larger ones are plain means, of which a filter has to see two to a pixel.
+std::int32_t ReductionFor(double scale) {
     if (scale <= 1.0 / 16.0) return 8;
     if (scale <= 1.0 / 8.0) return 4;
     return scale <= 1.0 / 2.0 ? 2 : 1;
+}
+
+/// Reduced pixels across an edge that lies within the line show what is beyond it, too, and are left out:
+/// whether hardly anything is lost by that. In few pixels even what fills the last one up behind the line's
+/// own end counts.
+bool KeepsEdges(std::int32_t begin, std::int32_t end, std::int32_t length, double scale,
+                std::int32_t reduction) {
+    constexpr double kMostLost = 0.25; ///< of a pixel of the result
+    constexpr std::int32_t kFewPixels = 16;
+    const std::int32_t lost = std::max(-begin & (reduction - 1), end == length ? 0 : end & (reduction - 1));
+    return lost * scale <= kMostLost && end - begin >= kFewPixels;
 }
 
 } // namespace
@@ -146,7 +156,10 @@ ComponentResult GraphicsImporter::DecodeFor(const TransformPlan& plan, const Rec
     const ImageDescription& image = facts_.description;
     const bool all =
         visible.right - visible.left == image.width && visible.bottom - visible.top == image.height;
-    const std::int32_t reduction = ReductionFor(plan);
+    std::int32_t reduction = ReductionFor(std::max(plan.scale_x, plan.scale_y));
+    while (reduction > 1 && !(KeepsEdges(visible.left, visible.right, image.width, plan.scale_x, reduction) &&
+                              KeepsEdges(visible.top, visible.bottom, image.height, plan.scale_y, reduction)))
+        reduction /= 2;
     if (codec_.decode_part == nullptr || (all && reduction == 1)) return Decode(part.image);
     return codec_.decode_part(*source_, index_, visible, reduction, part);
 }

@@ -21,16 +21,8 @@ struct Taps {
 /// The taps of all pixels of a stretch.
 class TapTable {
 public:
-    explicit TapTable(const Stretch& stretch) {
-        const auto [low, high] = std::minmax(stretch.from, stretch.to);
-        low_ = static_cast<std::int32_t>(std::ceil(low));
-        high_ = static_cast<std::int32_t>(std::floor(high));
-        // In a line that was reduced when it was decoded a pixel may lie across the edge of what is shown:
-        // what is beyond the edge must not count, unless there is nothing else.
-        if (low_ >= high_) {
-            low_ = static_cast<std::int32_t>(std::floor(low));
-            high_ = static_cast<std::int32_t>(std::ceil(high));
-        }
+    TapTable(const Stretch& stretch, std::int32_t length)
+        : pixels_(PixelsBetween(stretch.from, stretch.to, length)), end_(std::max(stretch.from, stretch.to)) {
         const auto count = static_cast<std::size_t>(stretch.pixels);
         firsts_.reserve(count);
         ends_.reserve(count);
@@ -46,19 +38,21 @@ public:
         return {firsts_[index], std::span(shares_).subspan(begin, ends_[index] - begin)};
     }
     /// The pixels of the line that are used at all.
-    [[nodiscard]] std::int32_t low() const { return low_; }
-    [[nodiscard]] std::int32_t high() const { return high_; }
+    [[nodiscard]] const PixelSpan& Pixels() const { return pixels_; }
 
 private:
     void Add(double centre, double scale) {
         const double reach = kCubicReach * scale;
-        const auto first = std::max(static_cast<std::int32_t>(std::ceil(centre - reach - 0.5)), low_);
-        const auto end = std::min(static_cast<std::int32_t>(std::floor(centre + reach - 0.5)) + 1, high_);
+        const auto first =
+            std::max(static_cast<std::int32_t>(std::ceil(centre - reach - 0.5)), pixels_.begin);
+        const auto end =
+            std::min(static_cast<std::int32_t>(std::floor(centre + reach - 0.5)) + 1, pixels_.end);
         const std::size_t begin = shares_.size();
         double sum = 0.0;
         firsts_.push_back(first);
         for (std::int32_t i = first; i < end; ++i) {
-            const double share = Cubic(std::abs(i + 0.5 - centre) / scale);
+            const double right = std::min(i + 1.0, end_); // of the last one a part may be the image's
+            const double share = Cubic(std::abs((i + right) / 2.0 - centre) / scale) * (right - i);
             sum += share;
             shares_.push_back(static_cast<float>(share));
         }
@@ -66,8 +60,8 @@ private:
         ends_.push_back(shares_.size());
     }
 
-    std::int32_t low_ = 0;
-    std::int32_t high_ = 0;
+    PixelSpan pixels_;
+    double end_; ///< of what is shown
     std::vector<std::int32_t> firsts_;
     std::vector<std::size_t> ends_; ///< of each pixel's shares
     std::vector<float> shares_;
@@ -123,16 +117,23 @@ void Copy(const PixelImage& source, const Stretch& across, const Stretch& down, 
 
 } // namespace
 
+PixelSpan PixelsBetween(double from, double to, std::int32_t length) {
+    const auto [low, high] = std::minmax(from, to);
+    const auto end = static_cast<std::int32_t>(std::ceil(high));
+    return {static_cast<std::int32_t>(std::ceil(low)),
+            end == length ? end : static_cast<std::int32_t>(std::floor(high))};
+}
+
 void Resample(const PixelImage& source, const Stretch& across, const Stretch& down, PixelImage& out) {
     if (IsCopy(across) && IsCopy(down)) {
         Copy(source, across, down, out);
         return;
     }
-    const TapTable columns(across);
-    const TapTable rows(down);
-    const std::int32_t left = columns.low();
-    const auto width = static_cast<std::size_t>(columns.high() - left);
-    const auto height = static_cast<std::int64_t>(rows.high() - rows.low());
+    const TapTable columns(across, source.width());
+    const TapTable rows(down, source.height());
+    const std::int32_t left = columns.Pixels().begin;
+    const auto width = static_cast<std::size_t>(columns.Pixels().end - left);
+    const std::int64_t height = rows.Pixels().end - rows.Pixels().begin;
     DrawInBands(down.pixels, height * static_cast<std::int64_t>(width),
                 [&](std::int32_t first, std::int32_t end) {
                     std::vector<float> sums(4 * width);

@@ -3,6 +3,7 @@
 #include "platform/quicktime/cubic.h"
 #include "platform/quicktime/pixel_vectors.h"
 #include "platform/quicktime/transform_bands.h"
+#include "platform/quicktime/transform_resample.h"
 
 #include <algorithm>
 #include <array>
@@ -19,12 +20,14 @@ constexpr std::int32_t kRun = 16; ///< pixels for which the mapping is taken to 
 /// Colours of the source at places between its pixels. Beyond the area's pixels, the outermost go on.
 class Sampler {
 public:
-    Sampler(const PixelImage& source, const Area& area)
-        : source_(source),
-          left_(static_cast<std::int32_t>(std::floor(area.left))),
-          top_(static_cast<std::int32_t>(std::floor(area.top))),
-          right_(static_cast<std::int32_t>(std::ceil(area.right)) - 1),
-          bottom_(static_cast<std::int32_t>(std::ceil(area.bottom)) - 1) {}
+    Sampler(const PixelImage& source, const Area& area) : source_(source) {
+        const PixelSpan columns = PixelsBetween(area.left, area.right, source.width());
+        const PixelSpan rows = PixelsBetween(area.top, area.bottom, source.height());
+        left_ = columns.begin;
+        right_ = columns.end - 1;
+        top_ = rows.begin;
+        bottom_ = rows.end - 1;
+    }
 
     template <bool kAlpha>
     [[nodiscard]] Float4 Cubic(const Point& at) const {
@@ -92,10 +95,10 @@ private:
     }
 
     const PixelImage& source_;
-    std::int32_t left_; ///< the outermost pixels
-    std::int32_t top_;
-    std::int32_t right_;
-    std::int32_t bottom_;
+    std::int32_t left_ = 0; ///< the outermost pixels
+    std::int32_t top_ = 0;
+    std::int32_t right_ = 0;
+    std::int32_t bottom_ = 0;
 };
 
 /// How the place in the source moves from pixel to pixel of a row, and from row to row.

@@ -243,6 +243,28 @@ TEST_F(Transforms, ReducedDecodingShowsTheSame) {
         EXPECT_GT(PeakSignalToNoise(reduced[i], whole[i]), 41.0) << i;
 }
 
+TEST_F(Transforms, ReducedDecodingKeepsEdges) {
+    const auto last = [](const qt::PixelImage& image) {
+        return qt::Red(image.Row(image.height() - 1)[image.width() / 2]);
+    };
+    // Black, with white bars within and in the last row, of which the image has half a pair.
+    Open("-size 160x801 xc:black -fill white -draw 'rectangle 0,57 159,97 rectangle 0,800 159,800' -quality "
+         "100 "
+         "-sampling-factor 1x1",
+         "edges.jpg", qt::Code("JPEG"));
+    Map(0, 0.5, 0.5);
+    EXPECT_NEAR(last(Drawn()), 0x77, 24) << "the last row counts";
+    for (const double scale : {0.5, 0.05}) {
+        const Rect dark = {55, 0, 57, 160};
+        const Rect light = {57, 0, 98, 160};
+        Map(0, scale, scale);
+        EXPECT_EQ(GraphicsImportSetSourceRect(importer_.get(), &dark), noErr);
+        EXPECT_LT(last(Drawn()), 8) << "white is beyond the edge: " << scale;
+        EXPECT_EQ(GraphicsImportSetSourceRect(importer_.get(), &light), noErr);
+        EXPECT_GT(last(Drawn()), 247) << "black is beyond the edge: " << scale;
+    }
+}
+
 TEST_F(Transforms, RefusesWhatHasNoDrawing) {
     Open("-size 40x30 xc:red", "png24:a.png");
     qt::PixelImage image;
