@@ -4,9 +4,9 @@
 #include "platform/text/utf.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <set>
-#include <stdlib.h>
 
 namespace host {
 namespace {
@@ -104,7 +104,7 @@ private:
         SetPath("$staged", folder_ + staging_.Name() + '/' + file);
         SetPath("$path", folder_ + file);
         if (line_.table.replace) {
-            const auto failure = Do("Media_DeleteItem($path; False)");
+            auto failure = Do("Media_DeleteItem($path; False)");
             if (failure && failure->code != kNotFound) return failure;
         }
         SetPath("$path", folder_);

@@ -256,8 +256,8 @@ private:
         for (std::size_t page = 1; page <= count; ++page) {
             const auto first = cards_.begin() + static_cast<std::ptrdiff_t>((page - 1) * kCardsOnPage);
             const auto end = page < count ? first + static_cast<std::ptrdiff_t>(kCardsOnPage) : cards_.end();
-            const std::string problem = WritePage(line_.table.to + '/' + SheetPageName(page),
-                                                  SheetPage(Title(), {first, end}, page, count));
+            std::string problem = WritePage(line_.table.to + '/' + SheetPageName(page),
+                                            SheetPage(Title(), {first, end}, page, count));
             if (!problem.empty()) return problem;
         }
         return {};
