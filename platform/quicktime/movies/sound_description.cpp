@@ -167,17 +167,23 @@ constexpr std::array<FixedPackets, 3> kFixedPackets = {{
     {Code("MAC6"), 1, 6},
 }};
 
+/// Of a SoundFormat or a CompressedSound.
+template <class Sound>
+void FillFixedPackets(Sound& sound) {
+    for (const FixedPackets& fixed : kFixedPackets) {
+        if (fixed.code != sound.data_format) continue;
+        sound.bytes_per_packet = fixed.bytes * sound.channels;
+        sound.frames_per_packet = fixed.frames;
+    }
+}
+
 void FillPackets(SoundFormat& format) {
     if (const auto layout = LpcmEncoding(format.bits, format.lpcm_flags);
         format.data_format == Code("lpcm") && layout.has_value()) {
         format.bytes_per_packet = format.bits / 8 * format.channels;
         format.frames_per_packet = 1;
     }
-    for (const FixedPackets& fixed : kFixedPackets) {
-        if (fixed.code != format.data_format) continue;
-        format.bytes_per_packet = fixed.bytes * format.channels;
-        format.frames_per_packet = fixed.frames;
-    }
+    FillFixedPackets(format);
     if (format.frames_per_packet == 0 && format.data_format == Code("mp4a")) format.frames_per_packet = 1024;
     if (format.frames_per_packet == 0 && format.data_format == Code(".mp3")) format.frames_per_packet = 1152;
 }
@@ -348,7 +354,8 @@ Bytes DescribePcm(const PcmLayout& layout) {
     return ToBytes(description, little ? LittleEndianExtension(description.dataFormat) : Bytes{});
 }
 
-Bytes DescribeCompressed(const CompressedSound& sound) {
+Bytes DescribeCompressed(CompressedSound sound) {
+    FillFixedPackets(sound);
     if (sound.rate >= kFirstRateOfVersion2) {
         SoundDescriptionV2 description = DescribeInVersion2(sound.data_format, sound.rate, sound.channels);
         description.constBytesPerAudioPacket = sound.bytes_per_packet;

@@ -127,12 +127,12 @@ struct CompressedSound {
     std::uint32_t channels = 0;
     std::uint32_t rate = 0;
     std::uint32_t frames_per_packet = 0;
-    std::uint32_t bytes_per_packet = 0; ///< of all channels; 0: packets vary
+    std::uint32_t bytes_per_packet = 0; ///< of all channels; 0: packets vary, or the format says it
     std::uint32_t average_bytes_per_second = 0;
     std::uint16_t wave_tag = 0; ///< of the WAVE format in the 'wave' extension
     std::uint8_t alac_bits = 0; ///< of a sample, for an 'alac' extension; 0: none
 };
-Bytes DescribeCompressed(const CompressedSound& sound);
+Bytes DescribeCompressed(CompressedSound sound);
 
 /// Descriptions as they stand in files: big-endian fields. Foreign bytes that are too short give nothing.
 /// Signed 8-bit 'twos' and 'sowt' come back as 'lpcm' (see DescribePcm). MPEG-4 files state a rate from

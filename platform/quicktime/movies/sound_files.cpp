@@ -205,24 +205,58 @@ std::optional<PcmLayout> RawLayout(const SF_INFO& info, const FileType& type) {
     return std::nullopt;
 }
 
-CompressedSound CodedSound(const SF_INFO& info, const FileType& type, std::uint64_t size) {
+/// Bytes per second as the format chunk of a WAVE file states them; 0 when it doesn't.
+std::uint32_t StatedBytesPerSecond(DataSource& data) {
+    constexpr std::size_t kHeader = 8;
+    constexpr std::size_t kAverage = kHeader + 8; // in a format chunk
+    std::array<std::byte, kAverage + 4> chunk{};
+    std::uint64_t offset = data.Read(0, std::span(chunk).first(12));
+    const bool big = BigEndian32(chunk, 0) == Code("RIFX");
+    const auto number = [&](std::size_t at) {
+        return big ? BigEndian32(chunk, at) : __builtin_bswap32(BigEndian32(chunk, at));
+    };
+    while (data.Read(offset, chunk) == chunk.size() && BigEndian32(chunk, 0) != Code("data")) {
+        if (BigEndian32(chunk, 0) == Code("fmt ")) return number(kAverage);
+        const std::uint64_t size = number(4);
+        offset += kHeader + size + size % 2;
+    }
+    return 0;
+}
+
+/// Bytes of the file's sound. Of other files than FLAC, whose pictures and tags come first, all are counted.
+std::uint64_t SoundBytes(DataSource& data, const FileType& type) {
+    constexpr int kMostBlocks = 1000; // a file of empty ones shall not take minutes
+    const std::uint64_t size = data.GetSize();
+    if (type.major != SF_FORMAT_FLAC) return size;
+    std::array<std::byte, 4> block{};
+    std::uint64_t offset = block.size();
+    for (int i = 0; i < kMostBlocks && data.Read(offset, block) == block.size(); ++i) {
+        offset += block.size() + BigEndian(block, 1, 3);
+        if ((block[0] & std::byte{0x80}) != std::byte{0}) break; // the last one
+    }
+    return size - std::min(size, offset);
+}
+
+CompressedSound CodedSound(const SF_INFO& info, const FileType& type, DataSource& data) {
+    const bool in_wave = type.importer == Code("WAVE") || type.importer == Code("W64 ");
     CompressedSound sound;
     sound.data_format = type.major == SF_FORMAT_FLAC ? Code("fLaC") : Code("snd ");
     sound.frames_per_packet = type.major == SF_FORMAT_FLAC ? 4096 : 1;
     sound.wave_tag = type.major == SF_FORMAT_FLAC ? 0xF1AC : 0;
     for (const CodedSubtype& coded : kCoded) {
         if (coded.subtype != (info.format & SF_FORMAT_SUBMASK)) continue;
-        sound.data_format =
-            type.importer == Code("WAVE") && coded.in_wave != kNoCode ? coded.in_wave : coded.elsewhere;
+        sound.data_format = in_wave && coded.in_wave != kNoCode ? coded.in_wave : coded.elsewhere;
         sound.frames_per_packet = coded.frames_per_packet;
         sound.wave_tag = coded.wave_tag;
         sound.alac_bits = coded.alac_bits;
     }
     sound.channels = static_cast<std::uint32_t>(info.channels);
     sound.rate = static_cast<std::uint32_t>(info.samplerate);
-    if (info.frames > 0)
-        sound.average_bytes_per_second = static_cast<std::uint32_t>(std::min<double>(
-            0xFFFFFFFF, static_cast<double>(size) * info.samplerate / static_cast<double>(info.frames)));
+    if (type.importer == Code("WAVE")) sound.average_bytes_per_second = StatedBytesPerSecond(data);
+    if (sound.average_bytes_per_second == 0 && info.frames > 0)
+        sound.average_bytes_per_second = static_cast<std::uint32_t>(
+            std::min<double>(0xFFFFFFFF, static_cast<double>(SoundBytes(data, type)) * info.samplerate /
+                                             static_cast<double>(info.frames)));
     return sound;
 }
 
@@ -294,7 +328,7 @@ Imported ImportSoundFile(const ImportSource& source) {
         samples->duration = static_cast<TimeValue>(run.count);
         samples->descriptions.push_back(DescribePcm(*layout));
     } else {
-        samples->descriptions.push_back(DescribeCompressed(CodedSound(info, *type, size)));
+        samples->descriptions.push_back(DescribeCompressed(CodedSound(info, *type, *source.data)));
         samples->open_decoder = [data = source.data] { return OpenSoundFileReader(data); };
         AddWholeFileRun(source, *samples);
     }
