@@ -99,24 +99,29 @@ OSErr Place(MediaSamples& samples, StorageFile& file, ForeignSamples foreign, Pl
     if (const OSErr code = samples.LoadRuns(); code != noErr) return code;
     if (samples.open_decoder && (foreign == ForeignSamples::kCopy || samples.runs.empty()))
         return invalidSampleTable;
+    const auto path_of = [&](const SampleSource& source) {
+        const bool stays = foreign == ForeignSamples::kCopy || source.data.get() == &file;
+        return stays ? std::string() : UnixPathOf(source.reference.handle.get(), source.reference.type);
+    };
+    const auto refer_to = [&](const std::string& path) {
+        return IndexOf(placement.references, path == file.Path() ? std::string() : path);
+    };
     for (SampleRun run : samples.runs) {
         const SampleSource& source = samples.sources[run.source];
-        const bool own = source.data.get() == &file;
-        std::string path = own || foreign == ForeignSamples::kCopy
-                               ? std::string()
-                               : UnixPathOf(source.reference.handle.get(), source.reference.type);
-        if (!own && path.empty()) {
+        const std::string path = path_of(source);
+        if (path.empty() && source.data.get() != &file) {
             if (source.data == nullptr) return couldNotResolveDataRef;
             if (const OSErr code = CopyRun(*source.data, run, file); code != noErr) return code;
         }
-        if (path == file.Path()) path.clear();
-        const std::uint16_t reference = IndexOf(placement.references, path);
+        const std::uint16_t reference = refer_to(path);
         AddChunks(placement, run, EntryOf(placement.entries, {run.description, reference}));
         placement.runs.push_back(run);
     }
-    for (std::uint16_t i = 0; placement.entries.empty() && i < samples.descriptions.size(); ++i)
-        EntryOf(placement.entries, {i, IndexOf(placement.references, {})});
-    if (placement.references.empty()) placement.references.emplace_back();
+    if (placement.runs.empty()) {
+        // A movie refers to the source of no samples, too: its placeholder stands for that file.
+        refer_to(samples.sources.empty() ? std::string() : path_of(samples.sources.front()));
+        if (!samples.descriptions.empty()) placement.entries.push_back({0, 0});
+    }
     return noErr;
 }
 
