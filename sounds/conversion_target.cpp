@@ -33,13 +33,14 @@ ConversionTarget ReadConversionTarget(const FM_DataVect& parameters, std::int32_
     const Read<std::string> text = ReadTextParameter(parameters, index);
     if (text.code != 0) return Failed(text.code, "Could not get parameter #2 as text.");
     ConversionTarget target;
-    if (!IsBareName(text.value)) {
+    XFileSpec database;
+    const std::int32_t code = DatabaseFolder(database);
+    // A bare name means a file in the database's folder, where there is one.
+    if (code != 0 || !IsBareName(text.value)) {
         const std::int32_t resolved = ResolvePathParameter(parameter, target.file);
         if (IsUsable(resolved)) return target;
         if (resolved == kErrorUserCancelled) return Failed(resolved, kNotFound);
     }
-    XFileSpec database;
-    const std::int32_t code = DatabaseFolder(database);
     if (code != 0 && code != kNetworkDatabase) return Failed(code, "Could not get database path.");
     std::optional<XFileSpec> folder;
     if (code == 0) {

@@ -1,4 +1,5 @@
 // The sound functions while their host or their disk fails: codes and messages, and no file that stays.
+#include "files/default_folder.h"
 #include "platform/fmwrapper/fault.h"
 #include "tests/sounds/sound_session.h"
 #include "tests/support/small_disk.h"
@@ -154,6 +155,10 @@ TEST_F(SoundFunctions, NeedNoDatabaseFileButItsFolder) {
     host.file_path = u"fmnet:/server/Media";
     EXPECT_TRUE(Call(amplify).text.starts_with("size:0,0\rmovie:tmp"));
     TakeFiles();
+    DefaultFolder().SetFromFileMakerPath("/C:" + folder, false);
+    EXPECT_EQ(Call({9, {File("s.wav"), Text("bare.wav"), Text("WAVE")}}).text,
+              "size:0,0\rmovie:bare.wav\rmoviewin:/C:" + folder + "/bare.wav");
+    ResetDefaultFolder();
     host.file_path.reset();
     EXPECT_EQ(Call(amplify).text, "");
     EXPECT_EQ(LastError(), "$-108:Media_Amplify: Memory full error. Could not get parameter #1 as sound.");
