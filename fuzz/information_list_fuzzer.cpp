@@ -1,4 +1,5 @@
 #include "fuzz/fuzz_target.h"
+#include "platform/text/utf.h"
 #include "sounds/information_list.h"
 
 // A zero byte parts the list from the key path. Values lie within the list, and lines take all of it.
@@ -12,7 +13,9 @@ void Fuzz(std::string_view input) {
     corvane::InformationLines lines(list);
     for (std::string_view line; lines.Next(line); ++count) {
         bytes += line.size();
-        Require(line.size() <= 1023 && line.find_first_of("\r\n") == std::string_view::npos);
+        std::size_t characters = 0;
+        for (std::size_t position = 0; position < line.size(); ++characters) utf::Next(line, position);
+        Require(characters <= 1023 && line.find_first_of("\r\n") == std::string_view::npos);
     }
     Require(bytes <= list.size() && bytes + std::size_t{2} * count >= list.size());
     using corvane::InformationSearch;

@@ -7,7 +7,23 @@
 namespace corvane {
 namespace {
 
-constexpr std::size_t kLineLimit = 1023;
+constexpr std::size_t kLineLimit = 1023; // characters
+
+bool IsLineEnd(char c) {
+    return c == '\r' || c == '\n';
+}
+
+// Bytes of the line that the text begins with. Nearly all lines are short, and their bytes need no decoding.
+std::size_t LineLength(std::string_view text) {
+    const std::string_view head = text.substr(0, kLineLimit);
+    const auto end =
+        static_cast<std::size_t>(std::find_if(head.begin(), head.end(), IsLineEnd) - head.begin());
+    if (end < kLineLimit || utf::IsAscii(head)) return end;
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < kLineLimit && length < text.size() && !IsLineEnd(text[length]); ++i)
+        utf::Next(text, length);
+    return length;
+}
 
 std::string_view WithoutLeadingSpaces(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
@@ -26,12 +42,9 @@ std::string_view TakeKey(std::string_view& path) {
 
 bool InformationLines::Next(std::string_view& line) {
     if (rest_.empty()) return false;
-    const std::string_view head = rest_.substr(0, kLineLimit + 1);
-    const auto end = static_cast<std::size_t>(
-        std::find_if(head.begin(), head.end(), [](char c) { return c == '\r' || c == '\n'; }) - head.begin());
-    line = end > kLineLimit ? utf::CutAtCharacter(rest_, kLineLimit) : rest_.substr(0, end);
+    line = rest_.substr(0, LineLength(rest_));
     rest_.remove_prefix(line.size());
-    if (end <= kLineLimit && !rest_.empty()) rest_.remove_prefix(rest_.starts_with("\r\n") ? 2 : 1);
+    if (!rest_.empty() && IsLineEnd(rest_[0])) rest_.remove_prefix(rest_.starts_with("\r\n") ? 2 : 1);
     return true;
 }
 

@@ -1,8 +1,8 @@
 // Reading information lists: lines of "Key (note): value", nested by indentation.
 //
-// A line ends at a carriage return, a line feed, or both in this order; one of more than 1,023 bytes reads
-// as several. s leading spaces put it on level (s + 2) / 2. A line without a colon heads the lines below it
-// that are one level deeper. All views point into the list.
+// A line ends at a carriage return, a line feed, or both in this order; one of more than 1,023 characters
+// reads as several. s leading spaces put it on level (s + 2) / 2. A line without a colon heads the lines
+// below it that are one level deeper. All views point into the list.
 #pragma once
 
 #include <cstdint>

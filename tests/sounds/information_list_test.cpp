@@ -29,8 +29,10 @@ TEST(InformationLines, LongOnesAreSeveral) {
     EXPECT_EQ(Lines(full + "\ry"), (Strings{full, "y"}));
     EXPECT_EQ(Lines(full + "y\rz"), (Strings{full, "y", "z"}));
     EXPECT_EQ(Lines(full + full), (Strings{full, full}));
-    const std::string cut = std::string(1022, 'x') + "\xC3\xA4";
-    EXPECT_EQ(Lines(cut), (Strings{std::string_view(cut).substr(0, 1022), "\xC3\xA4"}));
+    std::string wide;
+    for (int i = 0; i < 1023; ++i) wide += "\xC3\xA4";
+    EXPECT_EQ(Lines(wide + "\r\n" + wide + "y"), (Strings{wide, wide, "y"})) << "characters count, not bytes";
+    EXPECT_EQ(Lines(std::string(1024, '\xC3') + "\r").size(), 2U);
     EXPECT_EQ(Lines(std::string(5000, '\x80')).size(), 5U) << "bytes that are no text";
 }
 
