@@ -52,7 +52,7 @@ ComponentResult GraphicsImportGetDataReference(GraphicsImportComponent importer,
 ComponentResult GraphicsImportGetMetaData(GraphicsImportComponent importer, UserData list);
 
 /// Chooses one of the data's images, from 1; paramErr for one that isn't there. The description, the bounds
-/// and the source rectangle are then those of that image, which is decoded for it.
+/// and the source rectangle are then those of that image.
 ComponentResult GraphicsImportSetImageIndex(GraphicsImportComponent importer, std::uint32_t index);
 /// The image's size in pixels, at the origin.
 ComponentResult GraphicsImportGetNaturalBounds(GraphicsImportComponent importer, Rect* bounds);

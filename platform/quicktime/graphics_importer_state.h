@@ -51,8 +51,6 @@ private:
     MatrixRecord matrix_ = kIdentityMatrix;
     OwnedRegion clip_;
     GWorldPtr port_ = nullptr; ///< null: the current one
-    PixelImage
-        decoded_; ///< of an image other than the first, until it is drawn: only decoding tells its size
 };
 
 } // namespace qt

@@ -83,7 +83,6 @@ void GraphicsImporter::SetSource(std::unique_ptr<DataSource> source, DataReferen
     facts_code_.reset();
     index_ = 1;
     source_rect_.reset();
-    decoded_ = {};
 }
 
 ComponentResult GraphicsImporter::Facts(const ImageFacts*& facts) {
@@ -102,14 +101,9 @@ ComponentResult GraphicsImporter::SetIndex(std::uint32_t index) {
     if (index < 1 || index > facts_.image_count) return paramErr;
     if (index == index_) return noErr;
     index_ = index; // even of an image that can't be decoded: another must not be drawn in its place
-    decoded_ = {};
-    PixelImage image;
-    if (const auto code = Decode(image); code != noErr) return code;
-    facts_.description.width = static_cast<std::int16_t>(image.width());
-    facts_.description.height = static_cast<std::int16_t>(image.height());
-    decoded_ = std::move(image);
     source_rect_.reset();
-    return noErr;
+    return codec_.describe != nullptr ? codec_.describe(*source_, index, facts_.description)
+                                      : ComponentResult{noErr};
 }
 
 ComponentResult GraphicsImporter::SetSourceRect(const Rect* rectangle) {
@@ -149,10 +143,6 @@ ComponentResult GraphicsImporter::Decode(PixelImage& image) {
 
 ComponentResult GraphicsImporter::DecodeFor(const TransformPlan& plan, const Rect& visible,
                                             DecodedPart& part) {
-    if (decoded_.width() > 0) {
-        part.image = std::exchange(decoded_, {});
-        return noErr;
-    }
     const ImageDescription& image = facts_.description;
     const bool all =
         visible.right - visible.left == image.width && visible.bottom - visible.top == image.height;

@@ -52,6 +52,10 @@ struct ImageCodec {
     /// of at most `reduction` (1, 2, 4 or 8), as decode does. Null: only whole images.
     ComponentResult (*decode_part)(DataSource& source, std::uint32_t index, const Rect& part,
                                    std::int32_t reduction, DecodedPart& out) = nullptr;
+    /// Describes the image of that index, from 1, as read_facts does the first. Null: all images of a source
+    /// have one description.
+    ComponentResult (*describe)(DataSource& source, std::uint32_t index,
+                                ImageDescription& description) = nullptr;
 };
 
 inline constexpr std::size_t kSniffedBytes = 1024;

@@ -42,28 +42,40 @@ bool Sniff(std::span<const std::byte> head) {
     });
 }
 
-/// The layout of an image whose samples begin within the data.
-ComponentResult ReadStoredLayout(TIFF* tiff, const DataSource& source, TiffLayout& layout) {
+/// Goes to the image of that index, from 1, and reads its layout when its samples begin within the data.
+ComponentResult ReadStoredLayout(TIFF* tiff, const DataSource& source, std::uint32_t index,
+                                 TiffLayout& layout) {
+    if (index == 0) return paramErr;
+    if (index > 1 && g_tiff->SetDirectory(tiff, index - 1) == 0) return paramErr;
     if (const auto code = ReadTiffLayout(tiff, layout); code != noErr) return code;
     return g_tiff->GetStrileOffset(tiff, 0) < source.GetSize() ? ComponentResult{noErr} : codecBadDataErr;
 }
 
-ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
-    const TiffFile file(source);
-    TIFF* tiff = file.Get();
+ComponentResult DescribeIn(TIFF* tiff, const DataSource& source, std::uint32_t index,
+                           ImageDescription& description) {
     if (tiff == nullptr) return codecBadDataErr;
     TiffLayout layout;
-    if (const auto code = ReadStoredLayout(tiff, source, layout); code != noErr) return code;
-    ImageDescription& description = facts.description;
+    if (const auto code = ReadStoredLayout(tiff, source, index, layout); code != noErr) return code;
     description.cType = Code("tiff");
     description.name = Name("TIFF");
     description.spatialQuality = QualityOf(layout.compression);
     description.depth = DepthOf(layout);
     description.hRes = ResolutionOf(tiff, TIFFTAG_XRESOLUTION);
     description.vRes = ResolutionOf(tiff, TIFFTAG_YRESOLUTION);
-    facts.image_count = std::max<std::uint32_t>(g_tiff->NumberOfDirectories(tiff), 1);
-    facts.data_size = source.GetSize();
     return SetDimensions(description, layout.width, layout.height);
+}
+
+ComponentResult Describe(DataSource& source, std::uint32_t index, ImageDescription& description) {
+    const TiffFile file(source);
+    return DescribeIn(file.Get(), source, index, description);
+}
+
+ComponentResult ReadFacts(DataSource& source, ImageFacts& facts) {
+    const TiffFile file(source);
+    if (const auto code = DescribeIn(file.Get(), source, 1, facts.description); code != noErr) return code;
+    facts.image_count = std::max<std::uint32_t>(g_tiff->NumberOfDirectories(file.Get()), 1);
+    facts.data_size = source.GetSize();
+    return noErr;
 }
 
 ComponentResult Decode(DataSource& source, std::uint32_t index, PixelImage& image) {
@@ -72,11 +84,9 @@ ComponentResult Decode(DataSource& source, std::uint32_t index, PixelImage& imag
     const TiffFile file(source);
     TIFF* tiff = file.Get();
     if (tiff == nullptr) return codecBadDataErr;
-    if (index == 0) return paramErr;
-    if (index > 1 && g_tiff->SetDirectory(tiff, index - 1) == 0) return paramErr;
     TiffLayout layout;
     ImageDescription description;
-    if (const auto code = ReadStoredLayout(tiff, source, layout); code != noErr) return code;
+    if (const auto code = ReadStoredLayout(tiff, source, index, layout); code != noErr) return code;
     if (const auto code = SetDimensions(description, layout.width, layout.height); code != noErr) return code;
     const std::uint32_t pixels_per_byte =
         layout.compression == COMPRESSION_NONE ? kMostPixelsOfPlainByte : kMostPixelsOfPackedByte;
@@ -138,6 +148,6 @@ ComponentResult ReadMetadata(DataSource& source, std::vector<MetadataItem>& item
 
 } // namespace
 
-const ImageCodec kTiffCodec = {kTypes, Sniff, ReadFacts, true, Decode, ReadMetadata};
+const ImageCodec kTiffCodec = {kTypes, Sniff, ReadFacts, true, Decode, ReadMetadata, nullptr, Describe};
 
 } // namespace qt
