@@ -4,9 +4,9 @@
 
 namespace qt {
 
-/// The transcode operation of the JPEG exporter: the data as it is, or, where another resolution or order of
-/// scans is asked for, its coefficients written anew with all markers, which loses nothing either. Refuses
-/// another depth, and a target size that the data exceeds.
+/// The transcode operation of the JPEG exporter: the data as it is but for the resolution that its headers
+/// state, or, where another order of scans is asked for, its coefficients written anew with all markers,
+/// which loses nothing either. Refuses another depth, and a target size that the data exceeds.
 bool TranscodeJpeg(DataSource& source, const ImageDescription& description, const ExportSettings& settings,
                    EncodedBytes& out);
 

@@ -1,5 +1,7 @@
 #include "platform/quicktime/image_exporters/jpeg_writer.h"
 
+#include "platform/quicktime/image_exporters/resolution.h"
+
 #include <algorithm>
 #include <new>
 
@@ -59,16 +61,17 @@ void BeginJpeg(JpegWriter& writer) {
     writer.compress.dest = &writer.output;
 }
 
+UINT16 JpegDots(std::uint32_t resolution) {
+    return static_cast<UINT16>(
+        std::clamp((std::uint64_t{resolution} + 0x8000) >> 16, std::uint64_t{1}, std::uint64_t{0xFFFF}));
+}
+
 void SetJpegResolution(jpeg_compress_struct& compress, const ExportSettings& settings) {
     constexpr UINT8 kDotsPerInch = 1;
     if (!settings.horizontal_resolution) return;
-    const auto dots = [](Fixed value) {
-        return static_cast<UINT16>(
-            std::clamp((std::int64_t{value} + 0x8000) >> 16, std::int64_t{1}, std::int64_t{0xFFFF}));
-    };
     compress.density_unit = kDotsPerInch;
-    compress.X_density = dots(*settings.horizontal_resolution);
-    compress.Y_density = dots(settings.vertical_resolution.value_or(*settings.horizontal_resolution));
+    compress.X_density = JpegDots(ResolutionOf(settings).horizontal);
+    compress.Y_density = JpegDots(ResolutionOf(settings).vertical);
 }
 
 } // namespace qt

@@ -27,6 +27,9 @@ void PrepareJpeg(JpegWriter& writer, EncodedBytes& out);
 /// Makes the compressor. Jumps to `failed` on errors, for want of memory as well.
 void BeginJpeg(JpegWriter& writer);
 
+/// Dots per inch, of 16.16 fixed point, as a JFIF header counts them.
+UINT16 JpegDots(std::uint32_t resolution);
+
 /// States a resolution in dots per inch, when there is one. For after the compressor's defaults are set.
 void SetJpegResolution(jpeg_compress_struct& compress, const ExportSettings& settings);
 

@@ -212,4 +212,55 @@ TEST(JpegExporter, PassesCompressedDataOn) {
     EXPECT_EQ(out, Bytes());
 }
 
+/// An EXIF block, low byte first, that states 72 dots per inch, or a ratio of no unit.
+std::string Exif(char unit) {
+    using namespace std::string_literals;
+    const std::string block = "Exif\0\0II*\0\x08\0\0\0\3\0"s + "\x1A\1\5\0\1\0\0\0\x32\0\0\0"s +
+                              "\x1B\1\5\0\1\0\0\0\x3A\0\0\0"s + "\x28\1\3\0\1\0\0\0"s + unit + "\0\0\0"s +
+                              "\0\0\0\0"s;
+    const std::string value = "\xD0\2\0\0\x0A\0\0\0"s; // 720 / 10
+    return block + value + value;
+}
+
+TEST(JpegExporter, StatesAnotherResolutionInTheDataAsItIs) {
+    using namespace std::string_literals;
+    constexpr std::ptrdiff_t kJfif = 18;
+    const MadeImages images;
+    const Bytes plain = images.MakeBytes("-size 60x40 plasma: -interlace JPEG -density 72", "a.jpg");
+    Bytes bare = plain;
+    bare.erase(bare.begin() + 2, bare.begin() + 2 + kJfif);
+    const auto restated = [](const Bytes& jpeg) {
+        Bytes out;
+        EXPECT_TRUE(
+            qt::kJpegExporter.transcode(*qt::MemorySource(std::span(jpeg)), {}, AtResolution(300, 150), out));
+        EXPECT_EQ(ResolutionOf(qt::kJpegCodec, out), std::pair(300, 150));
+        return out;
+    };
+    const std::string there = Exif('\2').substr(0, 56) + "\x2C\1\0\0\1\0\0\0\x96\0\0\0\1\0\0\0"s;
+    for (const char unit : {'\1', '\2', '\3'}) {
+        EXPECT_EQ(restated(WithSegment(bare, 0xE1, Exif(unit))), WithSegment(bare, 0xE1, there));
+        EXPECT_EQ(restated(WithSegment(plain, 0xE1, Exif(unit))), WithSegment(restated(plain), 0xE1, there));
+    }
+    const auto resource = [](const std::string& horizontal, const std::string& vertical) {
+        const std::string units = "\0\0\0\1\0\1"s;
+        return "Photoshop 3.0\0008BIM\3\xED\0\0\0\0\0\x10"s + horizontal + units + vertical + units;
+    };
+    const Bytes added = restated(WithSegment(bare, 0xED, resource("\0\x48"s, "\0\x48"s)));
+    const Bytes expected = WithSegment(bare, 0xED, resource("\1\x2C"s, "\0\x96"s));
+    EXPECT_EQ(added, WithSegment(expected, 0xE0, "JFIF\0\1\1\1\1\x2C\0\x96\0\0"s));
+
+    Bytes out;
+    const Bytes exif_first = WithSegment(plain, 0xE1, Exif('\2'));
+    qt::ExportSettings sequential;
+    sequential.compression_method = 0;
+    ASSERT_TRUE(qt::kJpegExporter.transcode(*qt::MemorySource(std::span(exif_first)), {}, sequential, out));
+    EXPECT_EQ(Prefix(out, 90), Prefix(exif_first, 90)) << "readers look for EXIF in front";
+    EXPECT_NE(out, exif_first);
+    out.clear();
+    const Bytes rgb = WithSegment(bare, 0xEE, "Adobe\0\x64\0\0\0\0\0"s);
+    EXPECT_FALSE(
+        qt::kJpegExporter.transcode(*qt::MemorySource(std::span(rgb)), {}, AtResolution(300, 150), out))
+        << "the header would make other colours of it";
+}
+
 } // namespace
