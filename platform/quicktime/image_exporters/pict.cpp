@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 
 namespace qt {
 namespace {
@@ -23,6 +24,8 @@ constexpr std::int32_t kLargestRow =
     0x3FF0;                               ///< bytes of a pixel map's row, of which the format takes 14 bits
 constexpr std::size_t kShortRow = 8;      ///< bytes below which rows are not packed
 constexpr std::size_t kByteCounted = 250; ///< bytes of the longest row whose packed size is one byte
+/// Pixels below which some readers take rows of three components for unpacked ones.
+constexpr std::int32_t kLeastOpaque = 3;
 
 /// A part of the image: pixel maps can't be as wide as pictures.
 struct Strip {
@@ -160,6 +163,8 @@ void ForEachStrip(std::int32_t width, std::int32_t height, unsigned pixel_size, 
     for (std::int32_t left = 0; left < width;) {
         std::int32_t strip_width = std::min(widest, width - left);
         if (IsMisread(bytes_of(strip_width), pixel_size)) strip_width /= 2;
+        const std::int32_t left_over = width - left - strip_width;
+        if (left_over > 0 && left_over < kLeastOpaque) strip_width -= kLeastOpaque;
         append(Strip{left, strip_width, height, bytes_of(strip_width)});
         left += strip_width;
     }
@@ -201,10 +206,20 @@ void AppendPackedRows(PictWriter& writer, const PixelImage& image, const Strip& 
     }
 }
 
+/// The image with its last column repeated to the least width. The frame clips what is too much.
+PixelImage Widened(const PixelImage& image) {
+    PixelImage wide;
+    if (wide.Allocate(kLeastOpaque, image.height()) != noErr) throw std::bad_alloc();
+    for (std::int32_t y = 0; y < image.height(); ++y) {
+        const std::uint32_t* row = image.Row(y);
+        for (std::int32_t x = 0; x < kLeastOpaque; ++x) wide.Row(y)[x] = row[std::min(x, image.width() - 1)];
+    }
+    return wide;
+}
+
 void AppendDirect(PictWriter& writer, const PixelImage& image) {
-    constexpr std::int32_t kNarrow = 2; // pixels that some readers only find whole
-    const bool has_four = image.has_alpha || image.width() <= kNarrow;
-    const Format format = {true, 32, has_four ? 4U : 3U, 8, 4};
+    if (!image.has_alpha && image.width() < kLeastOpaque) return AppendDirect(writer, Widened(image));
+    const Format format = {true, 32, image.has_alpha ? 4U : 3U, 8, 4};
     writer.Reserve(PackedBound(format.components * static_cast<std::size_t>(image.width())) *
                    static_cast<std::size_t>(image.height()));
     ForEachStrip(image.width(), image.height(), format.pixel_size, [&](const Strip& strip) {

@@ -181,12 +181,14 @@ std::string OfWidth(int width) {
 
 TEST(PictExporter, WritesEveryWidthExactly) {
     const MadeImages images;
-    for (const int width : {1, 2, 3, 8, 51, 62, 66, 83, 126, 225, 251, 4100}) {
+    for (const int width : {1, 2, 3, 8, 51, 62, 66, 83, 126, 225, 251, 4093}) {
         for (const char* alpha : {"", kSeenThrough}) {
             if (*alpha != '\0' && width > 100) continue; // it takes the tool seconds
             SCOPED_TRACE(std::to_string(width) + alpha);
             const auto image = MadeImage(images, OfWidth(width) + alpha);
-            EXPECT_EQ(Difference(ReadByBoth(images, Written(kPict, image)), RgbaOf(image)), 0);
+            const Bytes written = Written(kPict, image);
+            EXPECT_EQ(Difference(ReadByBoth(images, written), RgbaOf(image)), 0);
+            EXPECT_EQ(FactsOf(qt::kPictCodec, written).description.depth, *alpha != '\0' ? 32 : 24);
         }
     }
 }
