@@ -13,16 +13,19 @@ constexpr std::size_t kPixelBytes = 3;
 constexpr std::size_t kMargin = 16; ///< around rows, so that pixels move as whole words
 constexpr std::int32_t kLeastWidth = 64;
 
-/// The contents of the data chunks, one behind the other; empty when they break off.
-std::vector<std::byte> ReadChunks(DataSource& source, std::uint64_t chunk) {
+/// The contents of the data chunks, one behind the other; empty when they break off or have more bytes than
+/// `most`.
+std::vector<std::byte> ReadChunks(DataSource& source, std::uint64_t chunk, std::size_t most) {
     constexpr std::uint64_t kFrame = 12; // length and type in front of a chunk's data, checksum behind
     std::vector<std::byte> data;
-    data.reserve(static_cast<std::size_t>(source.GetSize() - std::min(chunk, source.GetSize())));
+    const std::uint64_t left = source.GetSize() - std::min(chunk, source.GetSize());
+    most = static_cast<std::size_t>(std::min<std::uint64_t>(left, most));
+    data.reserve(most);
     std::array<std::byte, 8> header;
     while (source.Read(chunk, header) == header.size() && BigEndian32(&header[4]) == Code("IDAT")) {
         const std::uint32_t size = BigEndian32(header.data());
         const std::size_t at = data.size();
-        if (size > source.GetSize() - at) return {};
+        if (size > most - at) return {};
         data.resize(at + size);
         if (source.Read(chunk + header.size(), std::span(data).subspan(at)) != size) return {};
         chunk += kFrame + size;
@@ -117,12 +120,14 @@ struct FreeDecompressor {
 };
 
 bool Decode(DataSource& source, std::uint64_t first_chunk, PixelImage& image) {
-    const std::vector<std::byte> data = ReadChunks(source, first_chunk);
+    const auto height = static_cast<std::size_t>(image.height());
+    const std::size_t size = (static_cast<std::size_t>(image.width()) * kPixelBytes + 1) * height;
+    // Rows that do not get smaller take little more than their size. A file can hold any number of bytes
+    // more, in a hole of the disk, say.
+    const std::vector<std::byte> data = ReadChunks(source, first_chunk, 2 * size);
     const std::unique_ptr<libdeflate_decompressor, FreeDecompressor> inflater(
         libdeflate_alloc_decompressor());
     if (data.empty() || inflater == nullptr) return false;
-    const auto height = static_cast<std::size_t>(image.height());
-    const std::size_t size = (static_cast<std::size_t>(image.width()) * kPixelBytes + 1) * height;
     std::byte* const inflated = image.Bytes() + image.stride() * height - size - kMargin;
     // Without a place for the size, anything but exactly that many bytes is an error.
     const auto result =

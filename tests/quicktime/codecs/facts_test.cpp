@@ -88,6 +88,19 @@ Bytes PngChunk(const char (&type)[5], const Bytes& data) {
     return writer.Take();
 }
 
+TEST(PngPixels, AreNotReadFurtherThanTheyReach) {
+    const MadeImages images;
+    const Bytes plain = images.MakeBytes("-size 64x48 plasma: -define png:exclude-chunk=all", "png24:a.png");
+    Bytes padded = plain;
+    const Bytes filler = PngChunk("IDAT", Bytes(1 << 20));
+    padded.insert(padded.end() - 12, filler.begin(), filler.end()); // in front of the end's chunk
+    CountingSource source(padded);
+    qt::PixelImage image;
+    ASSERT_EQ(qt::kPngCodec.decode(source, 1, image), noErr);
+    EXPECT_LT(source.read, 100'000U);
+    EXPECT_EQ(RgbaOf(image), RgbaOf(DecodeWhole(qt::kPngCodec, plain)));
+}
+
 TEST(ImageFacts, JpegTakesTheResolutionOfExifWhenThereIsNoOther) {
     using namespace std::string_view_literals;
     const MadeImages images;
