@@ -13,7 +13,6 @@
 namespace corvane {
 namespace {
 
-constexpr OSType kCreator = qt::Code("TVOD");
 constexpr std::string_view kNameEnd = "_ref.mov";
 
 std::int32_t WriteReferenceMovie(Movie source, const XFileSpec& file) {
@@ -21,7 +20,7 @@ std::int32_t WriteReferenceMovie(Movie source, const XFileSpec& file) {
     if (const std::int32_t code = DataReferenceOf(file, reference); code != 0) return code;
     DataHandler storage = nullptr;
     Movie created = nullptr;
-    const OSErr code = CreateMovieStorage(reference.handle.get(), reference.type, kCreator, 0,
+    const OSErr code = CreateMovieStorage(reference.handle.get(), reference.type, kMoviePlayer, 0,
                                           createMovieFileDontCreateResFile, &storage, &created);
     const qt::OwnedStorage owned_storage(storage);
     const qt::OwnedMovie movie(created);

@@ -16,7 +16,6 @@ namespace {
 
 constexpr std::int32_t kUnset = -1;
 constexpr std::int32_t kPackBitsMethod = 32773;
-constexpr std::size_t kPictureHeaderSize = 512;
 
 ConversionSettings ReadSettings(const FM_DataVect& parameters) {
     return {ReadInteger(parameters, 2), ReadNumber(parameters, 3),  ReadNumber(parameters, 4),
@@ -85,7 +84,7 @@ void SetResult(const Encoded& encoded, FM_Data& result) {
     const bool is_picture = encoded.type == FourCC("PICT") || encoded.type == FourCC("pict");
     const BinaryData container(Host(FM_BinaryData_Constructor1));
     const std::span<const std::byte> bytes = qt::HandleBytes(encoded.data.get());
-    const std::size_t skipped = is_picture ? std::min(kPictureHeaderSize, bytes.size()) : 0;
+    const std::size_t skipped = is_picture ? std::min<std::size_t>(kPictureHeaderSize, bytes.size()) : 0;
     AddStream(container.get(), encoded.type, bytes.subspan(skipped));
     if (shown) {
         AddSizeStream(container.get(), encoded.source.right - encoded.source.left,

@@ -12,7 +12,6 @@ namespace corvane {
 namespace {
 
 constexpr std::uint32_t kPictureType = FourCC("PICT");
-constexpr std::size_t kPictureHeaderSize = 512;
 constexpr std::array<std::byte, 4> kPrefix = {std::byte{'P'}, std::byte{'I'}, std::byte{'C'}, std::byte{'T'}};
 
 } // namespace

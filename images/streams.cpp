@@ -16,7 +16,6 @@ namespace {
 constexpr std::uint32_t kWrapperType = FourCC("CVIM");
 constexpr std::uint32_t kPictureType = FourCC("PICT");
 constexpr std::uint32_t kJpegType = FourCC("JPEG");
-constexpr std::uint32_t kPictureHeaderSize = 512;
 constexpr std::uint32_t kWrapperPrefixSize = 4; ///< the type code of what is wrapped, high byte first
 
 struct TypeExtension {

@@ -13,6 +13,9 @@ namespace corvane {
 /// Answer of GetMainImageType for a parameter that names a file instead of holding an image.
 inline constexpr std::uint32_t kReferenceType = FourCC("ref ");
 
+/// Bytes in front of the picture in a picture file, which streams of pictures lack.
+inline constexpr std::uint32_t kPictureHeaderSize = 512;
+
 /// The type code of a text parameter: four bytes, of which a "|" and anything may follow; 0 for the empty
 /// text, which leaves the choice to the source. Nothing when it is none and that is reported.
 std::optional<std::uint32_t> ParseImageTypeCode(const FM_Data* parameter);

@@ -15,7 +15,6 @@
 namespace corvane {
 namespace {
 
-constexpr OSType kCreator = qt::Code("TVOD");
 constexpr std::int32_t kNoSuchTrack = -2030;
 constexpr std::string_view kFailed = "Could not amplify sound.";
 
@@ -71,7 +70,7 @@ std::int32_t MakeAmplifiedMovie(Movie source, float factor, float limit, const X
     DataHandler handler = nullptr;
     Movie movie = nullptr;
     OSErr code =
-        CreateMovieStorage(reference.handle.get(), reference.type, kCreator, -1,
+        CreateMovieStorage(reference.handle.get(), reference.type, kMoviePlayer, -1,
                            createMovieFileDeleteCurFile | createMovieFileDontCreateResFile, &handler, &movie);
     const qt::OwnedStorage storage(handler);
     amplified.reset(movie);

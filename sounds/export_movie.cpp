@@ -7,8 +7,6 @@
 namespace corvane {
 namespace {
 
-constexpr OSType kCreator = qt::Code("TVOD");
-
 OSErr ShowProgress(Movie, double done, void* display) {
     static_cast<win32::ProgressDisplay*>(display)->Show(done);
     return noErr;
@@ -24,7 +22,7 @@ std::int32_t ExportMovie(MovieExportComponent exporter, Movie movie, const XFile
     win32::ProgressDisplay display("Exporting sound");
     MovieExportSetProgressProc(exporter, ShowProgress, &display);
     const OSErr code = ConvertMovieToDataRef(movie, nullptr, reference.handle.get(), reference.type,
-                                             file_type, kCreator, createMovieFileDeleteCurFile, exporter);
+                                             file_type, kMoviePlayer, createMovieFileDeleteCurFile, exporter);
     MovieExportSetProgressProc(exporter, nullptr, nullptr);
     return code;
 }

@@ -18,7 +18,6 @@
 namespace corvane {
 namespace {
 
-constexpr OSType kCreator = qt::Code("TVOD");
 constexpr OSType kSound = qt::Code("soun");
 constexpr std::int64_t kBlockFrames = 44100;
 constexpr std::string_view kFailed = "Could not mix sounds.";
@@ -60,8 +59,8 @@ std::int32_t MakeEmptySoundMovie(const XFileSpec& file, TimeScale scale, qt::Own
         return GetMoviesError();
     qt::DataReference reference;
     if (const std::int32_t code = DataReferenceOf(file, reference); code != 0) return code;
-    movie.reset(FlattenMovieDataToDataRef(empty.get(), 0, reference.handle.get(), reference.type, kCreator,
-                                          -1, createMovieFileDeleteCurFile));
+    movie.reset(FlattenMovieDataToDataRef(empty.get(), 0, reference.handle.get(), reference.type,
+                                          kMoviePlayer, -1, createMovieFileDeleteCurFile));
     return movie != nullptr ? noErr : GetMoviesError();
 }
 

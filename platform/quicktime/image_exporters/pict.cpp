@@ -2,6 +2,7 @@
 // the same numbers, whatever the resolution: readers that know nothing of resolutions take the frame for the
 // picture's size in pixels.
 #include "platform/quicktime/image_codecs/packbits.h"
+#include "platform/quicktime/image_codecs/pict_format.h"
 #include "platform/quicktime/image_exporters/big_endian.h"
 #include "platform/quicktime/image_exporters/index_rows.h"
 #include "platform/quicktime/image_exporters/opaque_rows.h"
@@ -18,7 +19,6 @@ namespace {
 
 constexpr std::array<OSType, 4> kTypes = {Code("PICT"), Code("pict"), Code("QDRW"), Code("qdrw")};
 constexpr std::array<std::int32_t, 11> kDepths = {24, 1, 2, 4, 8, 16, 32, 33, 34, 36, 40};
-constexpr std::size_t kFileHeader = 512;
 constexpr std::int32_t kLargestSide = 32'767;
 constexpr std::int32_t kLargestRow =
     0x3FF0;                               ///< bytes of a pixel map's row, of which the format takes 14 bits
@@ -49,7 +49,7 @@ public:
         : out_(out), resolution_(ResolutionOf(settings)) {}
 
     void Begin(std::int32_t width, std::int32_t height) {
-        out_.resize(out_.size() + kFileHeader);
+        out_.resize(out_.size() + kPictFileHeader);
         picture_at_ = out_.size();
         Append16(out_, 0); // its size, once it is known
         AppendBounds(0, width, height);

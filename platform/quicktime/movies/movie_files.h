@@ -18,6 +18,9 @@ inline constexpr OSErr badFileFormat = -208;
 inline constexpr OSErr noSoundTrackInMovieErr = -2055;
 inline constexpr OSErr couldNotResolveDataRef = -2000;
 
+/// The creator of files that the movie player opens.
+inline constexpr OSType kMoviePlayer = qt::Code("TVOD");
+
 inline constexpr std::uint32_t createMovieFileDeleteCurFile = 0x8000'0000;
 inline constexpr std::uint32_t createMovieFileDontCreateResFile = 0x1000'0000;
 

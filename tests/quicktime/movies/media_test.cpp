@@ -57,7 +57,7 @@ TEST_F(MediaSamples, AMovieFileKeepsWhatIsAddedAndOthersReadIt) {
     const qt::DataReference reference = Reference("made.mov");
     DataHandler handler = nullptr;
     Movie made = nullptr;
-    ASSERT_EQ(CreateMovieStorage(reference.handle.get(), reference.type, qt::Code("TVOD"), -1,
+    ASSERT_EQ(CreateMovieStorage(reference.handle.get(), reference.type, kMoviePlayer, -1,
                                  createMovieFileDeleteCurFile | createMovieFileDontCreateResFile, &handler,
                                  &made),
               noErr);

@@ -17,7 +17,7 @@ protected:
         const qt::DataReference reference = Reference(name);
         DataHandler handler = nullptr;
         Movie made = nullptr;
-        ASSERT_EQ(CreateMovieStorage(reference.handle.get(), reference.type, qt::Code("TVOD"), -1,
+        ASSERT_EQ(CreateMovieStorage(reference.handle.get(), reference.type, kMoviePlayer, -1,
                                      createMovieFileDeleteCurFile, &handler, &made),
                   noErr);
         const qt::OwnedStorage storage(handler);
