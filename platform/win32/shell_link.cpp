@@ -208,7 +208,8 @@ std::u16string TargetOf(const Reader& info) {
 DWORD Save(const std::string& bytes, std::u16string_view path) {
     const UnixPath item = ToUnixPath(path);
     if (!item.exists && (item.error != ERROR_FILE_NOT_FOUND || item.path.empty())) return item.error;
-    if (item.exists && !S_ISREG(item.status.st_mode)) return ERROR_ACCESS_DENIED;
+    const bool is_read_only = (item.status.st_mode & S_IWUSR) == 0; // root could write that, too
+    if (item.exists && (!S_ISREG(item.status.st_mode) || is_read_only)) return ERROR_ACCESS_DENIED;
     if (item.exists && access(item.path.c_str(), W_OK) != 0) return FromErrno(errno);
     // A link that is there stays until the new one is complete.
     const std::string unfinished = item.path.substr(0, item.path.rfind('/') + 1) + UnfinishedName();

@@ -20,8 +20,8 @@ std::string EncodeShellLink(const ShellLink& link);
 /// What a shortcut file of any origin leads to; nullopt for bytes that are none, or name no path.
 std::optional<ShellLink> DecodeShellLink(std::string_view bytes);
 
-/// Writes a shortcut file at a native path, in place of a file that is there. 0, or the negative number of
-/// the failure.
+/// Writes a shortcut file at a native path, in place of a file that is there and not read-only. 0, or the
+/// negative number of the failure.
 HRESULT SaveShellLink(const ShellLink& link, std::u16string_view path);
 
 } // namespace win32

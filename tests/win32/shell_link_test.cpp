@@ -76,6 +76,8 @@ TEST_F(ShellLinks, SavingReplacesFilesOnly) {
         return static_cast<std::uint32_t>(win32::SaveShellLink({u"C:\\a", u""}, path));
     };
     EXPECT_EQ(save(u"C:\\folder.lnk"), kFailure | ERROR_ACCESS_DENIED);
+    std::filesystem::permissions(c + "/old.lnk", std::filesystem::perms::owner_read);
+    EXPECT_EQ(save(u"C:\\old.lnk"), kFailure | ERROR_ACCESS_DENIED);
     EXPECT_EQ(save(u"C:\\gone\\a.lnk"), kFailure | ERROR_PATH_NOT_FOUND);
     EXPECT_EQ(save(u"C:\\a?.lnk"), kFailure | ERROR_INVALID_NAME);
 }
