@@ -53,6 +53,7 @@ public:
         DWORD error = Enter(std::move(source), status, to);
         while (error == ERROR_SUCCESS && !levels_.empty())
             error = levels_.back().folders.empty() ? Finish() : Descend();
+        while (!levels_.empty()) Finish(); // those of a copy that failed are to have their modes, too
         return error;
     }
 
@@ -125,11 +126,12 @@ private:
 
     // Mode and times come last, as every new entry changes the times and the mode may forbid new entries.
     DWORD Finish() {
-        int error = CopyMetadata(sources_.folder(), targets_.folder(), levels_.back().status);
-        if (error == 0) error = sources_.Leave();
-        if (error == 0) error = targets_.Leave();
+        const int copied = CopyMetadata(sources_.folder(), targets_.folder(), levels_.back().status);
         levels_.pop_back();
-        return FromErrno(error);
+        int left = sources_.Leave();
+        if (left == 0) left = targets_.Leave();
+        if (left != 0) levels_.clear(); // there is no way back
+        return FromErrno(copied != 0 ? copied : left);
     }
 
     FolderChain sources_;

@@ -169,10 +169,14 @@ TEST_F(ShellOperations, RootsStayWhereTheyAre) {
 
 TEST_F(ShellOperations, SpecialFilesAreNeverOpened) {
     ASSERT_EQ(mkfifo(drives.Path("c/fifo").c_str(), 0600), 0); // opening it would wait for a writer
-    drives.MakeFile("c/tree/file", "1");
-    ASSERT_EQ(mkfifo((c + "/tree/fifo").c_str(), 0600), 0);
+    drives.MakeFile("c/tree/sub/file", "1");
+    ASSERT_EQ(mkfifo((c + "/tree/sub/fifo").c_str(), 0600), 0);
+    chmod((c + "/tree").c_str(), 0751);
+    chmod((c + "/tree/sub").c_str(), 0555);
     EXPECT_EQ(Shell(FO_COPY, u"C:\\fifo", u"C:\\copy"), ERROR_NOT_SUPPORTED);
     EXPECT_EQ(Shell(FO_COPY, u"C:\\tree", u"C:\\copy"), ERROR_NOT_SUPPORTED);
+    for (const char* folder : {"", "/sub"}) // a copy that is left incomplete can be used like its source
+        EXPECT_EQ(StatusOf(c + "/copy" + folder).st_mode, StatusOf(c + "/tree" + folder).st_mode) << folder;
     EXPECT_EQ(Shell(FO_MOVE, u"C:\\fifo", u"C:\\moved"), 0U);
     EXPECT_TRUE(fs::is_fifo(c + "/moved"));
     EXPECT_EQ(Shell(FO_DELETE, u"C:\\tree"), 0U);
