@@ -159,17 +159,13 @@ bool LiesInside(int folder, const struct stat& ancestor) {
 
 DWORD CopyTree(EntryAt from, EntryAt to) {
     Descriptor source = OpenFolder(from.folder, from.name);
-    if (!source && errno != ENOTDIR && errno != ELOOP) return ReadError(errno);
+    if (!source) return errno == ENOTDIR || errno == ELOOP ? CopyFileTo(from, to) : ReadError(errno);
     struct stat status {};
     struct stat target {};
-    // A link leads to something: it must not take the place of that.
-    const bool leads_somewhere =
-        (source ? fstat(source.get(), &status) : fstatat(from.folder, from.name, &status, 0)) == 0;
-    if (source && !leads_somewhere) return FromErrno(errno);
-    if (leads_somewhere && fstatat(to.folder, to.name, &target, AT_SYMLINK_NOFOLLOW) == 0 &&
-        target.st_dev == status.st_dev && target.st_ino == status.st_ino)
+    if (fstat(source.get(), &status) != 0) return FromErrno(errno);
+    if (fstatat(to.folder, to.name, &target, AT_SYMLINK_NOFOLLOW) == 0 && target.st_dev == status.st_dev &&
+        target.st_ino == status.st_ino)
         return DE_SAMEFILE;
-    if (!source) return CopyFileTo(from, to);
     if (LiesInside(to.folder, status)) return DE_DESTSUBTREE;
     return TreeCopier().Run(std::move(source), status, to);
 }

@@ -10,8 +10,11 @@
 #include "platform/win32/unix_names.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <string>
 #include <string_view>
@@ -100,6 +103,10 @@ DWORD Move(const Place& from, const Place& to) {
     if (to.exists) {
         if (S_ISDIR(to.status.st_mode) != is_folder) return StandsThere(to);
         if (is_folder) return MoveByCopy(from, to);
+        struct stat led_to {}; // by a link, which must not take the place of that
+        if (S_ISLNK(from.status.st_mode) && stat(from.path.c_str(), &led_to) == 0 &&
+            AreSame(led_to, to.status))
+            return DE_SAMEFILE;
         // Two names of one file: a rename would leave both.
         if (AreSame(from.status, to.status)) return DeleteTree(from.folder.get(), from.name.c_str());
     }
@@ -110,6 +117,17 @@ DWORD Move(const Place& from, const Place& to) {
     if (error == ERROR_SUCCESS && to.name != to.spelling)
         renameat2(to.folder.get(), to.name.c_str(), to.folder.get(), to.spelling.c_str(), RENAME_NOREPLACE);
     return error;
+}
+
+// A link that is named stands for what it leads to, as where it is read: in another folder a relative one
+// would lead elsewhere. Only one that leads nowhere is copied itself.
+DWORD Copy(const Place& from, const Place& to) {
+    if (!S_ISLNK(from.status.st_mode)) return CopyTree(from.entry(), to.entry());
+    if (AreOneEntry(from, to)) return DE_SAMEFILE;
+    std::array<char, PATH_MAX> resolved;
+    if (realpath(from.path.c_str(), resolved.data()) != nullptr)
+        return CopyTree({AT_FDCWD, resolved.data()}, to.entry());
+    return errno == ENOENT || errno == ELOOP ? CopyTree(from.entry(), to.entry()) : FromErrno(errno);
 }
 
 DWORD Rename(const Place& from, const Place& to) {
@@ -173,7 +191,7 @@ DWORD Perform(std::u16string_view source, const SHFILEOPSTRUCTW& operation) {
     const Place to = TargetOf(from, native_target, operation.fFlags);
     if (to.error != ERROR_SUCCESS) return to.error;
     if (to.exists && (operation.fFlags & FOF_NOCONFIRMATION) == 0) return StandsThere(to);
-    return operation.wFunc == FO_MOVE ? Move(from, to) : CopyTree(from.entry(), to.entry());
+    return operation.wFunc == FO_MOVE ? Move(from, to) : Copy(from, to);
 }
 
 } // namespace

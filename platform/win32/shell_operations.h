@@ -38,7 +38,8 @@ struct SHFILEOPSTRUCTW {
 /// whatever the flags say: a copy or move that has to ask, for want of FOF_NOCONFIRMATION, stops (0x7E,
 /// 0x80).
 ///
-/// Symbolic links are copied, moved and deleted as links; special files (fifo, socket, device) are moved
+/// Symbolic links are moved and deleted as links. A copy of one that is named is a copy of what it leads to;
+/// those inside a folder are copied as links. Special files (fifo, socket, device) are moved
 /// within their file system and deleted, never opened, and give 50 where they would be copied. Names keep
 /// their case. Stops at the first failure; what is done stays done. 0 or the number of the failure.
 int SHFileOperationW(const SHFILEOPSTRUCTW* operation);

@@ -219,11 +219,27 @@ TEST_F(ShellOperations, RenameReplacesNothing) {
     EXPECT_EQ(Listing(c), "new.txt=1 other=2");
 }
 
-TEST_F(ShellOperations, CopyNeverPutsALinkInThePlaceOfWhatItLeadsTo) {
+TEST_F(ShellOperations, CopyFollowsTheLinkThatIsNamed) {
     drives.MakeFile("c/file", "1");
     drives.MakeFile("c/tree/last", "22");
     fs::create_symlink("file", c + "/link");
-    EXPECT_EQ(Shell(FO_COPY, u"C:\\link", u"C:\\file"), DE_SAMEFILE);
+    fs::create_symlink("last", c + "/tree/inside");
+    fs::create_symlink("tree", c + "/way");
+    fs::create_symlink("nowhere", c + "/dangling");
+    drives.MakeFolder("c/target");
+    for (const auto* link : {u"C:\\link", u"C:\\way", u"C:\\dangling"})
+        EXPECT_EQ(Shell(FO_COPY, link, u"C:\\target"), 0U);
+    EXPECT_EQ(Shell(FO_COPY, u"C:\\way", u"C:\\tree\\new"), DE_DESTSUBTREE);
+    EXPECT_EQ(Shell(FO_COPY, u"C:\\link", u"C:\\"), DE_SAMEFILE);
+    EXPECT_EQ(Listing(c + "/target"), "dangling->nowhere link=1 way/inside->last way/last=22");
+}
+
+TEST_F(ShellOperations, NoLinkTakesThePlaceOfWhatItLeadsTo) {
+    drives.MakeFile("c/file", "1");
+    drives.MakeFile("c/tree/last", "22");
+    fs::create_symlink("file", c + "/link");
+    for (const UINT function : {FO_COPY, FO_MOVE})
+        EXPECT_EQ(Shell(function, u"C:\\link", u"C:\\file"), DE_SAMEFILE);
     // A hard link of a listed file is its copy already: the rest follows.
     drives.MakeFolder("c/snapshot/tree");
     fs::create_hard_link(c + "/file", c + "/tree/file");
