@@ -38,11 +38,8 @@ bool IsButtonPressed() {
     return GetAsyncKeyState(VK_LBUTTON) < 0 || GetAsyncKeyState(VK_RBUTTON) < 0;
 }
 
-std::int32_t RecordUntilClick(const XFileSpec& file) {
+std::int32_t RecordUntilClick(const SharedRecorder& recorder) {
     constexpr auto kRound = std::chrono::milliseconds(10);
-    RecordingManager& manager = RecordingManager::Instance();
-    const auto recorder = std::make_shared<SoundRecorder>();
-    if (const std::int32_t code = StartRecorder(file, recorder); code != 0) return code;
     while (!IsButtonPressed() && recorder->GetState() == SoundRecorder::State::kRecording) {
         MediaPool::Instance().Idle(); // this recording's work, and what plays meanwhile goes on
         std::this_thread::sleep_for(kRound);
@@ -50,7 +47,7 @@ std::int32_t RecordUntilClick(const XFileSpec& file) {
     win32::FlushInput(); // the click is not for the next recording
     const bool failed = recorder->GetState() != SoundRecorder::State::kRecording;
     const std::int32_t code = failed ? recorder->GetLastError() : recorder->Stop();
-    manager.Unregister(recorder);
+    RecordingManager::Instance().Unregister(recorder);
     recorder->Dispose();
     return code;
 }
@@ -59,8 +56,8 @@ FM_Error PutRecording(const RecordingTarget& target, FM_Data& result, CVSError& 
     qt::OwnedMovie movie;
     std::int32_t code = OpenMovieFile(*target.file, movie);
     if (code != 0) return error.Fail(code, "Could not open recorded sound.");
-    code =
-        target.temporary ? PutSoundResourceResult(result, movie.get()) : PutMovieResult(result, movie.get());
+    code = target.is_temporary ? PutSoundResourceResult(result, movie.get())
+                               : PutMovieResult(result, movie.get());
     if (code != 0) return error.Fail(code, "Could not set result.");
     error.SetCode(0);
     return kFM_ErrorNone;
@@ -80,15 +77,15 @@ FM_Error Record(const FM_DataVect& parameters, FM_Data& result, CVSError& error)
     if (const FM_Error failed = ReadRecordingTarget(parameters, target, error)) return failed;
     error.SetCode(0);
     if (!target.file) return kFM_ErrorNone;
-    if (!in_background.value) {
-        const std::int32_t code = RecordUntilClick(*target.file);
-        if (code != 0) return error.Fail(code, "Synchronous recording failed.");
-        return PutRecording(target, result, error);
-    }
-    const std::int32_t code = StartRecorder(*target.file, std::make_shared<SoundRecorder>());
-    if (code != 0) return error.Fail(code, "Could not start asynchronous recording.");
-    if (target.temporary) target.temporary->Keep();
-    return kFM_ErrorNone;
+    const auto recorder = std::make_shared<SoundRecorder>();
+    std::int32_t code = StartRecorder(*target.file, recorder);
+    // A file of the caller's stays with what comes into it; a temporary one, when that goes on after this.
+    if (code == 0 && (!target.is_temporary || in_background.value)) target.made.Keep();
+    if (in_background.value)
+        return code == 0 ? kFM_ErrorNone : error.Fail(code, "Could not start asynchronous recording.");
+    if (code == 0) code = RecordUntilClick(recorder);
+    if (code != 0) return error.Fail(code, "Synchronous recording failed.");
+    return PutRecording(target, result, error);
 }
 
 } // namespace

@@ -7,19 +7,16 @@
 #include "plugin/host_data.h"
 #include "plugin/parameters.h"
 
-#include <utility>
-
 namespace corvane {
 namespace {
 
 FM_Error MakeTemporaryTarget(RecordingTarget& target, CVSError& error) {
-    IntermediateFile file;
-    std::int32_t code = file.TakeName(".mov");
+    std::int32_t code = target.made.TakeName(".mov");
     if (code != 0) return error.Fail(code, "Could not get reference to a temporary file.");
-    code = CreateNewFile(*file);
+    target.file = *target.made;
+    target.is_temporary = true;
+    code = CreateNewFile(*target.file);
     if (code != 0 && code != kErrorFileExists) return error.Fail(code, "Could not create temporary file.");
-    target.file = *file;
-    target.temporary = std::move(file);
     return kFM_ErrorNone;
 }
 
@@ -43,6 +40,7 @@ FM_Error ReadPath(const FM_Data& parameter, RecordingTarget& target, CVSError& e
         return error.Fail(kErrorFileExpected, "Recording target must be a file, not directory.");
     if (missing) {
         if (const FM_Error failed = MakeFile(file, error)) return failed;
+        target.made = IntermediateFile(file);
     }
     target.file = file;
     return kFM_ErrorNone;

@@ -14,7 +14,8 @@ namespace corvane {
 /// A file that is there. None where nothing is to be recorded.
 struct RecordingTarget {
     std::optional<XFileSpec> file;
-    std::optional<IntermediateFile> temporary; ///< the owner of `file`, when that is in the temporary folder
+    IntermediateFile made; ///< the same file, when it was not there before: it goes unless it is to be kept
+    bool is_temporary = false; ///< made in the temporary folder
 };
 
 /// Reads the first parameter: a path, or nothing, an empty text or 0 for a file in the temporary folder; any

@@ -168,6 +168,8 @@ TEST_F(Recording, RefusesWhatIsNoTarget) {
     EXPECT_EQ(refused({Text(""), Text("1")}),
               "The required sound hardware is missing. Could not start asynchronous recording.");
     EXPECT_EQ(test::CountEntries(temporary), 0);
+    EXPECT_EQ(StartFile("new.mov"), -200);
+    EXPECT_FALSE(test::IsThere(folder + "/new.mov")) << "no empty file where there was none";
     EXPECT_EQ(Error(kStop), -3155) << "nothing is left of them";
 }
 
