@@ -47,7 +47,8 @@ public:
         settings.ending = ending;
         // A stopped movie fades out at the speed that it had.
         if (settings.playing) speed_ = movie_.rate / static_cast<double>(kNormalRate);
-        SoundOutput::Get().Set(*voice_, settings, rate_ * speed_);
+        settings.rate = rate_ * speed_;
+        SoundOutput::Get().Set(*voice_, settings);
     }
 
     /// Decodes until the voice has no room left for a block, or has `frames` more.

@@ -26,8 +26,8 @@ OSErr SoundOutput::Add(const std::shared_ptr<Voice>& voice) {
     return noErr;
 }
 
-void SoundOutput::Set(Voice& voice, VoiceSettings settings, double rate) {
-    settings.step = std::min(rate / rate_, kLargestStep);
+void SoundOutput::Set(Voice& voice, VoiceSettings settings) {
+    settings.step = std::min(settings.rate / rate_, kLargestStep);
     std::shared_ptr<const RateFilter> filter = FilterFor(settings.step);
     const std::lock_guard lock(lock_);
     voice.Set(settings, std::move(filter));
@@ -35,14 +35,16 @@ void SoundOutput::Set(Voice& voice, VoiceSettings settings, double rate) {
 
 OSErr SoundOutput::Open() {
     if (device_ != nullptr && module_->is_there(device_)) return noErr;
-    if (device_ != nullptr) module_->close(device_); // its voices go on where the next one is
+    if (device_ != nullptr) module_->close(device_);
     device_ = nullptr;
     module_ = SoundDevices();
     if (module_ == nullptr) return noHardwareErr;
     SoundDeviceFormat format = {kWantedRate, kChannels, kBlock};
     device_ = module_->open_output(&format, Mix, this);
+    if (device_ == nullptr) return noHardwareErr;
     rate_ = format.rate;
-    return device_ != nullptr ? noErr : noHardwareErr;
+    for (const auto& voice : voices_) Set(*voice, voice->Settings()); // go on here, at this one's rate
+    return noErr;
 }
 
 void SoundOutput::Close() {

@@ -22,9 +22,7 @@ public:
 
     /// Adds a voice, which starts when its settings say so. noHardwareErr where nothing can be played.
     OSErr Add(const std::shared_ptr<Voice>& voice);
-    /// `rate`: of the sound's frames, times the speed at which they are to play. `settings.step` is made of
-    /// it.
-    void Set(Voice& voice, VoiceSettings settings, double rate);
+    void Set(Voice& voice, VoiceSettings settings);
     /// Ends everything, once what was handed to the device has been heard.
     void Close();
 

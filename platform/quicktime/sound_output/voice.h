@@ -17,7 +17,8 @@ inline constexpr std::size_t kRampFrames = 128;
 struct VoiceSettings {
     float left = 1; ///< gains
     float right = 1;
-    double step = 1; ///< frames of the sound for one of the device
+    double rate = 0; ///< frames of the sound a second, at the speed at which they are to play
+    double step = 1; ///< of them for one frame of the device; the output makes it of the rate
     bool playing = false;
     bool ending = false; ///< fades out and finishes, however much is queued
 };
@@ -40,6 +41,8 @@ public:
     /// Takes effect with the next frames that are mixed, in ramps of kRampFrames. `filter` belongs to the
     /// step.
     void Set(const VoiceSettings& settings, std::shared_ptr<const RateFilter> filter);
+    /// The latest; for the thread that sets them.
+    [[nodiscard]] const VoiceSettings& Settings() const { return settings_; }
 
     /// Adds the next frames to the mix.
     void Mix(std::span<StereoFrame> mix);
