@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <string_view>
 
 namespace qt {
 namespace {
@@ -93,6 +94,10 @@ public:
         format_.reset(format);
         format->pb = writer_.Context();
         format->flags |= AVFMT_FLAG_CUSTOM_IO | AVFMT_FLAG_BITEXACT; // no names of programs in the file
+        // Headers of movies have dates; files of other kinds would get a tag.
+        const std::string_view container = settings.container;
+        if (container == "ipod" || container == "mov")
+            av_dict_set(&format->metadata, "creation_time", "now", 0);
         stream_ = avformat_new_stream(format, nullptr);
         if (stream_ == nullptr || !OpenEncoder(settings) || !MakeFrame()) return false;
         stream_->time_base = encoder_->time_base;

@@ -1,6 +1,7 @@
 // Every row of the table of sound exporters, with all that it offers: files that other programs decode to the
 // sound they were made of.
 #include "platform/quicktime/movie_exporters/sound_exporter.h"
+#include "platform/quicktime/movies/movie_model.h"
 
 #include "tests/quicktime/movies/movie_test.h"
 #include "tests/support/files.h"
@@ -95,6 +96,8 @@ TEST_F(SoundExporters, WriteWhatOthersDecodeToTheSource) {
                 const Samples decoded = DecodedByFfmpeg("out");
                 const qt::OwnedMovie reopened = Open("out");
                 ASSERT_NE(reopened, nullptr);
+                const std::uint32_t created = GetTrackCreationTime(FirstSoundTrack(reopened.get()));
+                EXPECT_NEAR(created, qt::CurrentMovieTime(), 600);
                 const Samples ours = Exported(reopened.get());
                 if (IsLossy(row.subtype)) {
                     const Likeness likeness = Compare(source, decoded);
