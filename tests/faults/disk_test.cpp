@@ -1,4 +1,5 @@
-// Wherever in a call the disk becomes full: the code for that, nothing left behind, nothing lost.
+// Wherever in a call the disk becomes full, also when only the closing of a file tells: the code for that,
+// nothing left behind, nothing lost.
 #include "tests/faults/media_world.h"
 
 #include <gtest/gtest.h>

@@ -11,6 +11,7 @@
 #include <limits>
 #include <new>
 #include <string_view>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/types.h>
 #include <sys/uio.h>
@@ -77,12 +78,36 @@ bool NoMemory(const void* caller) {
     return true;
 }
 
+// Files that were written since they were closed last, by their numbers.
+constinit std::array<std::atomic<ino_t>, 64> g_written;
+
+std::atomic<ino_t>* WrittenBy(int file, ino_t& number) {
+    struct stat status {};
+    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) return nullptr;
+    number = status.st_ino;
+    return &g_written[number % g_written.size()];
+}
+
 // What a system call answers, or that there is no room for what it writes; standard output always has some.
 template <class... Arguments>
 ssize_t Write(int file, long call, Arguments... arguments) {
-    if (file <= STDERR_FILENO || !Fails(Resource::kDisk)) return syscall(call, arguments...);
+    if (file <= STDERR_FILENO) return syscall(call, arguments...);
+    ino_t number = 0;
+    if (auto* const written = WrittenBy(file, number)) *written = number;
+    if (!Fails(Resource::kDisk)) return syscall(call, arguments...);
     errno = ENOSPC;
     return -1;
+}
+
+// Closes the file, which may tell only now that there was no room, as some file systems do.
+int Close(int file) {
+    ino_t number = 0;
+    auto* const written = WrittenBy(file, number);
+    const bool fails =
+        written != nullptr && written->compare_exchange_strong(number, 0) && Fails(Resource::kDisk);
+    if (syscall(SYS_close, file) != 0) return -1;
+    if (fails) errno = ENOSPC;
+    return fails ? -1 : 0;
 }
 
 } // namespace
@@ -128,6 +153,10 @@ int posix_memalign(void** memptr, std::size_t alignment, std::size_t size) noexc
 }
 
 #endif
+
+int close(int fd) {
+    return corvane::test::Close(fd);
+}
 
 ssize_t write(int fd, const void* buf, std::size_t n) {
     return corvane::test::Write(fd, SYS_write, fd, buf, n);

@@ -8,7 +8,8 @@ namespace corvane::test {
 /// What can fail. Its calls are counted at all times, in all threads.
 enum class Resource { kMemory, kDisk };
 
-/// Calls since the program started: allocations, or writes to a file of any kind.
+/// Calls since the program started: allocations, or writes to a file of any kind and closings of what was
+/// written.
 std::int64_t CountCalls(Resource resource);
 
 /// While it lives, the allocation or write that comes `after` calls from now (0: the next one) fails, for

@@ -72,6 +72,7 @@ OSErr ExportedFile::Create() {
 }
 
 OSErr ExportedFile::Complete() {
+    if (const OSErr code = CheckWrites(descriptor_); code != noErr) return code;
     if (!is_named_ && !GiveName(descriptor_, written_path_)) return WriteError(errno);
     is_named_ = true;
     if (replace_ && std::rename(written_path_.c_str(), path_.c_str()) != 0) return WriteError(errno);

@@ -40,6 +40,11 @@ OSErr WriteAt(int descriptor, std::uint64_t offset, std::span<const std::byte> b
     return noErr;
 }
 
+OSErr CheckWrites(int descriptor) {
+    const int second = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    return second >= 0 && ::close(second) == 0 ? OSErr{noErr} : WriteError(errno);
+}
+
 std::size_t ReadAt(int descriptor, std::uint64_t offset, std::span<std::byte> buffer) noexcept {
     std::size_t done = 0;
     while (done < buffer.size()) {

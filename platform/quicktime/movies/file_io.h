@@ -15,6 +15,9 @@ int CreateFile(const std::string& path, bool replace);
 
 /// All of the bytes, or dskFulErr, ioErr…
 OSErr WriteAt(int descriptor, std::uint64_t offset, std::span<const std::byte> bytes);
+/// The code of what was written but could not be kept after all: some file systems (NFS, those with quotas)
+/// tell so only when a file is closed. It stays open.
+OSErr CheckWrites(int descriptor);
 /// As many as there are.
 std::size_t ReadAt(int descriptor, std::uint64_t offset, std::span<std::byte> buffer) noexcept;
 

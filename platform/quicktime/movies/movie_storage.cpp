@@ -90,7 +90,12 @@ Bytes StorageFile::HeaderOfSamples() const {
 }
 
 OSErr StorageFile::Finish(std::span<const std::byte> structure) {
-    if (structure.size() + 8 <= room_) return FinishInFront(structure);
+    const bool fits_in_front = structure.size() + 8 <= room_;
+    const OSErr code = fits_in_front ? FinishInFront(structure) : FinishBehind(structure);
+    return code == noErr ? CheckWrites(descriptor_) : code;
+}
+
+OSErr StorageFile::FinishBehind(std::span<const std::byte> structure) const {
     if (const OSErr code = WriteAt(descriptor_, SampleDataHeader(), HeaderOfSamples()); code != noErr)
         return code;
     if (const OSErr code = WriteAt(descriptor_, end_, structure); code != noErr) return code;

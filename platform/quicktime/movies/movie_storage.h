@@ -37,6 +37,7 @@ private:
     [[nodiscard]] std::uint64_t SampleDataHeader() const;
     [[nodiscard]] Bytes HeaderOfSamples() const;
     OSErr FinishInFront(std::span<const std::byte> structure) const;
+    OSErr FinishBehind(std::span<const std::byte> structure) const;
 
     std::string path_;
     int descriptor_ = -1;
