@@ -192,6 +192,18 @@ std::span<const std::byte> ExtensionsOf(std::span<const std::byte> description, 
     return Tail(description, fields_size);
 }
 
+/// Of AAC: the speakers that its own set-up names; 0 for none, or other than the usual ones.
+std::uint32_t AacSpeakers(std::span<const std::byte> extensions) {
+    constexpr std::uint8_t kAac = 0x40;
+    constexpr std::uint64_t kOwnRate = 15;
+    const StreamSetup setup = ReadStreamSetup(FindExtension(extensions, Code("esds")));
+    if (setup.object_type != kAac) return 0;
+    // Five bits of the kind, four of the rate or then 24 more, four of the speakers.
+    const bool own_rate = (BigEndian16(setup.bytes, 0) >> 7 & 0xF) == kOwnRate;
+    const std::uint64_t speakers = BigEndian(setup.bytes, own_rate ? 4 : 1, 1) >> 3 & 0xF;
+    return speakers == 7 ? 8 : speakers > 7 ? 0 : static_cast<std::uint32_t>(speakers);
+}
+
 } // namespace
 
 std::uint32_t LpcmFlags(const PcmLayout& layout) {
@@ -238,6 +250,9 @@ std::optional<SoundFormat> ReadSoundFormat(std::span<const std::byte> descriptio
             ExtensionsOf(description, std::max<std::size_t>(second.sizeOfStructOnly, sizeof(second)));
     }
     if (!(format.rate >= 0) || format.rate > kMaximumRate) format.rate = 0;
+    // MPEG-4 files say two channels however many there are.
+    if (format.data_format == Code("mp4a") && format.version == 0)
+        format.channels = std::max(format.channels, AacSpeakers(format.extensions));
     FillPackets(format);
     return format;
 }
