@@ -12,6 +12,8 @@
 namespace qt {
 namespace {
 
+constexpr std::size_t kMostOrdered = 8; ///< channels whose order is known
+
 struct SndfileCloser {
     void operator()(SNDFILE* file) const { g_sndfile->close(file); }
 };
@@ -71,10 +73,14 @@ private:
     std::unique_ptr<SNDFILE, SndfileCloser> file_;
 };
 
-/// Formats that decode to 16 bits come as such, others as floats.
+/// Which of a frame's channels comes first, second…; empty when they stand as they are to.
+using ChannelOrder = std::span<const std::uint8_t>;
+
+/// Formats that decode to 16 bits come as such, others as floats; only floats are put in another order.
 class SoundFileReader final : public FrameReader {
 public:
-    SoundFileReader(std::unique_ptr<SoundFile> file, SampleEncoding encoding) : file_(std::move(file)) {
+    SoundFileReader(std::unique_ptr<SoundFile> file, SampleEncoding encoding, ChannelOrder order)
+        : file_(std::move(file)), order_(order) {
         const SF_INFO& info = file_->Info();
         layout_ = {encoding, false, static_cast<std::uint32_t>(info.channels),
                    static_cast<std::uint32_t>(info.samplerate)};
@@ -117,10 +123,21 @@ private:
                 ? g_sndfile->readf_short(file_->File(), reinterpret_cast<short*>(frames.data()), wanted)
                 : g_sndfile->readf_float(file_->File(), reinterpret_cast<float*>(frames.data()), wanted);
         position_ += std::max<sf_count_t>(got, 0);
+        if (!order_.empty())
+            Reorder({reinterpret_cast<float*>(frames.data()), frames.size() / sizeof(float)});
         return std::max<sf_count_t>(got, 0);
     }
 
+    void Reorder(std::span<float> samples) const {
+        std::array<float, kMostOrdered> frame{};
+        for (; samples.size() >= order_.size(); samples = samples.subspan(order_.size())) {
+            std::copy_n(samples.begin(), order_.size(), frame.begin());
+            std::ranges::transform(order_, samples.begin(), [&](std::uint8_t from) { return frame[from]; });
+        }
+    }
+
     std::unique_ptr<SoundFile> file_;
+    ChannelOrder order_;
     std::int64_t position_ = 0;
     Bytes skipped_;
 };
@@ -284,12 +301,38 @@ bool LooksLikeSoundFile(DataSource& data) {
     return magic == Code("riff") || std::find(kStarts.begin(), kStarts.end(), magic) != kStarts.end();
 }
 
+/// Vorbis has the centre between left and right and the low frequencies last, and the library leaves them
+/// there; everybody else, and this system, has them as WAVE files do. Opus does as Vorbis, unless its header
+/// says that the channels are no speakers.
+ChannelOrder OrderOf(const SF_INFO& info, DataSource& data) {
+    constexpr std::uint64_t kOpusMapping = 46; // behind the header of the file's first page
+    static constexpr std::array<std::array<std::uint8_t, kMostOrdered>, kMostOrdered + 1> kOrders = {
+        {{},
+         {},
+         {},
+         {0, 2, 1},
+         {},
+         {0, 2, 1, 3, 4},
+         {0, 2, 1, 5, 3, 4},
+         {0, 2, 1, 6, 5, 3, 4},
+         {0, 2, 1, 7, 5, 6, 3, 4}}};
+    const int codec = info.format & SF_FORMAT_SUBMASK;
+    const auto channels = static_cast<std::size_t>(info.channels);
+    std::array<std::byte, 1> mapping{};
+    const bool speakers =
+        codec == SF_FORMAT_VORBIS ||
+        (codec == SF_FORMAT_OPUS && data.Read(kOpusMapping, mapping) == 1 && mapping[0] == std::byte{1});
+    if (!speakers || channels > kMostOrdered || kOrders[channels][1] == 0) return {};
+    return ChannelOrder(kOrders[channels]).first(channels);
+}
+
 OpenedReader OpenSoundFileReader(const std::shared_ptr<DataSource>& data) {
     auto file = std::make_unique<SoundFile>(data);
     if (!file->Open()) return {badFileFormat, nullptr};
     const auto encoding =
         DecodesTo16Bits(file->Info().format) ? SampleEncoding::kSigned16 : SampleEncoding::kFloat32;
-    return {noErr, std::make_unique<SoundFileReader>(std::move(file), encoding)};
+    const ChannelOrder order = OrderOf(file->Info(), *data);
+    return {noErr, std::make_unique<SoundFileReader>(std::move(file), encoding, order)};
 }
 
 bool IsAifc(DataSource& data) {

@@ -186,6 +186,25 @@ TEST_F(OpeningOther, ReadsBlocksAnywhereAsOneRunOfSamples) {
     }
 }
 
+TEST_F(OpeningOther, SurroundSoundHasItsSpeakersInOneOrder) {
+    ASSERT_TRUE(
+        Run("sox -R -n -r 48000 -c 6 s.wav synth 1 sine 200 sine 300 sine 500 sine 60 sine 700 sine 900 vol "
+            "0.2 && for file in libvorbis.ogg libopus.ogg aac.m4a; do "
+            "ffmpeg -channel_layout 5.1 -i s.wav -c:a ${file%.*} -b:a 512k $file; done"));
+    const std::vector<std::int16_t> expected = Exported(Open("s.wav").get());
+    for (const char* name : {"libvorbis.ogg", "libopus.ogg", "aac.m4a"}) {
+        const qt::OwnedMovie movie = Open(name);
+        EXPECT_EQ(qt::ReadSoundFormat(DescriptionOf(GetTrackMedia(FirstSoundTrack(movie.get()))))->channels,
+                  6U)
+            << name;
+        const std::vector<std::int16_t> samples = Exported(movie.get());
+        ASSERT_EQ(samples.size(), expected.size()) << name;
+        double difference = 0;
+        for (std::size_t i = 0; i < samples.size(); ++i) difference += std::abs(samples[i] - expected[i]);
+        EXPECT_LT(difference / static_cast<double>(samples.size()), 200) << name;
+    }
+}
+
 TEST_F(OpeningOther, OpusInAMovie) {
     ASSERT_TRUE(Run(std::string(kMakeSource) + " && ffmpeg -i source.wav -c:a libopus s.mp4"));
     const std::vector<std::int16_t> samples = Exported(Open("s.mp4").get());
