@@ -276,7 +276,9 @@ Imported ImportMpegAudio(const ImportSource& source) {
     samples->duration = length;
     if (stream->note.gapless) {
         samples->lead_in = stream->note.delay + kDecoderDelay;
-        const TimeValue sound = length - stream->note.delay - stream->note.padding;
+        // The padding went with the end of a file that was cut.
+        const bool is_cut = length < TimeValue{stream->note.frames} * stream->first.samples;
+        const TimeValue sound = length - stream->note.delay - (is_cut ? kDecoderDelay : stream->note.padding);
         samples->duration = std::clamp<TimeValue>(
             sound, 0, std::max<TimeValue>(0, length - samples->lead_in + kDecoderDelay));
     }
