@@ -16,30 +16,8 @@ constexpr FileNumber kNoNumber = 0;
 constexpr FileNumber kEndOfNumbers = 65535;
 constexpr DWORD kLargestWrite = DWORD{1} << 30;
 
-// Sole owner of a platform file.
-class File {
-public:
-    explicit File(HANDLE handle) : handle_(handle) {}
-    File(File&& other) noexcept : handle_(std::exchange(other.handle_, INVALID_HANDLE_VALUE)) {}
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-    ~File() { Close(); }
-
-    // False for data that could not be written after all.
-    bool Close() {
-        const HANDLE handle = std::exchange(handle_, INVALID_HANDLE_VALUE);
-        return handle == INVALID_HANDLE_VALUE || CloseHandle(handle) != FALSE;
-    }
-
-    [[nodiscard]] HANDLE get() const { return handle_; }
-    explicit operator bool() const { return handle_ != INVALID_HANDLE_VALUE; }
-
-private:
-    HANDLE handle_;
-};
-
 struct NumberedFiles {
-    std::map<FileNumber, File> files;
+    std::map<FileNumber, win32::OwnedFile> files;
     FileNumber next = kFirstNumber;
 };
 
@@ -92,7 +70,7 @@ Written WriteAtPosition(HANDLE file, std::span<const std::byte> bytes) {
 CreatedFile CreateFile(const std::u16string& folder_path, const std::u16string& name) {
     CreatedFile created;
     created.path = folder_path + name;
-    const File file(CreateFileW(created.path.c_str(), GENERIC_WRITE, 0, CREATE_NEW));
+    const win32::OwnedFile file(CreateFileW(created.path.c_str(), GENERIC_WRITE, 0, CREATE_NEW));
     if (!file) {
         created.code = PlatformError();
         if (created.code == static_cast<std::int32_t>(ERROR_FILE_EXISTS)) created.code = kErrorFileExists;
@@ -103,7 +81,7 @@ CreatedFile CreateFile(const std::u16string& folder_path, const std::u16string& 
 OpenedFile OpenFile(const std::u16string& path, Permission permission) {
     const DWORD share =
         permission == Permission::kReadAndWriteShared ? FILE_SHARE_READ | FILE_SHARE_WRITE : 0;
-    File file(CreateFileW(path.c_str(), AccessOf(permission), share, OPEN_EXISTING));
+    win32::OwnedFile file(CreateFileW(path.c_str(), AccessOf(permission), share, OPEN_EXISTING));
     if (!file) return {PlatformError(), kNoNumber};
     const FileNumber number = FreshNumber();
     State().files.emplace(number, std::move(file));
@@ -135,7 +113,7 @@ Written WriteFile(FileNumber number, PositionMode mode, std::int64_t offset,
 std::int32_t CloseFile(FileNumber number) {
     const auto found = State().files.find(number);
     if (found == State().files.end()) return kErrorWrongParameter;
-    File file = std::move(found->second);
+    win32::OwnedFile file = std::move(found->second);
     State().files.erase(found);
     return file.Close() ? 0 : PlatformError();
 }

@@ -20,10 +20,10 @@ constexpr std::size_t kFolderLimit = 1024; // units
 constexpr std::u16string_view kProbeName = u"com.kelo.test";
 
 // Opens the file for writing, whether it is there already or not.
-HANDLE CreateOrOpen(const std::u16string& path) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, CREATE_NEW);
-    if (file != INVALID_HANDLE_VALUE || GetLastError() != ERROR_FILE_EXISTS) return file;
-    return CreateFileW(path.c_str(), GENERIC_WRITE, 0, OPEN_EXISTING);
+win32::OwnedFile CreateOrOpen(const std::u16string& path) {
+    win32::OwnedFile file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, CREATE_NEW));
+    if (file || GetLastError() != ERROR_FILE_EXISTS) return file;
+    return win32::OwnedFile(CreateFileW(path.c_str(), GENERIC_WRITE, 0, OPEN_EXISTING));
 }
 
 } // namespace
@@ -44,10 +44,8 @@ std::int32_t DeleteFileOf(const XFileSpec& file) {
 }
 
 std::int32_t CreateFileOf(const XFileSpec& file) {
-    const HANDLE created = CreateFileW(file.GetNativePathW().c_str(), GENERIC_WRITE, 0, CREATE_NEW);
-    if (created == INVALID_HANDLE_VALUE) return static_cast<std::int32_t>(GetLastError());
-    CloseHandle(created);
-    return 0;
+    const win32::OwnedFile created(CreateFileW(file.GetNativePathW().c_str(), GENERIC_WRITE, 0, CREATE_NEW));
+    return created ? 0 : static_cast<std::int32_t>(GetLastError());
 }
 
 std::int32_t CreateNewFile(const XFileSpec& file) {
@@ -62,9 +60,7 @@ FolderWritable IsFolderWritable(const XFileSpec& folder) {
     if (!folder.IsDirectory()) return {kErrorFolderExpected, false};
     std::u16string probe = folder.GetNativePathW();
     probe += kProbeName;
-    const HANDLE file = CreateOrOpen(probe);
-    if (file == INVALID_HANDLE_VALUE) return {0, false};
-    CloseHandle(file);
+    if (!CreateOrOpen(probe)) return {0, false};
     DeleteFileW(probe.c_str());
     return {0, true};
 }

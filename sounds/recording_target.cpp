@@ -68,11 +68,9 @@ FM_Error ReadRecordingTarget(const FM_DataVect& parameters, RecordingTarget& tar
 }
 
 std::int32_t CheckRecordingTarget(const XFileSpec& file) {
-    const HANDLE handle = CreateFileW(file.GetNativePathW().c_str(), GENERIC_WRITE, 0, OPEN_EXISTING);
-    if (handle != INVALID_HANDLE_VALUE) {
-        CloseHandle(handle);
-        return 0;
-    }
+    const win32::OwnedFile opened(
+        CreateFileW(file.GetNativePathW().c_str(), GENERIC_WRITE, 0, OPEN_EXISTING));
+    if (opened) return 0;
     constexpr DWORD kDiskNotReachable = 4312;
     const DWORD error = ::GetLastError();
     switch (error) {

@@ -6,7 +6,6 @@
 #include "plugin/errors.h"
 #include "sounds/tag_v1.h"
 
-#include <memory>
 #include <utility>
 
 namespace corvane {
@@ -16,14 +15,8 @@ constexpr std::int32_t kDiskFull = -34;
 constexpr std::int32_t kInUse = -47;
 constexpr std::int32_t kInputOutput = -36;
 
-struct HandleCloser {
-    void operator()(HANDLE handle) const { CloseHandle(handle); }
-};
-using OpenFile = std::unique_ptr<void, HandleCloser>;
-
-OpenFile Open(const std::u16string& path, DWORD access, DWORD share) {
-    const HANDLE handle = CreateFileW(path.c_str(), access, share, OPEN_EXISTING);
-    return OpenFile(handle != INVALID_HANDLE_VALUE ? handle : nullptr);
+win32::OwnedFile Open(const std::u16string& path, DWORD access, DWORD share) {
+    return win32::OwnedFile(CreateFileW(path.c_str(), access, share, OPEN_EXISTING));
 }
 
 bool ReadAll(HANDLE file, std::string& bytes, std::size_t from) {
@@ -60,9 +53,9 @@ std::int32_t CodeOf(DWORD error) {
 
 std::int32_t TagFile::Link(std::u16string path) {
     path_ = std::move(path);
-    const OpenFile file = Open(path_, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE);
+    const win32::OwnedFile file = Open(path_, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE);
     LARGE_INTEGER file_size{};
-    if (file == nullptr || !GetFileSizeEx(file.get(), &file_size)) return kErrorFileNotFound;
+    if (!file || !GetFileSizeEx(file.get(), &file_size)) return kErrorFileNotFound;
     std::string bytes(Id3Tag::kHeaderSize, '\0');
     if (file_size.QuadPart < static_cast<std::int64_t>(bytes.size())) return 0;
     if (!ReadAll(file.get(), bytes, 0)) return kErrorFileNotFound;
@@ -91,9 +84,9 @@ void TagFile::Set(const TagName& name, std::string_view value) {
 std::int32_t TagFile::Update() const {
     if (changed_.empty() && !removed_all_) return 0;
     // Opened for writing, so that no file is replaced that may not be written, or that somebody else writes.
-    const OpenFile file = Open(path_, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ);
+    const win32::OwnedFile file = Open(path_, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ);
     LARGE_INTEGER size{};
-    if (file == nullptr || !GetFileSizeEx(file.get(), &size)) return CodeOf(GetLastError());
+    if (!file || !GetFileSizeEx(file.get(), &size)) return CodeOf(GetLastError());
     const auto file_size = static_cast<std::uint64_t>(size.QuadPart);
     if (file_size < tag_size_) return kInUse;
     const std::optional<std::string> tag = tag_.Render(tag_size_);

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <sys/stat.h>
+#include <utility>
 
 inline constexpr DWORD GENERIC_READ = 0x80000000;
 inline constexpr DWORD GENERIC_WRITE = 0x40000000;
@@ -46,6 +47,28 @@ BOOL SetFilePointerEx(HANDLE handle, LARGE_INTEGER distance, LARGE_INTEGER* posi
 BOOL GetFileSizeEx(HANDLE handle, LARGE_INTEGER* size);
 
 namespace win32 {
+
+/// Sole owner of a handle of a file.
+class OwnedFile {
+public:
+    explicit OwnedFile(HANDLE handle) : handle_(handle) {}
+    OwnedFile(OwnedFile&& other) noexcept : handle_(std::exchange(other.handle_, INVALID_HANDLE_VALUE)) {}
+    OwnedFile(const OwnedFile&) = delete;
+    OwnedFile& operator=(const OwnedFile&) = delete;
+    ~OwnedFile() { Close(); }
+
+    /// False, with the last error, for data that could not be written after all.
+    bool Close() {
+        const HANDLE handle = std::exchange(handle_, INVALID_HANDLE_VALUE);
+        return handle == INVALID_HANDLE_VALUE || CloseHandle(handle) != FALSE;
+    }
+
+    [[nodiscard]] HANDLE get() const { return handle_; }
+    explicit operator bool() const { return handle_ != INVALID_HANDLE_VALUE; }
+
+private:
+    HANDLE handle_;
+};
 
 /// True when a handle of this process holds the file of that status open.
 bool IsOpenHere(const struct stat& status);
