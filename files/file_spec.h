@@ -103,4 +103,7 @@ std::string SystemVolume();
 /// colon is not looked at: "files/x.txt" has the prefix "file".
 std::string_view FindPathPrefix(std::string_view text);
 
+/// Whether the text begins as a native path of a drive does: "C:\".
+bool IsDrivePath(std::string_view text);
+
 } // namespace corvane

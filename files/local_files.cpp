@@ -1,5 +1,6 @@
 #include "files/local_files.h"
 
+#include "files/file_spec.h"
 #include "platform/text/utf.h"
 #include "platform/win32/drives.h"
 #include "plugin/errors.h"
@@ -10,14 +11,6 @@ namespace corvane {
 namespace {
 
 constexpr std::size_t kDriveRootLength = 3; // "C:\"
-
-bool IsLetter(char character) {
-    return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
-}
-
-bool IsDrivePath(std::string_view path) {
-    return path.size() >= kDriveRootLength && IsLetter(path[0]) && path.substr(1, 2) == ":\\";
-}
 
 // "\\server\share\" at the start of the path; empty when it has no such start.
 std::string_view ShareRoot(std::string_view path) {

@@ -14,14 +14,6 @@ constexpr std::array<std::string_view, 10> kPathPrefixes = {"moviemac", "moviewi
                                                             "imagewin", "image",    "filemac", "filewin",
                                                             "filenet",  "file"};
 
-bool IsAsciiLetter(char character) {
-    return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
-}
-
-bool IsDrivePath(std::string_view text) {
-    return text.size() >= 3 && IsAsciiLetter(text[0]) && text[1] == ':' && text[2] == '\\';
-}
-
 bool IsNetworkPath(std::string_view text) {
     return text.starts_with("\\\\");
 }
@@ -31,6 +23,10 @@ bool Contains(std::string_view text, char character) {
 }
 
 } // namespace
+
+bool IsDrivePath(std::string_view text) {
+    return text.size() >= 3 && utf::IsAsciiLetter(text[0]) && text[1] == ':' && text[2] == '\\';
+}
 
 std::string_view FindPathPrefix(std::string_view text) {
     for (const std::string_view prefix : kPathPrefixes)

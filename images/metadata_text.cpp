@@ -16,9 +16,7 @@ void MetadataText::AddLine(std::string_view line) {
 }
 
 std::string MetadataText::Utf8() const {
-    std::string utf8;
-    for (const char character : text_) utf::Append(utf8, static_cast<unsigned char>(character));
-    return utf8;
+    return utf::FromLatin1(text_);
 }
 
 } // namespace corvane

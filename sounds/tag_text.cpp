@@ -29,12 +29,6 @@ std::string_view TakeText(std::string_view& data, std::size_t unit) {
     return text;
 }
 
-std::string FromLatin1(std::string_view text) {
-    std::string utf8;
-    for (const char character : text) utf::Append(utf8, static_cast<unsigned char>(character));
-    return utf8;
-}
-
 bool HasLoneSurrogate(std::u16string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] < 0xD800 || text[i] > 0xDFFF) continue;
@@ -62,7 +56,7 @@ std::optional<std::string> FromUtf16(std::string_view text, bool& little) {
 
 std::optional<std::string> Decode(std::string_view text, char encoding, bool& little) {
     switch (encoding) {
-    case kLatin1: return FromLatin1(text);
+    case kLatin1: return utf::FromLatin1(text);
     case kUtf8: return std::string(text);
     default: return FromUtf16(text, little);
     }

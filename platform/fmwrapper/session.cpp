@@ -1,16 +1,14 @@
 #include "platform/fmwrapper/session.h"
 
+#include "platform/text/utf.h"
+
 #include <filesystem>
 
 namespace fm {
 namespace {
 
-bool IsLetter(char character) {
-    return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
-}
-
 bool IsDriveRoot(std::string_view root) {
-    return root.size() == 2 && IsLetter(root[0]) && root[1] == ':';
+    return root.size() == 2 && utf::IsAsciiLetter(root[0]) && root[1] == ':';
 }
 
 // "\\server\share": two non-empty names.

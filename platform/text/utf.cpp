@@ -154,6 +154,10 @@ std::string ToUtf8(std::u16string_view utf16) {
     return Convert<std::string>(utf16);
 }
 
+bool IsAsciiLetter(char character) {
+    return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
+}
+
 bool IsAscii(std::string_view utf8) {
     return FindAsciiEnd(utf8, 0) == utf8.size();
 }
@@ -176,6 +180,12 @@ std::string NearestLatin1(std::string_view utf8) {
         latin += character <= 0xFF ? static_cast<char>(character) : '?';
     }
     return latin;
+}
+
+std::string FromLatin1(std::string_view latin1) {
+    std::string utf8;
+    for (const char character : latin1) Append(utf8, static_cast<unsigned char>(character));
+    return utf8;
 }
 
 std::string_view CutAtCharacter(std::string_view utf8, std::size_t limit) {

@@ -14,6 +14,7 @@ std::u16string ToUtf16(std::string_view utf8);
 std::string ToUtf8(std::u16string_view utf16);
 
 bool IsAscii(std::string_view utf8);
+bool IsAsciiLetter(char character);
 
 /// True when every sequence is well formed.
 bool IsValid(std::string_view utf8);
@@ -24,6 +25,7 @@ std::string_view CutAtCharacter(std::string_view utf8, std::size_t limit);
 /// The text in ISO-8859-1, with "?" for what it lacks. What is not well formed is taken for ISO-8859-1 as it
 /// is.
 std::string NearestLatin1(std::string_view utf8);
+std::string FromLatin1(std::string_view latin1);
 
 /// Simple (one to one) Unicode case mapping, independent of the process's locale.
 char32_t ToLower(char32_t character);

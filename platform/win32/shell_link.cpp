@@ -89,10 +89,7 @@ public:
     [[nodiscard]] std::u16string ByteText(std::size_t offset) const {
         const std::string_view rest = bytes_.substr(std::min(offset, bytes_.size()));
         const std::string_view text = rest.substr(0, rest.find('\0'));
-        if (utf::IsValid(text)) return utf::ToUtf16(text);
-        std::u16string units;
-        for (const char character : text) units.push_back(static_cast<unsigned char>(character));
-        return units;
+        return utf::ToUtf16(utf::IsValid(text) ? std::string(text) : utf::FromLatin1(text));
     }
 
 private:
