@@ -8,7 +8,7 @@
 #include "plugin/errors.h"
 #include "plugin/results.h"
 
-#include <string>
+#include <string_view>
 
 namespace corvane {
 namespace {
@@ -48,12 +48,9 @@ ImageImporter OpenFile(const XFileSpec& spec) {
 
 /// For a text that names no file: `code` is why.
 ImageImporter OpenAddress(const FM_Data* parameter, std::int32_t code) {
-    const std::string text = ParameterAsUtf8(parameter);
-    const std::string_view line = std::string_view(text).substr(0, text.find('\r'));
-    if (!line.starts_with("http://")) return Fail(code, kNoFile);
     qt::DataReference reference;
-    const OSErr reference_code = QTNewDataReferenceFromURLCFURL(line, 0, reference);
-    return reference_code == noErr ? OpenReference(reference, kNoFile) : Fail(reference_code, kNoFile);
+    const bool is_address = AddressReferenceOf(parameter, reference) == 0;
+    return is_address ? OpenReference(reference, kNoFile) : Fail(code, kNoFile);
 }
 
 } // namespace

@@ -29,13 +29,6 @@ void ReportMissing(std::int32_t code) {
     ReportError(code, "Could not find referenced file");
 }
 
-std::int32_t MakeAddressReference(const FM_Data* parameter, qt::DataReference& reference) {
-    const std::string text = ParameterAsUtf8(parameter);
-    const std::string_view line = std::string_view(text).substr(0, text.find('\r'));
-    if (!line.starts_with("http://")) return kErrorFileNotFound;
-    return QTNewDataReferenceFromURLCFURL(line, 0, reference);
-}
-
 // False when there is no source and that is reported.
 bool FindSource(const FM_Data* parameter, FileSource& source) {
     source.path_code = ResolvePathParameter(*parameter, source.spec);
@@ -46,7 +39,7 @@ bool FindSource(const FM_Data* parameter, FileSource& source) {
         code = QTNewDataReferenceFromHandle(source.embedded.get(), source.reference);
     } else if (code == 0) {
         code = DataReferenceOf(source.spec, source.reference);
-    } else if (MakeAddressReference(parameter, source.reference) == 0) {
+    } else if (AddressReferenceOf(parameter, source.reference) == 0) {
         code = 0;
     }
     if (code != 0) ReportMissing(code);
