@@ -2,26 +2,19 @@
 #include "platform/quicktime/graphics_importer.h"
 #include "plugin/results.h"
 
-#include <memory>
 #include <string>
-#include <type_traits>
 
 namespace corvane {
 namespace {
 
-struct ContainerDisposer {
-    void operator()(QTAtomContainer container) const { QTDisposeAtomContainer(container); }
-};
-using AtomContainer = std::unique_ptr<std::remove_pointer_t<QTAtomContainer>, ContainerDisposer>;
-
-/// Null when there is no list.
-AtomContainer ExportTypes() {
+/// Empty when there is no list.
+qt::MemoryHandle ExportTypes() {
     ComponentInstance opened = nullptr;
-    if (OpenADefaultComponent(qt::kGraphicsImporter, qt::kAnySubtype, &opened) != noErr) return nullptr;
+    if (OpenADefaultComponent(qt::kGraphicsImporter, qt::kAnySubtype, &opened) != noErr) return {};
     const qt::OpenComponent importer(opened);
     QTAtomContainer container = nullptr;
-    if (GraphicsImportGetExportImageTypeList(importer.get(), &container) != noErr) return nullptr;
-    return AtomContainer(container);
+    if (GraphicsImportGetExportImageTypeList(importer.get(), &container) != noErr) return {};
+    return qt::MemoryHandle(container);
 }
 
 /// The first characters of a child atom's text, behind `separator`; nothing when there is no such atom.
@@ -39,10 +32,10 @@ std::string ChildText(QTAtomContainer container, QTAtom parent, OSType type, std
 FM_Error ListImageOutputTypes(std::int16_t, const FM_ExprEnv&, const FM_DataVect& parameters,
                               FM_Data& result) {
     if (!CheckParameterCount(parameters, 0)) {
-        const AtomContainer types = ExportTypes();
+        const qt::MemoryHandle types = ExportTypes();
         QTAtomContainer container = types.get();
         const std::int32_t count =
-            types != nullptr ? QTCountChildrenOfType(container, kParentAtomIsContainer, qt::Code("expo")) : 0;
+            types ? QTCountChildrenOfType(container, kParentAtomIsContainer, qt::Code("expo")) : 0;
         for (std::int32_t index = 1; index <= count; ++index) {
             const QTAtom entry =
                 QTFindChildByIndex(container, kParentAtomIsContainer, qt::Code("expo"), index, nullptr);

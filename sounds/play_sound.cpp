@@ -52,7 +52,7 @@ FM_Error ReadParameters(const FM_DataVect& parameters, PlayParameters& read, CVS
 
 // Only what can be heard plays.
 void DisableVisibleTracks(Movie movie) {
-    constexpr OSType kVisible = FourCC("eyes");
+    constexpr OSType kVisible = qt::Code("eyes");
     for (std::int32_t i = 1;; ++i) {
         const Track track = GetMovieIndTrackType(movie, i, kVisible, movieTrackCharacteristic);
         if (track == nullptr) return;
@@ -82,7 +82,7 @@ FM_Error SelectPart(PlayParameters& read, CVSError& error) {
 
 bool HasLowRate(Movie movie) {
     const Track track =
-        GetMovieIndTrackType(movie, 1, FourCC("ears"), movieTrackCharacteristic | movieTrackEnabledOnly);
+        GetMovieIndTrackType(movie, 1, qt::Code("ears"), movieTrackCharacteristic | movieTrackEnabledOnly);
     const Media media = track != nullptr ? GetTrackMedia(track) : nullptr;
     const qt::MemoryHandle description(NewHandle(0));
     if (media == nullptr || GetMediaSampleDescription(media, 1, description.get()) != noErr) return false;

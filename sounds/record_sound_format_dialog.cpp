@@ -60,7 +60,7 @@ FM_Error ShowDialog(FM_Data& result, CVSError& error) {
         return error.Fail(kErrorUnknown,
                           "Recording not available at this time. Try to stop current recording.");
     std::int32_t version = 0;
-    if (const OSErr code = Gestalt(FourCC("qtim"), &version); code != noErr) return error.Fail(code, {});
+    if (const OSErr code = Gestalt(qt::Code("qtim"), &version); code != noErr) return error.Fail(code, {});
     if (recording.channel == nullptr)
         return error.Fail(kErrorUnknown2, "Recording channel not available at this time. Try to change input "
                                           "device or restart Corvane.");

@@ -42,7 +42,7 @@ RecordingManager::RecordingManager() : port_(DrawingPort()) {
     if (SGInitialize(grabber) != noErr) return;
     free_grabbers_.push_back(grabber);
     SGChannel channel = nullptr;
-    if (SGNewChannel(grabber, FourCC("soun"), &channel) == noErr) free_channels_.push_back(channel);
+    if (SGNewChannel(grabber, qt::Code("soun"), &channel) == noErr) free_channels_.push_back(channel);
 }
 
 RecordingManager::~RecordingManager() {
