@@ -34,7 +34,8 @@ other codes of paths: -43 no such item, -120 no such folder or drive, -50 no suc
      R"(source    path of the item
 dest      an existing folder, into which the copy goes under its own name; or a name in an existing folder
 replace   true: what is there is overwritten)",
-     "Empty text. Times, permissions and extended attributes are copied too; links stay links.",
+     R"(Empty text. Times, permissions and extended attributes are copied too. A link that is named is copied as what it
+leads to; those in a folder stay links.)",
      R"($CODE:MESSAGE as the result:
 -43    there is no such item
 -120   there is no such folder
@@ -119,7 +120,8 @@ Type: txt)"},
 alias        path of the shortcut, without ".lnk", which is added)",
      "Empty text. The file has the documented format of shell links, which others read too.",
      R"($CODE:MESSAGE as the result:
-0     there is an item with the name of the alias, without ".lnk"; a shortcut that is there is replaced
+0     there is an item with the name of the alias, without ".lnk"; a shortcut that is there is replaced,
+       unless it is read-only
 -43   there is no such target
 -120  there is no such folder
 other codes of paths and of the system)",
