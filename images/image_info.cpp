@@ -2,6 +2,7 @@
 #include "images/image_importer.h"
 #include "plugin/results.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -44,9 +45,10 @@ std::int32_t ListImageInfo(GraphicsImportComponent importer) {
         description.height, description.width, description.depth, description.spatialQuality,
         Rounded(description.vRes), Rounded(description.hRes), count, static_cast<unsigned long long>(size),
         type >> 24 & 0xFF, type >> 16 & 0xFF, type >> 8 & 0xFF, type & 0xFF);
-    SetResultBufferText({text.data(), static_cast<std::size_t>(length)});
-    AppendResultBufferText({reinterpret_cast<const char*>(&description.name[1]), description.name[0]});
-    AppendResultBufferText("\r");
+    const std::size_t name_size = std::min<std::size_t>(description.name[0], sizeof(description.name) - 1);
+    char* end = std::copy_n(&description.name[1], name_size, text.data() + length);
+    *end++ = '\r';
+    SetResultBufferText({text.data(), static_cast<std::size_t>(end - text.data())});
     return 0;
 }
 

@@ -17,10 +17,10 @@ inline constexpr std::size_t kRampFrames = 128;
 struct VoiceSettings {
     float left = 1; ///< gains
     float right = 1;
-    double rate = 0; ///< frames of the sound a second, at the speed at which they are to play
-    double step = 1; ///< of them for one frame of the device; the output makes it of the rate
+    double step = 1; ///< frames of the sound for one of the device; the output makes it of the rate
     bool playing = false;
     bool ending = false; ///< fades out and finishes, however much is queued
+    double rate = 0;     ///< frames of the sound a second, at the speed at which they are to play
 };
 
 class Voice {
