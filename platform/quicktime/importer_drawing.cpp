@@ -66,13 +66,15 @@ std::int32_t ReductionFor(double scale) {
 
 /// Reduced pixels across an edge that lies within the line show what is beyond it, too, and are left out:
 /// whether hardly anything is lost by that. In few pixels even what fills the last one up behind the line's
-/// own end counts.
+/// own end counts; and in the line's last one only an end of the line's own can be told.
 bool KeepsEdges(std::int32_t begin, std::int32_t end, std::int32_t length, double scale,
                 std::int32_t reduction) {
     constexpr double kMostLost = 0.25; ///< of a pixel of the result
     constexpr std::int32_t kFewPixels = 16;
     const std::int32_t lost = std::max(-begin & (reduction - 1), end == length ? 0 : end & (reduction - 1));
-    return lost * scale <= kMostLost && end - begin >= kFewPixels;
+    const std::int32_t squares = (end + reduction - 1) / reduction;
+    const bool ends_in_last = end != length && squares == (length + reduction - 1) / reduction;
+    return lost * scale <= kMostLost && end - begin >= kFewPixels && !ends_in_last;
 }
 
 } // namespace
