@@ -99,7 +99,9 @@ bool Append(DataSource& source, const ImageDescription& description, const Expor
                             : HasFewSegments(source) && CopyCoefficients(source, !coding.is_progressive, out);
     const bool has_resolution = !Differs(settings.horizontal_resolution, description.hRes) &&
                                 !Differs(settings.vertical_resolution, description.vRes);
-    return copied && (has_resolution || RestateJpegResolution(settings, coding.takes_jfif, begin, out));
+    // Where only a JFIF header could state it, and would change the colours, no loss is worth a resolution.
+    return copied && (has_resolution || RestateJpegResolution(settings, coding.takes_jfif, begin, out) ||
+                      !coding.takes_jfif);
 }
 
 } // namespace
