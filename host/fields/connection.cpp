@@ -22,8 +22,8 @@ int OnBusy(void*, int times) {
     return 1;
 }
 
-// On a file system that can only be read SQLite can't put its log and its locks beside the file, and needs
-// none: nobody changes it. A log that was left there would be passed over, though.
+// Whether the file system can only be read: then SQLite can't put its log and its locks beside the file. A
+// log that is there would be passed over; without one the file is whole.
 bool CanOnlyBeRead(const std::string& path) {
     struct statvfs facts = {};
     std::error_code error;
@@ -161,9 +161,11 @@ std::string Connection::Open(const std::string& path) {
     path_ = path;
     if (!g_sqlite.Load()) return path + ": " + modules::Load("sqlite").reason;
     sqlite3* connection = nullptr;
-    const bool only_read = CanOnlyBeRead(path);
+    std::error_code error;
+    const std::string file = std::filesystem::canonical(path, error).string(); // SQLite follows links, too
+    const bool only_read = !error && CanOnlyBeRead(file);
     const int flags = only_read ? SQLITE_OPEN_READONLY | SQLITE_OPEN_URI : SQLITE_OPEN_READWRITE;
-    const int answer = g_sqlite->open_v2((only_read ? Unchanging(path) : path).c_str(), &connection,
+    const int answer = g_sqlite->open_v2((only_read ? Unchanging(file) : path).c_str(), &connection,
                                          flags | SQLITE_OPEN_NOMUTEX, nullptr);
     connection_.reset(connection);
     if (answer != SQLITE_OK) return Problem();
