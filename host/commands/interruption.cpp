@@ -1,10 +1,12 @@
 #include "host/commands/interruption.h"
 
+#include <array>
 #include <csignal>
-#include <initializer_list>
 
 namespace host {
 namespace {
+
+constexpr auto kSignals = std::to_array({SIGINT, SIGTERM, SIGHUP});
 
 volatile std::sig_atomic_t g_signal = 0;
 
@@ -12,8 +14,11 @@ void OnSignal(int signal) {
     g_signal = signal;
 }
 
+// Leaves alone what whoever started the program wants to be ignored, as nohup does.
 void Handle(int signal, void (*handler)(int), int flags) {
     struct sigaction action = {};
+    if (::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) return;
+    action = {};
     action.sa_handler = handler;
     action.sa_flags = flags;
     ::sigaction(signal, &action, nullptr);
@@ -23,12 +28,11 @@ void Handle(int signal, void (*handler)(int), int flags) {
 
 Interruption::Interruption() {
     g_signal = 0;
-    for (const int signal : {SIGINT, SIGTERM})
-        Handle(signal, OnSignal, static_cast<int>(SA_RESETHAND) | SA_RESTART);
+    for (const int signal : kSignals) Handle(signal, OnSignal, static_cast<int>(SA_RESETHAND) | SA_RESTART);
 }
 
 Interruption::~Interruption() {
-    for (const int signal : {SIGINT, SIGTERM}) Handle(signal, SIG_DFL, 0);
+    for (const int signal : kSignals) Handle(signal, SIG_DFL, 0);
 }
 
 bool Interruption::IsWished() {

@@ -1,4 +1,4 @@
-// A person's Ctrl-C, or a scheduler's SIGTERM, as a wish that long work looks for between its steps.
+// A person's Ctrl-C, a scheduler's SIGTERM or a hangup, as a wish that long work looks for between its steps.
 #pragma once
 
 namespace host {
