@@ -13,7 +13,6 @@ namespace {
 
 constexpr FM_Error kBadName = -37;
 constexpr FM_Error kNameTaken = 20200;
-constexpr FM_Error kNotFound = -43;
 
 // Names come from the contents of records: none leads out of the folder.
 bool IsFileName(std::string_view name) {
@@ -89,26 +88,19 @@ private:
         if (!IsFileName(file))
             return RecordFailure{"name", {}, kBadName, '"' + file + "\" is no name of a file"};
         if (engine_.Evaluate("IsEmpty(" + field + ")").value.AsBoolean()) return std::nullopt;
-        if (auto failure = Refusal(file)) return failure;
         SetPath("$staged", folder_ + staging_.Name() + '/' + file);
         auto failure = Do("Media_ExportField(" + field + "; $staged; False)");
-        if (!failure) failure = Place(staging_.File(), file);
+        if (!failure) failure = Place(staging_.File());
         if (failure) staging_.Clear();
         return failure;
     }
 
     // The staged file, which may have been given an extension to its name, into the folder.
-    std::optional<RecordFailure> Place(const std::string& file, const std::string& asked) {
-        if (file != asked)
-            if (auto failure = Refusal(file)) return failure;
+    std::optional<RecordFailure> Place(const std::string& file) {
+        if (auto failure = Refusal(file)) return failure;
         SetPath("$staged", folder_ + staging_.Name() + '/' + file);
-        SetPath("$path", folder_ + file);
-        if (line_.table.replace) {
-            auto failure = Do("Media_DeleteItem($path; False)");
-            if (failure && failure->code != kNotFound) return failure;
-        }
         SetPath("$path", folder_);
-        auto failure = Do("Media_MoveItem($staged; $path)");
+        auto failure = Do("Media_MoveItem($staged; $path)"); // in the place of a file that is there
         if (!failure) names_.insert(utf::ToLower(file));
         return failure;
     }
@@ -120,9 +112,17 @@ private:
         };
         if (names_.contains(utf::ToLower(file))) return refusal("\" is the name of another record's file");
         SetPath("$path", folder_ + file);
-        if (!line_.table.replace && !Do("Media_GetItemInfo($path)"))
-            return refusal("\" is there already; --replace overwrites it");
+        if (Do("Media_GetItemInfo($path)")) return std::nullopt;
+        if (IsSo("Directory")) return refusal("\" is the name of a folder there");
+        if (!line_.table.replace) return refusal("\" is there already; --replace overwrites it");
+        if (IsSo("Locked")) return refusal("\" is there already, and read-only");
         return std::nullopt;
+    }
+
+    // A fact of the item at $path.
+    bool IsSo(const std::string& fact) {
+        return engine_.Evaluate("Media_ExtractInfo(Media_GetItemInfo($path); \"" + fact + "\")")
+            .value.AsBoolean();
     }
 
     void SetPath(const char* variable, const std::string& path) {

@@ -113,12 +113,18 @@ std::string ShortDuration(const std::string& text) {
     return text.substr(begin, text.find('.') - begin);
 }
 
-// What forbids to write a page there; empty when there is nothing, or a page of a sheet.
-std::string RefusalOf(const std::string& page) {
+// Whether there is a page of a sheet.
+bool IsSheet(const std::string& page) {
     std::ifstream file(page, std::ios::binary);
     std::string head(4096, '\0');
     file.read(head.data(), static_cast<std::streamsize>(head.size()));
-    const bool may = file.gcount() == 0 || head.find(kSheetMark) != std::string::npos;
+    return head.find(kSheetMark) != std::string::npos;
+}
+
+// What forbids to write a page there; empty when there is nothing, or a page of a sheet.
+std::string RefusalOf(const std::string& page) {
+    std::error_code ignored;
+    const bool may = !std::filesystem::exists(page, ignored) || IsSheet(page);
     return may ? "" : page + " is there, and no page of a sheet";
 }
 

@@ -78,11 +78,19 @@ TEST_F(Fields, ExportsWhatWasImported) {
         EXPECT_EQ(run.status, 1) << name;
     }
     EXPECT_EQ(Read("one/same"), "bb") << "the first record's file stays";
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_ + "/one"), {}), 1);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_ + "/one"), {}), 2) << "and same.gif";
     run = Corvane(R"(export m.corvane media data --to two --replace --name 'If(id = 2; "c"; "C.gif")')"
                   " --where 'id > 1'");
     EXPECT_TRUE(Contains(run.errors, "record 3: name: 20200: ")) << "also when its extension was added later";
     EXPECT_EQ(Read("two/c.gif"), Read("in/c.gif"));
+    Write("three/1/mine", "a folder is no file 1.gif");
+    Write("three/1.GIF", "mine");
+    run = Corvane("export m.corvane media data --to three --replace --name '\"1\"' --where 'id = 2'");
+    EXPECT_EQ(run.status, 0) << run.errors;
+    Write("three/1.GIF", "mine");
+    EXPECT_EQ(Corvane("export m.corvane media data --to three --replace --name '\"1.gif\"' --where 'id = 2'")
+                  .status,
+              0);
     EXPECT_EQ(Corvane("export m.corvane media data --to /nowhere --drive C:=$DIR").status, 2);
     EXPECT_FALSE(std::filesystem::exists("/nowhere"));
     run = Corvane("export m.corvane media data --to " + std::string(300, 'n'));
