@@ -40,6 +40,9 @@ bool Fails(Resource resource) {
     return call >= counter.first && call < counter.end;
 }
 
+// Numbers of the files that were written since they were closed last, in any order.
+constinit std::array<std::atomic<ino_t>, 64> g_written;
+
 } // namespace
 
 std::int64_t CountCalls(Resource resource) {
@@ -47,6 +50,7 @@ std::int64_t CountCalls(Resource resource) {
 }
 
 Shortage::Shortage(Resource resource, std::int64_t after, std::int64_t number) : resource_(resource) {
+    for (auto& written : g_written) written = 0; // the C library closes without telling
     Counter& counter = CounterOf(resource);
     const std::int64_t first = counter.calls + after;
     counter.end = number > kNever - first ? kNever : first + number;
@@ -78,22 +82,30 @@ bool NoMemory(const void* caller) {
     return true;
 }
 
-// Files that were written since they were closed last, by their numbers.
-constinit std::array<std::atomic<ino_t>, 64> g_written;
-
-std::atomic<ino_t>* WrittenBy(int file, ino_t& number) {
+// The number of a regular file; 0 of anything else.
+ino_t NumberOf(int file) {
     struct stat status {};
-    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) return nullptr;
-    number = status.st_ino;
-    return &g_written[number % g_written.size()];
+    return fstat(file, &status) == 0 && S_ISREG(status.st_mode) ? status.st_ino : 0;
+}
+
+void MarkWritten(ino_t number) {
+    if (std::ranges::any_of(g_written, [number](const auto& written) { return written == number; })) return;
+    for (auto& written : g_written)
+        if (ino_t none = 0; written.compare_exchange_strong(none, number)) return;
+}
+
+bool TakeMark(ino_t number) {
+    return std::ranges::any_of(g_written, [number](auto& written) {
+        ino_t marked = number;
+        return written.compare_exchange_strong(marked, 0);
+    });
 }
 
 // What a system call answers, or that there is no room for what it writes; standard output always has some.
 template <class... Arguments>
 ssize_t Write(int file, long call, Arguments... arguments) {
     if (file <= STDERR_FILENO) return syscall(call, arguments...);
-    ino_t number = 0;
-    if (auto* const written = WrittenBy(file, number)) *written = number;
+    if (const ino_t number = NumberOf(file); number != 0) MarkWritten(number);
     if (!Fails(Resource::kDisk)) return syscall(call, arguments...);
     errno = ENOSPC;
     return -1;
@@ -101,10 +113,8 @@ ssize_t Write(int file, long call, Arguments... arguments) {
 
 // Closes the file, which may tell only now that there was no room, as some file systems do.
 int Close(int file) {
-    ino_t number = 0;
-    auto* const written = WrittenBy(file, number);
-    const bool fails =
-        written != nullptr && written->compare_exchange_strong(number, 0) && Fails(Resource::kDisk);
+    const ino_t number = NumberOf(file);
+    const bool fails = number != 0 && TakeMark(number) && Fails(Resource::kDisk);
     if (syscall(SYS_close, file) != 0) return -1;
     if (fails) errno = ENOSPC;
     return fails ? -1 : 0;
