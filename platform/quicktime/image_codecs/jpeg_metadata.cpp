@@ -7,13 +7,9 @@
 namespace qt {
 namespace {
 
-using namespace std::string_view_literals;
-
 constexpr unsigned kComment = 0xFE;
 constexpr unsigned kXmpMarker = 0xE1;
 constexpr unsigned kResourceMarker = 0xED;
-constexpr std::string_view kXmpTag = "http://ns.adobe.com/xap/1.0/\0"sv;
-constexpr std::string_view kResourceTag = "Photoshop 3.0\0"sv;
 
 struct Blocks {
     std::string xmp;
@@ -31,8 +27,8 @@ Blocks ReadBlocks(DataSource& source, std::vector<MetadataItem>& items) {
         if (marker == kComment)
             AppendTextItem(TextItem("cmt"), std::string_view(data).substr(0, data.find('\0')), items);
         if (marker == kXmpMarker && data.starts_with(kXmpTag)) blocks.xmp = data.substr(kXmpTag.size());
-        if (marker == kResourceMarker && data.starts_with(kResourceTag))
-            blocks.resources += data.substr(kResourceTag.size());
+        if (marker == kResourceMarker && data.starts_with(kImageResourceTag))
+            blocks.resources += data.substr(kImageResourceTag.size());
         return true;
     });
     return blocks;

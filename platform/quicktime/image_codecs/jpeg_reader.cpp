@@ -1,5 +1,6 @@
 #include "platform/quicktime/image_codecs/jpeg_reader.h"
 
+#include "platform/quicktime/image_codecs/jpeg_segments.h"
 #include "platform/quicktime/pixel_image.h"
 
 #include <algorithm>
@@ -10,7 +11,6 @@ namespace qt {
 namespace {
 
 constexpr int kExifMarker = JPEG_APP0 + 1;
-constexpr std::array<char, 6> kExifTag = {'E', 'x', 'i', 'f', '\0', '\0'};
 
 JpegReader& ReaderOf(j_common_ptr common) {
     return *static_cast<JpegReader*>(common->client_data);

@@ -4,8 +4,16 @@
 #include "platform/quicktime/image_codecs/codec.h"
 
 #include <array>
+#include <string_view>
 
 namespace qt {
+
+/// What the data of application segments begins with, whose content others define: JFIF 1.02 (APP0), EXIF and
+/// XMP (APP1), image resources (APP13).
+inline constexpr std::string_view kJfifTag{"JFIF\0", 5};
+inline constexpr std::string_view kExifTag{"Exif\0\0", 6};
+inline constexpr std::string_view kXmpTag{"http://ns.adobe.com/xap/1.0/\0", 29};
+inline constexpr std::string_view kImageResourceTag{"Photoshop 3.0\0", 14};
 
 struct JpegSegment {
     unsigned marker = 0;       ///< its second byte

@@ -13,11 +13,6 @@
 namespace qt {
 namespace {
 
-using namespace std::string_view_literals;
-
-constexpr std::string_view kJfifTag = "JFIF\0"sv;
-constexpr std::string_view kExifTag = "Exif\0\0"sv;
-constexpr std::string_view kPhotoshopTag = "Photoshop 3.0\0"sv;
 constexpr std::size_t kJfifSize = 14; ///< without marker and length
 
 class Restating {
@@ -27,16 +22,14 @@ public:
           vertical_(JpegDots(ResolutionOf(settings).vertical)),
           out_(out) {}
 
-    void Take(unsigned marker, std::size_t at, std::size_t size) {
-        const std::string_view text(reinterpret_cast<const char*>(out_.data() + at), size);
-        if (marker == JPEG_APP0 && text.starts_with(kJfifTag) && size >= kJfifSize) {
-            ReplaceInJfif(at);
-        } else if (marker == JPEG_APP0 + 1 && text.starts_with(kExifTag)) {
-            const auto block = std::span(out_).subspan(at, size).subspan(kExifTag.size());
-            SetExifResolution(block, horizontal_, vertical_);
-        } else if (marker == JPEG_APP0 + 13 && text.starts_with(kPhotoshopTag)) {
-            ReplaceInResources(at + kPhotoshopTag.size(), size - kPhotoshopTag.size());
-        }
+    void TakeSegments(std::size_t begin) {
+        const auto source = MemorySource(std::span<const std::byte>(out_).subspan(begin));
+        ForEachJpegSegment(*source, [&](const JpegSegment& segment) {
+            const auto at = begin + static_cast<std::size_t>(segment.data_at);
+            if (at + segment.size > out_.size()) return false;
+            Take(segment.marker, at, segment.size);
+            return true;
+        });
     }
 
     void AddJfif(std::size_t at) {
@@ -56,6 +49,18 @@ public:
     }
 
 private:
+    void Take(unsigned marker, std::size_t at, std::size_t size) {
+        const std::string_view text(reinterpret_cast<const char*>(out_.data() + at), size);
+        if (marker == JPEG_APP0 && text.starts_with(kJfifTag) && size >= kJfifSize) {
+            ReplaceInJfif(at);
+        } else if (marker == JPEG_APP0 + 1 && text.starts_with(kExifTag)) {
+            const auto block = std::span(out_).subspan(at, size).subspan(kExifTag.size());
+            SetExifResolution(block, horizontal_, vertical_);
+        } else if (marker == JPEG_APP0 + 13 && text.starts_with(kImageResourceTag)) {
+            ReplaceInResources(at + kImageResourceTag.size(), size - kImageResourceTag.size());
+        }
+    }
+
     void ReplaceInJfif(std::size_t at) {
         out_[at + 7] = std::byte{1}; // dots per inch
         Replace16(out_, at + 8, horizontal_);
@@ -81,13 +86,7 @@ private:
 bool RestateJpegResolution(const ExportSettings& settings, bool takes_jfif, std::size_t begin,
                            EncodedBytes& out) {
     Restating restating(settings, out);
-    const auto source = MemorySource(std::span<const std::byte>(out).subspan(begin));
-    ForEachJpegSegment(*source, [&](const JpegSegment& segment) {
-        const auto at = begin + static_cast<std::size_t>(segment.data_at);
-        if (at + segment.size > out.size()) return false;
-        restating.Take(segment.marker, at, segment.size);
-        return true;
-    });
+    restating.TakeSegments(begin);
     if (restating.IsRead(begin)) return true;
     if (takes_jfif) restating.AddJfif(begin + 2);
     return restating.IsRead(begin);

@@ -90,6 +90,9 @@ bool Differs(const std::optional<Fixed>& wanted, Fixed present) {
 /// Only another order of scans needs new entropy coding; other headers are put around the data as it is.
 bool Append(DataSource& source, const ImageDescription& description, const ExportSettings& settings,
             EncodedBytes& out) {
+    const bool has_resolution = !Differs(settings.horizontal_resolution, description.hRes) &&
+                                !Differs(settings.vertical_resolution, description.vRes);
+    if (has_resolution && !settings.compression_method) return AppendSource(source, out);
     const std::size_t begin = out.size();
     Coding coding;
     if (!CodingOf(source, coding)) return false;
@@ -97,8 +100,6 @@ bool Append(DataSource& source, const ImageDescription& description, const Expor
     const bool copied = settings.compression_method != other_order
                             ? AppendSource(source, out)
                             : HasFewSegments(source) && CopyCoefficients(source, !coding.is_progressive, out);
-    const bool has_resolution = !Differs(settings.horizontal_resolution, description.hRes) &&
-                                !Differs(settings.vertical_resolution, description.vRes);
     // Where only a JFIF header could state it, and would change the colours, no loss is worth a resolution.
     return copied && (has_resolution || RestateJpegResolution(settings, coding.takes_jfif, begin, out) ||
                       !coding.takes_jfif);
