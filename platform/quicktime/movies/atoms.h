@@ -27,6 +27,10 @@ constexpr std::uint32_t BigEndian32(std::span<const std::byte> bytes, std::size_
     return static_cast<std::uint32_t>(BigEndian(bytes, offset, 4));
 }
 
+constexpr std::uint32_t LittleEndian32(std::span<const std::byte> bytes, std::size_t offset) {
+    return __builtin_bswap32(BigEndian32(bytes, offset));
+}
+
 /// The bytes from `offset` on, at most `size`; none when `offset` lies beyond the end.
 constexpr std::span<const std::byte> Tail(std::span<const std::byte> bytes, std::size_t offset,
                                           std::size_t size = std::dynamic_extent) {

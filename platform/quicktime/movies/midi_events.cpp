@@ -1,6 +1,7 @@
 #include "platform/quicktime/movies/midi_events.h"
 
 #include "platform/quicktime/movies/movie_model.h"
+#include "platform/quicktime/movies/riff_chunks.h"
 
 #include <array>
 
@@ -12,10 +13,6 @@ constexpr std::uint64_t kLongestSeconds = 86'400; ///< a day
 constexpr std::uint64_t kMicrosecondsPerSecond = 1'000'000;
 constexpr std::uint64_t kFirstTempo = 500'000; ///< microseconds of a beat
 constexpr std::size_t kChunkHeader = 8;
-
-std::uint32_t LittleEndian32(std::span<const std::byte> bytes, std::size_t offset) {
-    return __builtin_bswap32(BigEndian32(bytes, offset));
-}
 
 /// Takes a number of up to four bytes, seven bits in each; nothing when it goes on or the bytes end.
 std::optional<std::uint32_t> TakeNumber(std::span<const std::byte>& bytes) {
@@ -54,17 +51,10 @@ bool LooksLikeMidi(DataSource& data) {
 
 std::vector<std::byte> ReadMidiFile(DataSource& data) {
     if (data.GetSize() > kLargestFile || !LooksLikeMidi(data)) return {};
-    std::vector<std::byte> bytes(static_cast<std::size_t>(data.GetSize()));
-    bytes.resize(data.Read(0, bytes));
-    if (BigEndian32(bytes, 0) != Code("RIFF")) return bytes;
-    constexpr std::size_t kFirstChunk = 12;
-    for (auto rest = Tail(bytes, kFirstChunk); rest.size() >= kChunkHeader;) {
-        const std::size_t size = LittleEndian32(rest, 4);
-        const auto chunk = Tail(rest, kChunkHeader, size);
-        if (BigEndian32(rest, 0) == Code("data")) return {chunk.begin(), chunk.end()};
-        rest = Tail(rest, kChunkHeader + size + size % 2);
-    }
-    return {};
+    const RiffChunk events = FindRiffChunk(data, Code("data")).value_or(RiffChunk{0, data.GetSize()});
+    std::vector<std::byte> bytes(static_cast<std::size_t>(events.size));
+    bytes.resize(data.Read(events.offset, bytes));
+    return bytes;
 }
 
 MidiEvents::MidiEvents(std::span<const std::byte> file) {

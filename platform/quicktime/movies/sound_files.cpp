@@ -3,6 +3,7 @@
 
 #include "platform/quicktime/modules/sndfile_library.h"
 #include "platform/quicktime/movies/importers.h"
+#include "platform/quicktime/movies/riff_chunks.h"
 #include "platform/quicktime/movies/sound_description.h"
 
 #include <algorithm>
@@ -224,20 +225,11 @@ std::optional<PcmLayout> RawLayout(const SF_INFO& info, const FileType& type) {
 
 /// Bytes per second as the format chunk of a WAVE file states them; 0 when it doesn't.
 std::uint32_t StatedBytesPerSecond(DataSource& data) {
-    constexpr std::size_t kHeader = 8;
-    constexpr std::size_t kAverage = kHeader + 8; // in a format chunk
-    std::array<std::byte, kAverage + 4> chunk{};
-    std::uint64_t offset = data.Read(0, std::span(chunk).first(12));
-    const bool big = BigEndian32(chunk, 0) == Code("RIFX");
-    const auto number = [&](std::size_t at) {
-        return big ? BigEndian32(chunk, at) : __builtin_bswap32(BigEndian32(chunk, at));
-    };
-    while (data.Read(offset, chunk) == chunk.size() && BigEndian32(chunk, 0) != Code("data")) {
-        if (BigEndian32(chunk, 0) == Code("fmt ")) return number(kAverage);
-        const std::uint64_t size = number(4);
-        offset += kHeader + size + size % 2;
-    }
-    return 0;
+    constexpr std::size_t kAverage = 8; // its place in the chunk
+    std::array<std::byte, kAverage + 4> format{};
+    const auto chunk = FindRiffChunk(data, Code("fmt "));
+    if (!chunk || data.Read(chunk->offset, format) != format.size()) return 0;
+    return chunk->big_endian ? BigEndian32(format, kAverage) : LittleEndian32(format, kAverage);
 }
 
 /// Bytes of the file's sound. Of other files than FLAC, whose pictures and tags come first, all are counted.
