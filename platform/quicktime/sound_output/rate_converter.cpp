@@ -5,7 +5,7 @@
 namespace qt {
 
 // A sinc, cut to the taps by a Blackman window. The position's own frame is the tap kDelay.
-RateFilter::RateFilter(double step) : coefficients_(kPhases + 1) {
+RateFilter::RateFilter(double step) : step_(step), coefficients_(kPhases + 1) {
     using std::numbers::pi;
     const double cutoff = step > 1 ? 1 / step : 1;
     constexpr double kHalf = RateConverter::kDelay;

@@ -17,11 +17,14 @@ public:
     /// `step`: frames taken in for one that goes out. Above 1 what the lower rate can't hold is filtered out.
     explicit RateFilter(double step);
 
+    [[nodiscard]] double Step() const { return step_; }
+
     /// The frame at `phase` (0 to 1) between the two middle ones of kTaps frames, the latest being the first.
     [[nodiscard]] StereoFrame Between(std::span<const StereoFrame, kTaps> latest_first, double phase) const;
 
 private:
     static constexpr std::size_t kPhases = 256;
+    double step_;
     std::vector<std::array<float, kTaps>> coefficients_; ///< of kPhases + 1 phases
 };
 

@@ -26,9 +26,8 @@ OSErr SoundOutput::Add(const std::shared_ptr<Voice>& voice) {
     return noErr;
 }
 
-void SoundOutput::Set(Voice& voice, VoiceSettings settings) {
-    settings.step = std::min(settings.rate / rate_, kLargestStep);
-    std::shared_ptr<const RateFilter> filter = FilterFor(settings.step);
+void SoundOutput::Set(Voice& voice, const VoiceSettings& settings) {
+    std::shared_ptr<const RateFilter> filter = FilterFor(std::min(settings.rate / rate_, kLargestStep));
     const std::lock_guard lock(lock_);
     voice.Set(settings, std::move(filter));
 }
@@ -54,10 +53,7 @@ void SoundOutput::Close() {
 }
 
 std::shared_ptr<const RateFilter> SoundOutput::FilterFor(double step) {
-    if (step != filter_step_) {
-        filter_ = std::make_shared<RateFilter>(step);
-        filter_step_ = step;
-    }
+    if (filter_ == nullptr || filter_->Step() != step) filter_ = std::make_shared<RateFilter>(step);
     return filter_;
 }
 

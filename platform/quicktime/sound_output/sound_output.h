@@ -22,7 +22,7 @@ public:
 
     /// Adds a voice, which starts when its settings say so. noHardwareErr where nothing can be played.
     OSErr Add(const std::shared_ptr<Voice>& voice);
-    void Set(Voice& voice, VoiceSettings settings);
+    void Set(Voice& voice, const VoiceSettings& settings);
     /// Ends everything, once what was handed to the device has been heard.
     void Close();
 
@@ -35,7 +35,6 @@ private:
     const SdlModule* module_ = nullptr;
     void* device_ = nullptr;
     std::uint32_t rate_ = 0;
-    double filter_step_ = 0;
     std::shared_ptr<const RateFilter> filter_; ///< the latest: most voices play alike
 
     std::mutex lock_; ///< of the voices and their settings

@@ -38,7 +38,7 @@ float Voice::Fade() {
     const std::int64_t unplayed =
         queue_ended_.load(std::memory_order_acquire) ? frames_ - (taken_ - kLead) : 0;
     const auto left =
-        static_cast<double>(unplayed + static_cast<std::int64_t>(queue_.Available())) / settings_.step;
+        static_cast<double>(unplayed + static_cast<std::int64_t>(queue_.Available())) / filter_->Step();
     return fade_ = std::min(fade, static_cast<float>(left) * kChange);
 }
 
@@ -62,15 +62,16 @@ Voice::State Voice::Prepare() {
 }
 
 void Voice::Mix(std::span<StereoFrame> mix) {
+    const double step = filter_ == nullptr ? 0 : filter_->Step(); // not set yet, it is silent
     State state = State::kReady;
     for (auto out = mix.begin(); out != mix.end() && (state = Prepare()) == State::kReady; ++out) {
-        const bool plain = settings_.step == 1 && phase_ == 0;
+        const bool plain = step == 1 && phase_ == 0;
         const StereoFrame frame = plain ? converter_.Middle() : converter_.Between(phase_, *filter_);
         const float fade = Fade();
         MoveGains();
         out->left += frame.left * left_ * fade;
         out->right += frame.right * right_ * fade;
-        phase_ += settings_.step;
+        phase_ += step;
     }
     position_.store(std::clamp<std::int64_t>(taken_ - kLead + static_cast<std::int64_t>(phase_), 0, frames_),
                     std::memory_order_release);

@@ -17,10 +17,9 @@ inline constexpr std::size_t kRampFrames = 128;
 struct VoiceSettings {
     float left = 1; ///< gains
     float right = 1;
-    double step = 1; ///< frames of the sound for one of the device; the output makes it of the rate
+    double rate = 0; ///< frames of the sound a second, at the speed at which they are to play
     bool playing = false;
     bool ending = false; ///< fades out and finishes, however much is queued
-    double rate = 0;     ///< frames of the sound a second, at the speed at which they are to play
 };
 
 class Voice {
@@ -38,8 +37,8 @@ public:
     /// Nothing more will be heard of it.
     [[nodiscard]] bool IsFinished() const { return finished_.load(std::memory_order_acquire); }
 
-    /// Takes effect with the next frames that are mixed, in ramps of kRampFrames. `filter` belongs to the
-    /// step.
+    /// Takes effect with the next frames that are mixed, in ramps of kRampFrames. `filter` brings the rate to
+    /// that of the device.
     void Set(const VoiceSettings& settings, std::shared_ptr<const RateFilter> filter);
     /// The latest; for the thread that sets them.
     [[nodiscard]] const VoiceSettings& Settings() const { return settings_; }

@@ -27,9 +27,9 @@ std::vector<StereoFrame> Sine(std::size_t count, double cycles_per_frame) {
     return frames;
 }
 
-void Play(Voice& voice, VoiceSettings settings) {
+void Play(Voice& voice, VoiceSettings settings, double step = 1) {
     settings.playing = true;
-    voice.Set(settings, std::make_shared<RateFilter>(settings.step));
+    voice.Set(settings, std::make_shared<RateFilter>(step));
 }
 
 // Blocks of odd sizes, as devices ask for them.
@@ -121,7 +121,7 @@ TEST(Voice, ThatEndsFadesOutEvenWithNothingQueued) {
     voice.Queue().Push(Ramp(500));
     Play(voice, {});
     Mix(voice, 200);
-    voice.Set({1, 1, 1, true, true}, std::make_shared<RateFilter>(1));
+    voice.Set({.playing = true, .ending = true}, std::make_shared<RateFilter>(1));
     const auto mix = Mix(voice, 200);
     EXPECT_GT(mix[kRamp / 2].left, 50);
     EXPECT_EQ(mix[kRamp].left, 0);
@@ -131,7 +131,7 @@ TEST(Voice, ThatEndsFadesOutEvenWithNothingQueued) {
     starved.Queue().Push(Ramp(100));
     Play(starved, {});
     Mix(starved, 200);
-    starved.Set({1, 1, 1, true, true}, std::make_shared<RateFilter>(1));
+    starved.Set({.playing = true, .ending = true}, std::make_shared<RateFilter>(1));
     Mix(starved, 1);
     EXPECT_TRUE(starved.IsFinished());
 }
@@ -139,11 +139,11 @@ TEST(Voice, ThatEndsFadesOutEvenWithNothingQueued) {
 TEST(Voice, ChangesItsGainsInARamp) {
     Voice voice(1000);
     voice.Queue().Push(std::vector<StereoFrame>(1000, {1, 1}));
-    Play(voice, {0.5F, 1});
+    Play(voice, {.left = 0.5F});
     auto mix = Mix(voice, 300);
     EXPECT_EQ(mix[299].left, 0.5F) << "the first gains need no way to them";
     EXPECT_EQ(mix[299].right, 1);
-    Play(voice, {0.25F, 0});
+    Play(voice, {.left = 0.25F, .right = 0});
     mix = Mix(voice, 300);
     for (std::size_t i = 1; i < 300; ++i) {
         ASSERT_LE(std::abs(mix[i].left - mix[i - 1].left), 0.25F / kRamp * 1.01F) << i;
@@ -160,7 +160,7 @@ TEST(Voice, ChangesPitchWithTheRate) {
         Voice voice(8000);
         voice.Queue().Push(Sine(8000, kTone));
         voice.EndQueue();
-        Play(voice, {1, 1, step});
+        Play(voice, {}, step);
         const auto length = static_cast<std::size_t>(std::ceil(8000 / step));
         const auto mix = Mix(voice, length + 10);
         double worst = 0;
@@ -174,7 +174,7 @@ TEST(Voice, ChangesPitchWithTheRate) {
     }
     Voice voice(8000);
     voice.Queue().Push(Sine(8000, 0.45));
-    Play(voice, {1, 1, 2});
+    Play(voice, {}, 2);
     float loudest = 0;
     const auto mix = Mix(voice, 1000);
     for (const StereoFrame& frame : std::span(mix).subspan(kRamp))
