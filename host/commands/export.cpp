@@ -112,17 +112,18 @@ private:
         };
         if (names_.contains(utf::ToLower(file))) return refusal("\" is the name of another record's file");
         SetPath("$path", folder_ + file);
-        if (Do("Media_GetItemInfo($path)")) return std::nullopt;
+        const Outcome info = engine_.Evaluate("Media_GetItemInfo($path)");
+        if (FailureOf(engine_, info, field_->name)) return std::nullopt; // nothing is there
+        engine_.SessionVariable("$info") = info.value;
         if (IsSo("Directory")) return refusal("\" is the name of a folder there");
         if (!line_.table.replace) return refusal("\" is there already; --replace overwrites it");
         if (IsSo("Locked")) return refusal("\" is there already, and read-only");
         return std::nullopt;
     }
 
-    // A fact of the item at $path.
+    // A fact of the item that $info tells of.
     bool IsSo(const std::string& fact) {
-        return engine_.Evaluate("Media_ExtractInfo(Media_GetItemInfo($path); \"" + fact + "\")")
-            .value.AsBoolean();
+        return engine_.Evaluate("Media_ExtractInfo($info; \"" + fact + "\")").value.AsBoolean();
     }
 
     void SetPath(const char* variable, const std::string& path) {
