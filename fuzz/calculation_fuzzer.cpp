@@ -11,6 +11,6 @@ void Fuzz(std::string_view calculation) {
     if (lower.find("hostpump") != std::string::npos || lower.find("hostcontainer") != std::string::npos)
         return;
     host::Engine engine;
-    engine.text_allowance = std::size_t{16} << 20; // more only takes time
+    engine.text_allowance = std::size_t{4} << 20; // more only takes time
     (void)engine.Evaluate(calculation);
 }
