@@ -5,7 +5,8 @@ namespace host {
 RunLog::RunLog(Connection& connection)
     : connection_(connection),
       done_(connection.Prepare("SELECT 1 FROM corvane_done WHERE run = ? AND record = ?")),
-      notice_(connection.Prepare("INSERT OR IGNORE INTO corvane_done (run, record) VALUES (?, ?)")),
+      notice_(connection.Prepare("INSERT OR IGNORE INTO corvane_done (run, record) "
+                                 "SELECT id, ?2 FROM corvane_runs WHERE id = ?1")),
       failure_(connection.Prepare("UPDATE corvane_runs SET failed = failed + 1 WHERE id = ?")) {}
 
 std::string RunLog::Begin(const Table& table, const std::string& work, std::int64_t last_record,
@@ -25,8 +26,10 @@ std::string RunLog::Begin(const Table& table, const std::string& work, std::int6
     resumed_ = resume && run_ != 0;
     if (!resumed_) {
         if (std::string problem = Forget(run_); !problem.empty()) return problem;
-        Statement beginning = connection_.Prepare(
-            "INSERT INTO corvane_runs (table_name, work, last_record, failed) VALUES (?, ?, ?, 0)");
+        // No number is given twice: another process may go on with a run after it was forgotten.
+        Statement beginning =
+            connection_.Prepare("INSERT INTO corvane_runs (id, table_name, work, last_record, failed) "
+                                "VALUES (random(), ?, ?, ?, 0)");
         beginning.Bind(1, table.name);
         beginning.Bind(2, work);
         beginning.Bind(3, last_record);

@@ -27,7 +27,8 @@ public:
     /// How many records it has been through.
     [[nodiscard]] std::int64_t DoneCount();
 
-    /// Notes a record in the transaction that stores its result.
+    /// Notes a record in the transaction that stores its result, unless another process of the same work has
+    /// come to the run's end, or begun it anew.
     [[nodiscard]] std::string Note(std::int64_t record, bool failed);
     /// Forgets the run: it has come to its end.
     [[nodiscard]] std::string Finish();

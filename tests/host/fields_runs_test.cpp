@@ -144,6 +144,24 @@ TEST_F(FieldRuns, ResumedRunsRememberWhatFailed) {
     EXPECT_EQ(Sql("SELECT id, n FROM t"), "1|\n2|2\n4|4");
 }
 
+TEST_F(FieldRuns, RunsOfTheSameWorkThatOverlapCostLaterOnesNoRecord) {
+    MakeTable(40);
+    const std::string update = "update m.corvane t 'n=id + Length(HostPump(0.02))'";
+    const pid_t first = Start(update);
+    ASSERT_TRUE(WaitFor("SELECT count(*) > 10 FROM corvane_done", "1"));
+    const pid_t second = Start(update);
+    EXPECT_EQ(Wait(first), 0) << Read("errors");
+    std::this_thread::sleep_for(milliseconds(100)); // the second one notes what it does
+    Kill(second, SIGTERM);
+
+    const std::string other = "update m.corvane t 'name=\"x\" & HostPump(0.02)'";
+    const pid_t third = Start(other);
+    ASSERT_TRUE(WaitFor("SELECT count(*) > 2 FROM t WHERE name = 'x'", "1"));
+    Kill(third);
+    EXPECT_EQ(Corvane(other + " --resume").status, 0);
+    EXPECT_EQ(Sql("SELECT count(*) FROM t WHERE name = 'x'"), "40");
+}
+
 TEST_F(FieldRuns, KillsAtAnyMomentLeaveAWholeFile) {
     MakeTable(0);
     for (std::size_t i = 0; i < 20; ++i)
