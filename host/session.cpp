@@ -23,10 +23,7 @@ bool IsHostPathText(std::string_view path) {
 
 std::string DatabasePath(const std::string& path, const std::vector<fm::Drive>& drives) {
     if (IsHostPathText(path)) return path;
-    std::error_code error;
-    const auto absolute =
-        std::filesystem::absolute(path.empty() ? "Untitled.fp7" : path, error).lexically_normal();
-    auto host_path = fm::HostPath(drives, absolute.string());
+    auto host_path = fm::HostPath(drives, fm::AbsolutePath(path.empty() ? "Untitled.fp7" : path));
     // Results by reference need some database: where the current folder is on no drive, a first drive's.
     if (!host_path && path.empty()) host_path = fm::HostPath(drives, drives.front().folder + "/Untitled.fp7");
     return host_path ? "file:" + *host_path : "";

@@ -79,8 +79,8 @@ private:
     // The files that a path stands for: itself, or those below a folder, in the order of their names.
     std::string AddFiles(const std::string& path) {
         std::error_code error;
-        const fs::path absolute = fs::absolute(path, error).lexically_normal();
-        const fs::file_status status = error ? fs::file_status() : fs::status(absolute, error);
+        const fs::path absolute = fm::AbsolutePath(path);
+        const fs::file_status status = fs::status(absolute, error);
         if (!fs::exists(status)) return path + ": there is no such file";
         if (!fs::is_directory(status)) {
             files_.push_back(absolute);

@@ -33,6 +33,22 @@ Session& CurrentSession() {
     return session;
 }
 
+std::string AbsolutePath(const std::string& path) {
+    std::error_code error;
+    std::filesystem::path result;
+    for (const std::filesystem::path& part : std::filesystem::absolute(path, error)) {
+        if (part == "..") {
+            // As for the system, out of the folder that a link leads to, not of the one that it lies in.
+            if (std::filesystem::is_symlink(result, error))
+                result = std::filesystem::weakly_canonical(result, error);
+            result = result.parent_path();
+        } else if (part != ".") {
+            result /= part;
+        }
+    }
+    return result.string();
+}
+
 std::optional<Drive> ParseDrive(std::string_view text) {
     constexpr std::string_view kRemote = "remote:";
     const auto equals = text.find('=');
@@ -52,10 +68,8 @@ std::optional<Drive> ParseDrive(std::string_view text) {
         folder.remove_prefix(kRemote.size());
     }
     if (folder.empty()) return std::nullopt;
-    std::error_code error;
-    drive.folder =
-        std::filesystem::absolute(std::filesystem::path(folder), error).lexically_normal().string();
-    if (error) return std::nullopt;
+    drive.folder = AbsolutePath(std::string(folder));
+    if (!drive.folder.starts_with('/')) return std::nullopt;
     while (!drive.folder.empty() && drive.folder.back() == '/') drive.folder.pop_back();
     return drive;
 }

@@ -57,6 +57,10 @@ struct Session {
 
 Session& CurrentSession();
 
+/// The absolute form of a Unix path, without "." and "..". One that is relative stays so when the current
+/// folder is gone.
+std::string AbsolutePath(const std::string& path);
+
 /// "C:=/data", "\\server\share=/mnt/share" or "Z:=remote:/mnt/z". A relative folder counts from the
 /// current one. nullopt when the text has another form.
 std::optional<Drive> ParseDrive(std::string_view text);

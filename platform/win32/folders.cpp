@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <string>
@@ -29,9 +28,8 @@ std::string Environment(const char* name) {
 }
 
 std::optional<std::u16string> ToNativeFolder(const std::string& folder) {
-    std::error_code error;
-    const std::string absolute = std::filesystem::absolute(folder, error).lexically_normal().string();
-    return error ? std::nullopt : win32::ToNativePath(absolute);
+    const std::string absolute = fm::AbsolutePath(folder);
+    return absolute.starts_with('/') ? win32::ToNativePath(absolute) : std::nullopt;
 }
 
 // The value of XDG_DESKTOP_DIR="$HOME/Desktop" in the user's folder list, quotes and escapes removed.

@@ -1,5 +1,7 @@
 #include "platform/fmwrapper/session.h"
 
+#include "tests/support/files.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -31,6 +33,20 @@ TEST(Session, ReadsDrives) {
                              R"(\\server\=/mnt)", R"(\\\share=/mnt)", R"(\\server\share\deeper=/mnt)"})
         EXPECT_EQ(Parsed(text), "none") << text;
     EXPECT_EQ(Parsed("C:=media"), "C:|" + (std::filesystem::current_path() / "media").string());
+}
+
+TEST(Session, PathsLeadWhereTheSystemGoes) {
+    const corvane::test::ScratchFolder scratch;
+    const std::string root = std::filesystem::canonical(scratch.Path());
+    std::filesystem::create_directories(root + "/far/away/below");
+    std::filesystem::create_symlink("far/away", root + "/link");
+    std::filesystem::create_symlink("nowhere", root + "/dangling");
+    const std::pair<const char*, const char*> cases[] = {
+        {"/link/./x", "/link/x"},          {"/link/../x", "/far/x"}, {"/link/below/../x", "/link/x"},
+        {"/link/below/../../x", "/far/x"}, {"/dangling/../x", "/x"}, {"/far/../x/", "/x/"}};
+    for (const auto& [path, absolute] : cases)
+        EXPECT_EQ(fm::AbsolutePath(root + path), root + absolute) << path;
+    EXPECT_EQ(fm::AbsolutePath("/../x"), "/x");
 }
 
 TEST(Session, FindsTheDriveThatCoversAPathMostClosely) {
