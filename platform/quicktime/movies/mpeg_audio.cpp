@@ -194,6 +194,7 @@ struct MpegStream {
     FrameHeader first;
     EncoderNote note;
     std::uint64_t first_frame = 0;    ///< that holds sound
+    std::uint32_t bit_rate = 0;       ///< of that frame; some encoders give their note another one
     bool is_behind_something = false; ///< that is no tag
 };
 
@@ -210,13 +211,15 @@ std::optional<MpegStream> FindStream(DataSource& data) {
     stream.first = *headers.At(*offset);
     stream.note = ReadNote(data, *offset, stream.first);
     stream.first_frame = *offset + (stream.note.present ? stream.first.size : 0);
+    stream.bit_rate = headers.At(stream.first_frame).value_or(stream.first).bit_rate;
     return stream;
 }
 
-/// Walks the frames to the end of the stream.
-void FindFrames(DataSource& data, const MpegStream& stream, MediaSamples& samples) {
+/// Walks the frames to the end of the stream; whether all have the first one's bit rate.
+bool FindFrames(DataSource& data, const MpegStream& stream, MediaSamples& samples) {
     HeaderSource headers(data);
     TimeValue time = 0;
+    bool constant = true;
     for (std::uint64_t offset = stream.first_frame;;) {
         auto header = headers.At(offset);
         if (!header.has_value() || !Continues(*header, stream.first)) {
@@ -227,6 +230,7 @@ void FindFrames(DataSource& data, const MpegStream& stream, MediaSamples& sample
             if (!Continues(*header, stream.first)) break;
         }
         if (offset + header->size > data.GetSize()) break;
+        constant = constant && header->bit_rate == stream.bit_rate;
         SampleRun run;
         run.start = time;
         run.offset = offset;
@@ -237,6 +241,7 @@ void FindFrames(DataSource& data, const MpegStream& stream, MediaSamples& sample
         time += header->samples;
         offset += header->size;
     }
+    return constant;
 }
 
 /// The note's word is taken when as much data is there as it says.
@@ -263,6 +268,7 @@ Imported ImportMpegAudio(const ImportSource& source) {
     }
     auto samples = std::make_shared<MediaSamples>();
     TimeValue length = 0;
+    bool constant = stream->note.constant;
     if (NoteHolds(*source.data, *stream)) {
         length = TimeValue{stream->note.frames} * stream->first.samples;
         samples->find_runs = [data = source.data, stream = *stream](MediaSamples& found) {
@@ -270,7 +276,7 @@ Imported ImportMpegAudio(const ImportSource& source) {
             return found.runs.empty() ? invalidSampleTable : noErr;
         };
     } else {
-        FindFrames(*source.data, *stream, *samples);
+        constant = FindFrames(*source.data, *stream, *samples);
         length = samples->runs.empty() ? 0 : samples->runs.back().End();
     }
     samples->duration = length;
@@ -291,9 +297,9 @@ Imported ImportMpegAudio(const ImportSource& source) {
     const double seconds = static_cast<double>(length) / stream->first.rate;
     const auto bytes =
         static_cast<double>(source.data->GetSize() - std::min(source.data->GetSize(), stream->first_frame));
-    const bool varies = stream->note.present && !stream->note.constant && seconds > 0;
-    sound.average_bytes_per_second =
-        varies ? static_cast<std::uint32_t>(std::min(bytes / seconds, 1e9)) : stream->first.bit_rate / 8;
+    sound.average_bytes_per_second = constant || seconds <= 0
+                                         ? stream->bit_rate / 8
+                                         : static_cast<std::uint32_t>(std::min(bytes / seconds, 1e9));
     samples->descriptions.push_back(DescribeCompressed(sound));
     const OSType importer = stream->first.layer == 3 ? Code("MP3 ") : Code("MPGA");
     return {noErr, importer, MovieOfSound(source, stream->first.rate, std::move(samples))};
