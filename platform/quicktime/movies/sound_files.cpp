@@ -327,6 +327,16 @@ OpenedReader OpenSoundFileReader(const std::shared_ptr<DataSource>& data) {
     return {noErr, std::make_unique<SoundFileReader>(std::move(file), encoding, order)};
 }
 
+/// The library takes all samples of an extensible Wave64 file for integers, whatever their sub-format says.
+bool IsMisread(DataSource& data, int format) {
+    constexpr std::uint64_t kFormat = 64; // its fields, in the chunk that all writers put first
+    constexpr std::uint32_t kExtensible = 0xFFFE;
+    constexpr std::uint32_t kPcm = 1;
+    std::array<std::byte, 28> fields{};
+    return (format & SF_FORMAT_TYPEMASK) == SF_FORMAT_W64 && data.Read(kFormat, fields) == fields.size() &&
+           (LittleEndian32(fields, 0) & 0xFFFF) == kExtensible && LittleEndian32(fields, 24) != kPcm;
+}
+
 bool IsAifc(DataSource& data) {
     std::array<std::byte, 12> start{};
     return data.Read(0, start) == start.size() && BigEndian32(start, 8) == Code("AIFC");
@@ -340,7 +350,7 @@ Imported ImportSoundFile(const ImportSource& source) {
     const FileType* type = file.Open() ? FindType(file.Info().format) : nullptr;
     const SF_INFO& info = file.Info();
     const bool usable = type != nullptr && info.channels > 0 && info.channels <= 256 && info.samplerate > 0 &&
-                        info.frames >= 0;
+                        info.frames >= 0 && !IsMisread(*source.data, info.format);
     const auto layout = usable ? RawLayout(info, *type) : std::nullopt;
     const std::uint64_t size = source.data->GetSize();
     // A sound inside that this library does not know, or FLAC from a stream: its length is for others to

@@ -58,6 +58,7 @@ constexpr Format kFormats[] = {
     {"s.ts", "ffmpeg -i source.wav -c:a aac -f mpegts s.ts", "MPEG", "mp4a", 88 * 1024, false},
     {"s.mpg", "ffmpeg -i source.wav -c:a mp2 -f mpeg s.mpg", "MPEG", ".mp2", 77 * 1152, false},
     {"s.dts", "ffmpeg -i source.wav -strict -2 -c:a dca s.dts", "DTS ", "dts ", 173 * 512, false},
+    {"float.w64", "ffmpeg -i source.wav -c:a pcm_f32le float.w64", "W64 ", "pcm_", 88217, false},
     {"s64.nut", "ffmpeg -i source.wav -c:a pcm_s64le s64.nut", "NUT ", "pcm_", 88217, false},
     {"streamed.wv", "ffmpeg -i source.wav -c:a wavpack -f gsm streamed.wv", "WV  ", "wavp", 88217,
      false}, // 0 frames, it says
