@@ -337,6 +337,17 @@ bool IsMisread(DataSource& data, int format) {
            (LittleEndian32(fields, 0) & 0xFFFF) == kExtensible && LittleEndian32(fields, 24) != kPcm;
 }
 
+/// Frames of the file. Of GSM in WAVE files, the library takes the byte behind an odd number of blocks for
+/// one more, which would be noise.
+TimeValue FrameCount(const SF_INFO& info, DataSource& data) {
+    constexpr std::uint64_t kBlock = 65; // bytes
+    constexpr TimeValue kBlockFrames = 320;
+    if ((info.format & SF_FORMAT_SUBMASK) != SF_FORMAT_GSM610) return info.frames;
+    const auto chunk = FindRiffChunk(data, Code("data"));
+    if (!chunk.has_value() || chunk->size < kBlock) return info.frames;
+    return std::min<TimeValue>(info.frames, static_cast<TimeValue>(chunk->size / kBlock) * kBlockFrames);
+}
+
 bool IsAifc(DataSource& data) {
     std::array<std::byte, 12> start{};
     return data.Read(0, start) == start.size() && BigEndian32(start, 8) == Code("AIFC");
@@ -361,7 +372,7 @@ Imported ImportSoundFile(const ImportSource& source) {
         return other;
     }
     auto samples = std::make_shared<MediaSamples>();
-    samples->duration = info.frames;
+    samples->duration = FrameCount(info, *source.data);
     const auto first = layout.has_value() ? file.FirstSample() : std::nullopt;
     if (first.has_value()) {
         const std::uint64_t there = *first < size ? (size - *first) / layout->FrameBytes() : 0;
