@@ -96,26 +96,27 @@ ComponentResult Decode(DataSource& source, std::uint32_t index, PixelImage& imag
 }
 
 /// The bytes of a tag that holds a block of another format; empty when it is absent.
-std::span<const std::byte> BlockOf(TIFF* tiff, std::uint32_t tag, std::size_t unit) {
+std::span<const std::byte> BlockOf(TIFF* tiff, std::uint32_t tag) {
     std::uint32_t count = 0;
     const void* data = nullptr;
     if (g_tiff->GetField(tiff, tag, &count, &data) == 0 || data == nullptr) return {};
-    return {static_cast<const std::byte*>(data), count * unit};
+    return {static_cast<const std::byte*>(data), count};
 }
 
 /// IPTC for itself or among Photoshop's resources, and XMP.
 void AppendBlocks(TIFF* tiff, std::vector<MetadataItem>& items) {
-    const std::span<const std::byte> resources = BlockOf(tiff, TIFFTAG_PHOTOSHOP, 1);
-    const std::span<const std::byte> words = BlockOf(tiff, TIFFTAG_RICHTIFFIPTC, 4);
-    // The library takes IPTC for words and has put them into this machine's order.
-    std::vector<std::uint32_t> restored(words.size() / 4);
+    const std::span<const std::byte> resources = BlockOf(tiff, TIFFTAG_PHOTOSHOP);
+    const std::span<const std::byte> words = BlockOf(tiff, TIFFTAG_RICHTIFFIPTC);
+    // The library counts bytes here, but has put those that the file calls words into this machine's order.
+    constexpr std::byte kDataSet{0x1C}; // begins a record
+    std::vector<std::uint32_t> restored((words.size() + 3) / 4);
     if (!words.empty()) std::memcpy(restored.data(), words.data(), words.size());
-    if (g_tiff->IsByteSwapped(tiff) != 0) {
-        g_tiff->SwabArrayOfLong(restored.data(), static_cast<tmsize_t>(restored.size()));
+    if (g_tiff->IsByteSwapped(tiff) != 0 && !words.empty() && words.front() != kDataSet) {
+        g_tiff->SwabArrayOfLong(restored.data(), static_cast<tmsize_t>(words.size() / 4));
     }
-    const std::span<const std::byte> iptc = std::as_bytes(std::span(restored));
+    const std::span<const std::byte> iptc = std::as_bytes(std::span(restored)).first(words.size());
     AppendIptcItems(iptc.empty() ? FindImageResource(resources, kIptcResource) : iptc, items);
-    const std::span<const std::byte> packet = BlockOf(tiff, TIFFTAG_XMLPACKET, 1);
+    const std::span<const std::byte> packet = BlockOf(tiff, TIFFTAG_XMLPACKET);
     AppendXmpItems({reinterpret_cast<const char*>(packet.data()), packet.size()}, items);
 }
 
