@@ -102,7 +102,9 @@ TEST_F(ProgramWindows, WithoutADisplayTheScriptAnswers) {
 TEST_F(ProgramWindows, ADisplayThatGoesAwayCancels) {
     auto display = std::make_unique<VirtualDisplay>();
     {
-        const Person person("JPEG Options", "kill " + std::to_string(display->Process()));
+        // The text of a field is selected, which its window would tell the display when it is taken down.
+        const Person person("JPEG Options",
+                            "xdotool key alt+q; sleep 1; kill " + std::to_string(display->Process()));
         // The second dialog finds no display, and takes the script's answer.
         const std::string dialog = R"(Media_ConversionDialog ( "JPEG" ))";
         EXPECT_EQ(Evaluate("--ui gtk --answer set:quality=900", dialog + R"( & "|" & )" + dialog),

@@ -6,6 +6,7 @@
 #ifdef GDK_WINDOWING_X11
 #include <X11/Xlib.h>
 #include <gdk/gdkx.h>
+#include <poll.h>
 #endif
 
 namespace corvane::gtk {
@@ -30,16 +31,28 @@ void NoteLoss(::Display*, void*) {
 }
 
 // Left to itself, the library ends the process with the connection. From libX11 1.7 on a connection that is
-// broken answers every further call with nothing, so that open windows can be taken down as usual.
+// broken answers every further call with nothing.
 void SurviveLoss(GdkDisplay* display) {
     if (!GDK_IS_X11_DISPLAY(display)) return;
     XSetIOErrorHandler([](::Display*) { return 0; });
     XSetIOErrorExitHandler(gdk_x11_display_get_xdisplay(display), NoteLoss, nullptr);
 }
 
+// Whether the server has closed its end, though nobody has asked it for anything since.
+bool IsConnectionBroken() {
+    GdkDisplay* display = gdk_display_get_default();
+    if (!GDK_IS_X11_DISPLAY(display)) return false;
+    pollfd connection = {XConnectionNumber(gdk_x11_display_get_xdisplay(display)), POLLRDHUP, 0};
+    return poll(&connection, 1, 0) > 0 && (connection.revents & (POLLRDHUP | POLLHUP | POLLERR)) != 0;
+}
+
 #else
 
 void SurviveLoss(GdkDisplay*) {}
+
+bool IsConnectionBroken() {
+    return false;
+}
 
 #endif
 
@@ -53,8 +66,8 @@ const char* NameOfDisplay() {
 
 std::string OpenDisplay(const win32::WindowsClient& client) {
     g_client = client;
+    if (IsDisplayLost()) return "the display was lost";
     if (g_display == Display::kOpen) return {};
-    if (g_display == Display::kLost) return "the display was lost";
     g_log_set_writer_func(WriteLog, nullptr, nullptr);
     gtk_disable_setlocale(); // numbers and texts of the host stay as they are
     // Only X tells where the pointer and the window in front are.
@@ -70,6 +83,7 @@ std::string OpenDisplay(const win32::WindowsClient& client) {
 }
 
 bool IsDisplayLost() {
+    if (g_display == Display::kOpen && IsConnectionBroken()) g_display = Display::kLost;
     return g_display == Display::kLost;
 }
 

@@ -1,6 +1,5 @@
 #include "ui/gtk/modal.h"
 
-#include "ui/gtk/display.h"
 #include "ui/gtk/labels.h"
 
 #include <exception>
@@ -33,10 +32,31 @@ void Answer(GtkDialog*, int response, Loop* loop) {
     if (closes) End(*loop, response);
 }
 
-gboolean Pump(gpointer data) {
-    if (IsDisplayLost()) End(*static_cast<Loop*>(data), GTK_RESPONSE_NONE);
+gboolean Pump(gpointer) {
     Guarded(DispatchMessages);
     return G_SOURCE_CONTINUE;
+}
+
+gboolean EndWithDisplay(gpointer data) {
+    End(*static_cast<Loop*>(data), GTK_RESPONSE_NONE);
+    return G_SOURCE_CONTINUE;
+}
+
+// Ends the loop when the display is lost, ahead of what came from it last.
+guint WatchDisplay(Loop& loop) {
+    static GSourceFuncs functions = {
+        [](GSource*, gint*) -> gboolean { return IsDisplayLost() ? TRUE : FALSE; },
+        [](GSource*) -> gboolean { return IsDisplayLost() ? TRUE : FALSE; },
+        [](GSource*, GSourceFunc end, gpointer data) { return end(data); },
+        nullptr,
+        nullptr,
+        nullptr};
+    GSource* source = g_source_new(&functions, sizeof(GSource));
+    g_source_set_priority(source, G_PRIORITY_HIGH);
+    g_source_set_callback(source, EndWithDisplay, &loop, nullptr);
+    const guint number = g_source_attach(source, nullptr);
+    g_source_unref(source);
+    return number;
 }
 
 // Brings what was drawn and taken down onto the screen, for nobody does so between two dialogs.
@@ -73,16 +93,18 @@ int RunModal(GtkWidget* dialog, const std::function<bool(int)>& closes) {
     g_loop = &loop;
     const gulong answers = g_signal_connect(dialog, "response", G_CALLBACK(Answer), &loop);
     const gulong deletes = g_signal_connect(dialog, "delete-event", G_CALLBACK(gtk_true), nullptr);
-    const guint pump = g_timeout_add(kPumpInterval, Pump, &loop);
+    const guint watch = WatchDisplay(loop);
+    const guint pump = g_timeout_add(kPumpInterval, Pump, nullptr);
     gtk_window_set_modal(GTK_WINDOW(dialog), TRUE);
     gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER);
     gtk_widget_show_all(dialog);
     gtk_window_present(GTK_WINDOW(dialog));
     g_main_loop_run(loop.main_loop);
     g_source_remove(pump);
+    g_source_remove(watch);
     g_signal_handler_disconnect(dialog, deletes);
     g_signal_handler_disconnect(dialog, answers);
-    gtk_widget_hide(dialog);
+    if (!IsDisplayLost()) gtk_widget_hide(dialog);
     Settle();
     g_main_loop_unref(loop.main_loop);
     g_loop = loop.outer;

@@ -1,6 +1,8 @@
 // Modal windows: shown, run and taken down in one call.
 #pragma once
 
+#include "ui/gtk/display.h"
+
 #include <functional>
 #include <gtk/gtk.h>
 #include <memory>
@@ -9,9 +11,11 @@
 namespace corvane::gtk {
 
 struct DestroyWindow {
-    void operator()(GtkWidget* window) const { gtk_widget_destroy(window); }
+    void operator()(GtkWidget* window) const {
+        if (!IsDisplayLost()) gtk_widget_destroy(window);
+    }
 };
-/// A toplevel window that goes away with this handle.
+/// A toplevel window that goes away with this handle; one whose display is lost stays in memory.
 using Window = std::unique_ptr<GtkWidget, DestroyWindow>;
 
 /// An empty dialog with our margins. The caller adds content to gtk_dialog_get_content_area.
