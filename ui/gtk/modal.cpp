@@ -32,6 +32,12 @@ void Answer(GtkDialog*, int response, Loop* loop) {
     if (closes) End(*loop, response);
 }
 
+// A window that another program destroyed is closed like one whose close button was pressed.
+gboolean AnswerDestroyed(GtkDialog* dialog, GdkEvent*, gpointer) {
+    gtk_dialog_response(dialog, GTK_RESPONSE_DELETE_EVENT);
+    return TRUE;
+}
+
 gboolean Pump(gpointer) {
     Guarded(DispatchMessages);
     return G_SOURCE_CONTINUE;
@@ -93,6 +99,7 @@ int RunModal(GtkWidget* dialog, const std::function<bool(int)>& closes) {
     g_loop = &loop;
     const gulong answers = g_signal_connect(dialog, "response", G_CALLBACK(Answer), &loop);
     const gulong deletes = g_signal_connect(dialog, "delete-event", G_CALLBACK(gtk_true), nullptr);
+    const gulong destroys = g_signal_connect(dialog, "destroy-event", G_CALLBACK(AnswerDestroyed), nullptr);
     const guint watch = WatchDisplay(loop);
     const guint pump = g_timeout_add(kPumpInterval, Pump, nullptr);
     gtk_window_set_modal(GTK_WINDOW(dialog), TRUE);
@@ -102,6 +109,7 @@ int RunModal(GtkWidget* dialog, const std::function<bool(int)>& closes) {
     g_main_loop_run(loop.main_loop);
     g_source_remove(pump);
     g_source_remove(watch);
+    g_signal_handler_disconnect(dialog, destroys);
     g_signal_handler_disconnect(dialog, deletes);
     g_signal_handler_disconnect(dialog, answers);
     if (!IsDisplayLost()) gtk_widget_hide(dialog);
