@@ -25,14 +25,14 @@ constexpr int kRowSpacing = 8;
 constexpr int kTallestPage = 300; // pixels; a page with more scrolls
 constexpr int kSettingsWidth = 340;
 
-// The Return key confirms, also where a widget of its own would take it: in a box of choices, on a toggle.
-// Buttons keep it.
+// The Return key confirms, also where a widget of its own would take it: in a box of choices, on a toggle or
+// a colour. The dialog's buttons keep it.
 gboolean ConfirmByReturn(GtkWidget* window, GdkEventKey* event, gpointer) {
     if (event->keyval != GDK_KEY_Return && event->keyval != GDK_KEY_KP_Enter) return FALSE;
     GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(window));
     if (focus == nullptr) return FALSE;
     const bool in_choices = gtk_widget_get_ancestor(focus, GTK_TYPE_COMBO_BOX) != nullptr;
-    if (!in_choices && !GTK_IS_CHECK_BUTTON(focus)) return FALSE;
+    if (!in_choices && !GTK_IS_CHECK_BUTTON(focus) && !GTK_IS_COLOR_BUTTON(focus)) return FALSE;
     gtk_dialog_response(GTK_DIALOG(window), GTK_RESPONSE_ACCEPT);
     return TRUE;
 }
