@@ -15,7 +15,7 @@ namespace {
 using win32::SettingControl;
 
 constexpr int kSpacing = 6;
-constexpr int kSliderWidth = 160;
+constexpr int kSliderWidth = 100;
 constexpr double kMostSliderSteps = 5000; // a slider can't be set to one of more
 constexpr int kMostDigits = 6;
 

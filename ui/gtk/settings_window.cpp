@@ -24,6 +24,7 @@ constexpr int kSpacing = 12;
 constexpr int kRowSpacing = 8;
 constexpr int kTallestPage = 300; // pixels; a page with more scrolls
 constexpr int kSettingsWidth = 340;
+constexpr int kLabelLength = 18; // characters in a line: page and picture fit a screen of 800 pixels
 
 // The Return key confirms, also where a widget of its own would take it: in a box of choices, on a toggle or
 // a colour. The dialog's buttons keep it.
@@ -41,6 +42,9 @@ GtkWidget* NewLabel(const std::string& text, GtkWidget* target) {
     GtkWidget* label = gtk_label_new_with_mnemonic(text.c_str());
     gtk_label_set_mnemonic_widget(GTK_LABEL(label), target);
     gtk_label_set_xalign(GTK_LABEL(label), 1);
+    gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_RIGHT);
+    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+    gtk_label_set_max_width_chars(GTK_LABEL(label), kLabelLength);
     return label;
 }
 
@@ -176,6 +180,7 @@ void SettingsWindow::AddControl(GtkWidget* grid, int row, const SettingControl& 
     const std::string label = mnemonics.Add(control.label);
     ControlWidgets widgets = NewControl(control, label, [this] { Changed(); });
     gtk_widget_set_hexpand(widgets.row, TRUE);
+    gtk_widget_set_valign(widgets.row, GTK_ALIGN_CENTER);
     if (!CarriesLabel(control))
         gtk_grid_attach(GTK_GRID(grid), NewLabel(label, widgets.target), 0, row, 1, 1);
     gtk_grid_attach(GTK_GRID(grid), widgets.row, 1, row, 1, 1);
