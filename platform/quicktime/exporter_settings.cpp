@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 
 namespace qt {
 namespace {
@@ -95,7 +96,8 @@ win32::SettingsDialog DescribeSettings(const ImageExporter& format, const Export
             NumberControl("quality", "Quality", settings.quality.value_or(kNormalQuality), 0, 1024));
     if (format.has_target_size)
         page.controls.push_back(NumberControl("size", "Size to aim at (0: any)",
-                                              settings.target_size.value_or(0), 0, 4'294'967'295.0));
+                                              settings.target_size.value_or(0), 0,
+                                              std::numeric_limits<std::int32_t>::max()));
     if (!format.methods.empty()) {
         const bool interlaces = Offers(format.methods, 0);
         page.controls.push_back(ChoiceControl("method", interlaces ? "Interlaced" : "Compression",

@@ -17,8 +17,10 @@ std::string Utf8(const WCHAR* text) {
 // Why a person's choice can't be taken.
 std::string Refusal(const std::string& unix_path, std::size_t capacity) {
     const auto native = win32::ToNativePath(unix_path);
-    if (!native) return "This is not on any of the drives, or its name can't be used there.";
-    if (win32::ToUnixPath(*native).error != ERROR_SUCCESS) return "There is no such file or folder.";
+    const DWORD error = native ? win32::ToUnixPath(*native).error : ERROR_INVALID_NAME;
+    if (error == ERROR_INVALID_NAME)
+        return "This is not on any of the drives, or its name can't be used there.";
+    if (error != ERROR_SUCCESS) return "There is no such file or folder.";
     return native->size() < capacity ? "" : "The path is too long.";
 }
 
