@@ -4,7 +4,9 @@
 #include "platform/text/utf.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <set>
 
@@ -46,6 +48,11 @@ public:
         const std::filesystem::directory_iterator entry(path_, ignored);
         return entry == std::filesystem::directory_iterator() ? "" : entry->path().filename().string();
     }
+    /// Takes the file of this name to the folder beside; false when something has the name there.
+    [[nodiscard]] bool MoveOut(const std::string& file) const {
+        const std::filesystem::path target = path_.parent_path() / file;
+        return ::renameat2(AT_FDCWD, (path_ / file).c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0;
+    }
     void Clear() const {
         std::error_code ignored;
         for (const auto& entry : std::filesystem::directory_iterator(path_, ignored))
@@ -76,6 +83,9 @@ private:
         const auto folder = MakeOutputFolder(line_.table.to, problem);
         if (!folder) return problem;
         folder_ = *folder;
+        std::error_code ignored;
+        for (const auto& entry : std::filesystem::directory_iterator(line_.table.to, ignored))
+            present_.insert(utf::ToLower(entry.path().filename().string()));
         return staging_.Make(line_.table.to) ? "" : "cannot write into the folder " + line_.table.to;
     }
 
@@ -97,11 +107,18 @@ private:
 
     // The staged file, which may have been given an extension to its name, into the folder.
     std::optional<RecordFailure> Place(const std::string& file) {
+        const std::string name = utf::ToLower(file);
+        // The functions go through the whole folder for a name, which adds up over many records.
+        const bool is_new = !names_.contains(name) && !present_.contains(name);
+        if (is_new && staging_.MoveOut(file)) {
+            names_.insert(name);
+            return std::nullopt;
+        }
         if (auto failure = Refusal(file)) return failure;
         SetPath("$staged", folder_ + staging_.Name() + '/' + file);
         SetPath("$path", folder_);
         auto failure = Do("Media_MoveItem($staged; $path)"); // in the place of a file that is there
-        if (!failure) names_.insert(utf::ToLower(file));
+        if (!failure) names_.insert(name);
         return failure;
     }
 
@@ -139,7 +156,8 @@ private:
     const Field* field_ = nullptr;
     std::string folder_; ///< host path text with a "/" at its end
     StagingFolder staging_;
-    std::set<std::string> names_; ///< given so far, in small letters: files are found without regard to case
+    std::set<std::string> present_; ///< names in the folder, in small letters: case does not count for files
+    std::set<std::string> names_;   ///< given so far, in small letters
 };
 
 } // namespace
