@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
-#include <set>
+#include <map>
 
 namespace host {
 namespace {
@@ -63,6 +63,9 @@ private:
     std::filesystem::path path_;
 };
 
+// Who gave a file in the folder its name.
+enum class Giver { kRecord, kOther };
+
 class Exporter {
 public:
     Exporter(Session& session, const CommandLine& line) : engine_(session.GetEngine()), line_(line) {}
@@ -85,7 +88,7 @@ private:
         folder_ = *folder;
         std::error_code ignored;
         for (const auto& entry : std::filesystem::directory_iterator(line_.table.to, ignored))
-            present_.insert(utf::ToLower(entry.path().filename().string()));
+            names_[utf::ToLower(entry.path().filename().string())] = Giver::kOther;
         return staging_.Make(line_.table.to) ? "" : "cannot write into the folder " + line_.table.to;
     }
 
@@ -108,33 +111,35 @@ private:
     // The staged file, which may have been given an extension to its name, into the folder.
     std::optional<RecordFailure> Place(const std::string& file) {
         const std::string name = utf::ToLower(file);
+        const auto taken = names_.find(name);
         // The functions go through the whole folder for a name, which adds up over many records.
-        const bool is_new = !names_.contains(name) && !present_.contains(name);
-        if (is_new && staging_.MoveOut(file)) {
-            names_.insert(name);
+        if (taken == names_.end() && staging_.MoveOut(file)) {
+            names_[name] = Giver::kRecord;
             return std::nullopt;
         }
-        if (auto failure = Refusal(file)) return failure;
+        if (taken != names_.end() && taken->second == Giver::kRecord)
+            return Refusal(file, "\" is the name of another record's file");
+        if (auto failure = CheckPresent(file)) return failure;
         SetPath("$staged", folder_ + staging_.Name() + '/' + file);
         SetPath("$path", folder_);
         auto failure = Do("Media_MoveItem($staged; $path)"); // in the place of a file that is there
-        if (!failure) names_.insert(name);
+        if (!failure) names_[name] = Giver::kRecord;
         return failure;
     }
 
-    // Why no file may be written under this name.
-    std::optional<RecordFailure> Refusal(const std::string& file) {
-        const auto refusal = [&](const char* reason) {
-            return RecordFailure{"name", {}, kNameTaken, '"' + file + reason};
-        };
-        if (names_.contains(utf::ToLower(file))) return refusal("\" is the name of another record's file");
+    static RecordFailure Refusal(const std::string& file, const char* reason) {
+        return {"name", {}, kNameTaken, '"' + file + reason};
+    }
+
+    // Whether the item of this name, if there is one, stays as it is.
+    std::optional<RecordFailure> CheckPresent(const std::string& file) {
         SetPath("$path", folder_ + file);
         const Outcome info = engine_.Evaluate("Media_GetItemInfo($path)");
         if (FailureOf(engine_, info, field_->name)) return std::nullopt; // nothing is there
         engine_.SessionVariable("$info") = info.value;
-        if (IsSo("Directory")) return refusal("\" is the name of a folder there");
-        if (!line_.table.replace) return refusal("\" is there already; --replace overwrites it");
-        if (IsSo("Locked")) return refusal("\" is there already, and read-only");
+        if (IsSo("Directory")) return Refusal(file, "\" is the name of a folder there");
+        if (!line_.table.replace) return Refusal(file, "\" is there already; --replace overwrites it");
+        if (IsSo("Locked")) return Refusal(file, "\" is there already, and read-only");
         return std::nullopt;
     }
 
@@ -156,8 +161,7 @@ private:
     const Field* field_ = nullptr;
     std::string folder_; ///< host path text with a "/" at its end
     StagingFolder staging_;
-    std::set<std::string> present_; ///< names in the folder, in small letters: case does not count for files
-    std::set<std::string> names_;   ///< given so far, in small letters
+    std::map<std::string, Giver> names_; ///< in the folder, in small letters: case does not count for files
 };
 
 } // namespace

@@ -46,6 +46,9 @@ struct SettingsPage {
     std::vector<SettingControl> controls;
 };
 
+/// Pixels that the longer side of a preview may have: the dialog keeps this much room for it.
+constexpr int kLongestPreviewSide = 320;
+
 /// A picture that the dialog shows: 8 bits each of red, green, blue, no padding between rows.
 struct SettingsPreview {
     int width = 0;

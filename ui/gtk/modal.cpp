@@ -48,7 +48,8 @@ gboolean EndWithDisplay(gpointer data) {
     return G_SOURCE_CONTINUE;
 }
 
-// Ends the loop when the display is lost, ahead of what came from it last.
+// Ends the loop when the display is lost: asked before the window library's own source, which would end the
+// program when it looks for what came last.
 guint WatchDisplay(Loop& loop) {
     static GSourceFuncs functions = {
         [](GSource*, gint*) -> gboolean { return IsDisplayLost() ? TRUE : FALSE; },

@@ -11,13 +11,13 @@ namespace {
 constexpr guint kDelay = 80;      // ms, between a change and its picture
 constexpr gint64 kQuick = 40'000; // µs; a picture that takes longer waits for a pause
 constexpr guint kPause = 300;     // ms
-constexpr int kSide = 320;        // of the frame, so that the dialog keeps its size whatever the picture
 
 } // namespace
 
 SettingsPreview::SettingsPreview(std::function<win32::SettingsPreview()> make)
     : make_(std::move(make)), frame_(gtk_frame_new(nullptr)), image_(gtk_image_new()) {
-    gtk_widget_set_size_request(image_, kSide, kSide);
+    // The dialog keeps its size whatever the picture.
+    gtk_widget_set_size_request(image_, win32::kLongestPreviewSide, win32::kLongestPreviewSide);
     gtk_widget_set_valign(frame_, GTK_ALIGN_START);
     gtk_container_add(GTK_CONTAINER(frame_), image_);
 }

@@ -9,8 +9,6 @@
 namespace qt {
 namespace {
 
-constexpr std::int32_t kLongestSide = 320;
-
 /// The image at a scale of at most 1, each pixel the mean of what it stands for.
 ComponentResult Shrink(const PixelImage& image, double scale, PixelImage& out) {
     const auto scaled = [scale](std::int32_t length) {
@@ -36,7 +34,8 @@ ComponentResult Shrink(const PixelImage& image, double scale, PixelImage& out) {
 } // namespace
 
 ComponentResult EffectPreview::SetSource(std::int32_t number, const PixelImage& image) {
-    if (number == 1) scale_ = std::min(1.0, double{kLongestSide} / std::max(image.width(), image.height()));
+    if (number == 1)
+        scale_ = std::min(1.0, double{win32::kLongestPreviewSide} / std::max(image.width(), image.height()));
     return Shrink(image, scale_, sources_.at(static_cast<std::size_t>(number - 1)));
 }
 
