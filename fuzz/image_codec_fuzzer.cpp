@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int kLargest = 512; ///< pixels either way: more only takes time
+constexpr int kLargest = 720; ///< pixels either way, as all MacPaint images are high: more only takes time
 
 bool IsKnown(ComponentResult code) {
     return code == noErr || code == codecBadDataErr || code == codecSizeErr || code == paramErr ||
