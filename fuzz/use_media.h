@@ -19,7 +19,7 @@ inline void UseMedia(Media media) {
                                   static_cast<std::uint32_t>(GetMediaTimeScale(media))}; // no resampler
     const Track track = GetMediaTrack(media);
     if (qt::SoundRenderer::Open(*GetTrackMovie(track), track, layout, renderer) != noErr) return;
-    qt::Bytes block(1U << 16);
+    qt::Bytes block(1U << 12);
     for (int i = 0; i < 4 && renderer->Read(block).frames > 0; ++i) {
     }
 }
