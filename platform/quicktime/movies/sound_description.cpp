@@ -1,5 +1,6 @@
 #include "platform/quicktime/movies/sound_description.h"
 
+#include "platform/quicktime/movies/aac_setup.h"
 #include "platform/quicktime/movies/atoms.h"
 
 #include <algorithm>
@@ -192,16 +193,11 @@ std::span<const std::byte> ExtensionsOf(std::span<const std::byte> description, 
     return Tail(description, fields_size);
 }
 
-/// Of AAC: the speakers that its own set-up names; 0 for none, or other than the usual ones.
-std::uint32_t AacSpeakers(std::span<const std::byte> extensions) {
+/// Of AAC: as many as its own set-up tells, if it does.
+std::uint32_t AacChannelsIn(std::span<const std::byte> extensions) {
     constexpr std::uint8_t kAac = 0x40;
-    constexpr std::uint64_t kOwnRate = 15;
     const StreamSetup setup = ReadStreamSetup(FindExtension(extensions, Code("esds")));
-    if (setup.object_type != kAac) return 0;
-    // Five bits of the kind, four of the rate or then 24 more, four of the speakers.
-    const bool own_rate = (BigEndian16(setup.bytes, 0) >> 7 & 0xF) == kOwnRate;
-    const std::uint64_t speakers = BigEndian(setup.bytes, own_rate ? 4 : 1, 1) >> 3 & 0xF;
-    return speakers == 7 ? 8 : speakers > 7 ? 0 : static_cast<std::uint32_t>(speakers);
+    return setup.object_type == kAac ? AacChannels(setup.bytes) : 0;
 }
 
 } // namespace
@@ -252,7 +248,8 @@ std::optional<SoundFormat> ReadSoundFormat(std::span<const std::byte> descriptio
     if (!(format.rate >= 0) || format.rate > kMaximumRate) format.rate = 0;
     // MPEG-4 files say two channels however many there are.
     if (format.data_format == Code("mp4a") && format.version == 0)
-        format.channels = std::max(format.channels, AacSpeakers(format.extensions));
+        if (const std::uint32_t channels = AacChannelsIn(format.extensions); channels > 0)
+            format.channels = channels;
     FillPackets(format);
     return format;
 }

@@ -1,5 +1,6 @@
 #include "platform/quicktime/movies/sound_description.h"
 
+#include "platform/quicktime/movies/aac_setup.h"
 #include "platform/quicktime/movies/atoms.h"
 #include "tests/quicktime/movies/movie_test.h"
 
@@ -128,6 +129,33 @@ TEST_F(StreamDescriptions, TellWhatTheDecoderNeeds) {
     EXPECT_EQ(alac.mFormatFlags, 3U); // 24 bits
     EXPECT_EQ(alac.mFramesPerPacket, 4096U);
     EXPECT_EQ(alac.mBitsPerChannel, 0U);
+}
+
+TEST_F(StreamDescriptions, AacHasTheChannelsOfItsSetUp) {
+    for (std::uint32_t channels = 1; channels <= 8; ++channels) {
+        const std::string name = std::to_string(channels);
+        for (const std::string rate : {"48000", "16000"}) {
+            ASSERT_TRUE(Run("sox -R -n -r " + rate + " -c " + name +
+                            " s.wav synth 0.2 pinknoise && "
+                            "ffmpeg -y -guess_layout_max 8 -i s.wav -c:a aac s.m4a"));
+            const qt::OwnedMovie movie = Open("s.m4a");
+            const auto format =
+                qt::ReadSoundFormat(DescriptionOf(GetTrackMedia(FirstSoundTrack(movie.get()))));
+            EXPECT_EQ(format.value().channels, channels) << rate;
+        }
+    }
+    // Of 24 kHz: one channel that packets may make two, two for certain, upper half of the spectrum only, and
+    // what says so behind the end of older set-ups.
+    const auto channels_of = [](std::initializer_list<std::uint8_t> setup) {
+        return qt::AacChannels(std::as_bytes(std::span(setup)));
+    };
+    EXPECT_EQ(channels_of({0x13, 0x08}), 0U);
+    EXPECT_EQ(channels_of({0xEB, 0x09, 0x88, 0x00}), 2U);
+    EXPECT_EQ(channels_of({0x2B, 0x09, 0x88, 0x00}), 0U);
+    EXPECT_EQ(channels_of({0x13, 0x08, 0x56, 0xE5, 0x9D, 0x48, 0x80}), 0U);
+    EXPECT_EQ(channels_of({0x13, 0x08, 0x56, 0xE5, 0x9D, 0x48, 0x00}), 1U);
+    EXPECT_EQ(channels_of({0x13, 0x08, 0x56, 0xE5, 0x00}), 1U);
+    EXPECT_EQ(channels_of({}), 0U);
 }
 
 } // namespace
