@@ -149,7 +149,8 @@ private:
         if (source == nullptr) return fnfErr;
         if (run.size > kLargestPacket) return invalidSampleTable;
         bytes_.resize(run.size);
-        const std::size_t got = source->Read(run.offset + packet_ * run.size, bytes_);
+        const std::uint64_t index = packet_;
+        const std::size_t got = source->Read(run.offset + index * run.size, bytes_);
         if (++packet_ >= run.count) {
             ++run_;
             packet_ = 0;
@@ -166,7 +167,16 @@ private:
         is_first_ = false;
         const bool changed = layout_.channels > 0 && decoder_->Channels() != layout_.channels;
         if (changed) decoded_.resize(decoded_.size() / layout_.channels * layout_.channels);
+        if (decoded_.empty() && layout_.channels > 0)
+            FillGap(run.start + static_cast<TimeValue>(index + 1) * run.duration);
         return noErr;
+    }
+
+    /// Silence, once nothing has come for a second of the packets' time up to `next`: to look through all
+    /// that follow, for each second that is read anew, would take hours where none gives anything.
+    void FillGap(TimeValue next) {
+        const std::int64_t gap = Scale(next, layout_.rate, scale_) - position_;
+        if (gap >= layout_.rate) decoded_.resize(static_cast<std::size_t>(layout_.rate) * layout_.channels);
     }
 
     std::shared_ptr<MediaSamples> samples_;

@@ -1,5 +1,5 @@
+#include "platform/quicktime/movies/movie_model.h"
 #include "tests/quicktime/movies/movie_test.h"
-
 #include "tests/support/files.h"
 
 #include <algorithm>
@@ -72,6 +72,24 @@ TEST_F(DamagedFiles, EndInASoundOrACode) {
         }
     }
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::minutes(3));
+}
+
+TEST_F(DamagedFiles, PacketsThatGiveNothingAreSilence) {
+    ASSERT_TRUE(Run("sox -R -n -r 48000 s.wav synth 5 pinknoise && ffmpeg -i s.wav -c:a aac s.m4a"));
+    std::string bytes = ReadBytes(Path("s.m4a"));
+    constexpr std::size_t kKept = 4000; // some packets
+    const std::size_t data = bytes.find("mdat") + 4 + kKept;
+    std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(data),
+              bytes.begin() + static_cast<std::ptrdiff_t>(bytes.find("moov") - 4),
+              '\xE0'); // "nothing follows"
+    WriteBytes(Path("s.m4a"), bytes);
+    const qt::OwnedMovie movie = Open("s.m4a");
+    const auto opened = qt::OpenFrameReader(*GetTrackMedia(FirstSoundTrack(movie.get())));
+    ASSERT_EQ(opened.code, noErr);
+    std::vector<float> frames(1000, 1.0F);
+    const qt::FramesRead read = opened.reader->Read(3 * 48000, std::as_writable_bytes(std::span(frames)));
+    EXPECT_EQ(read.frames, 1000); // found without a look at all packets up to the end
+    EXPECT_EQ(frames, std::vector<float>(1000));
 }
 
 TEST_F(DamagedFiles, NothingButTags) {
