@@ -5,7 +5,7 @@
 #include "platform/quicktime/movies/sound_description.h"
 #include "platform/quicktime/movies/sound_renderer.h"
 
-/// Reads first samples, what their description tells, and some of the sound.
+/// Reads first samples, what their description tells, and some of the sound, also backwards.
 inline void UseMedia(Media media) {
     const qt::MemoryHandle data(NewHandle(0));
     const qt::MemoryHandle description(NewHandle(0));
@@ -22,4 +22,7 @@ inline void UseMedia(Media media) {
     qt::Bytes block(1U << 12);
     for (int i = 0; i < 4 && renderer->Read(block).frames > 0; ++i) {
     }
+    const qt::OpenedReader opened = qt::OpenFrameReader(*media);
+    if (opened.reader == nullptr || opened.reader->Layout().FrameBytes() > block.size()) return;
+    for (const std::int64_t start : {1000, 0}) Require(opened.reader->Read(start, block).frames >= 0);
 }
