@@ -75,11 +75,19 @@ std::unique_ptr<Resampler> OpenResampler(std::uint32_t channels, std::uint32_t f
     return std::make_unique<SwrResampler>(std::move(context), channels, from, to);
 }
 
+namespace {
+
+/// Bytes that the library may want at once. A day of AAC in fragments has an index of 100 MB; a file of 1 KB
+/// that claims millions of entries shall not have gigabytes cleared for it.
+constexpr std::size_t kLargestBlock = std::size_t{128} << 20;
+
+} // namespace
 } // namespace qt
 
 extern "C" __attribute__((visibility("default"))) const void* corvane_module() {
     static const qt::FfmpegModule module = {qt::OpenDecoder, qt::OpenFile, qt::OpenResampler,
                                             qt::OpenEncoder};
     av_log_set_level(AV_LOG_QUIET);
+    av_max_alloc(qt::kLargestBlock);
     return &module;
 }
