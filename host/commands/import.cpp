@@ -15,8 +15,10 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr auto kImageEndings = std::to_array<std::string_view>(
-    {"bmp", "gif", "jp2", "jpe", "jpeg", "jpg",  "mac", "pcx", "pct", "pic", "pict",
-     "png", "pnt", "psd", "qif", "qti",  "qtif", "sgi", "tga", "tif", "tiff"});
+    {"bmp", "bw",   "dib", "gif",  "j2k", "jfif",  "jp2", "jpe", "jpeg", "jpf", "jpg",
+     "jpx", "mac",  "pct", "pcx",  "pic", "pict",  "png", "pnt", "psb",  "psd", "qif",
+     "qti", "qtif", "rgb", "rgba", "sgi", "targa", "tga", "tif", "tiff"});
+static_assert(std::ranges::is_sorted(kImageEndings));
 
 // Records are written together up to these limits: a transaction for each would take most of the time.
 constexpr std::size_t kMostTogether = 500;

@@ -115,7 +115,10 @@ void AppendBlocks(TIFF* tiff, std::vector<MetadataItem>& items) {
         g_tiff->SwabArrayOfLong(restored.data(), static_cast<tmsize_t>(words.size() / 4));
     }
     const std::span<const std::byte> iptc = std::as_bytes(std::span(restored)).first(words.size());
-    AppendIptcItems(iptc.empty() ? FindImageResource(resources, kIptcResource) : iptc, items);
+    const std::size_t before = items.size();
+    AppendIptcItems(iptc, items);
+    // Writers that count words where the library counts bytes leave a quarter of it, and the whole there.
+    if (items.size() == before) AppendIptcItems(FindImageResource(resources, kIptcResource), items);
     const std::span<const std::byte> packet = BlockOf(tiff, TIFFTAG_XMLPACKET);
     AppendXmpItems({reinterpret_cast<const char*>(packet.data()), packet.size()}, items);
 }
