@@ -43,7 +43,7 @@ TEST_F(UrlSources, ThePageIsReadAsItIs) {
 
 TEST_F(UrlSources, StatusesAndRedirects) {
     for (const char* page : {"status-404", "status-410"}) EXPECT_EQ(Code(page), fnfErr) << page;
-    for (const char* page : {"status-403", "status-500", "loop"})
+    for (const char* page : {"status-403", "status-500", "status-206", "status-302", "loop"})
         EXPECT_EQ(Code(page), cantOpenHandler) << page;
     for (const char* page : {"to-file", "to-https", "to-ftp"}) EXPECT_EQ(Code(page), cantFindHandler) << page;
 }

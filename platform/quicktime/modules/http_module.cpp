@@ -26,8 +26,10 @@ std::size_t Receive(char* bytes, std::size_t unit, std::size_t count, void* cont
 }
 
 HttpOutcome OutcomeOf(CURLcode code, long status) {
+    constexpr long kWhole = 200;
     switch (code) {
-    case CURLE_OK: return kHttpOk;
+    // Others that are no errors have a part of the data or none: unasked parts, redirections to nowhere.
+    case CURLE_OK: return status == kWhole ? kHttpOk : kHttpRefused;
     case CURLE_UNSUPPORTED_PROTOCOL:
     case CURLE_URL_MALFORMAT: return kHttpBadAddress;
     case CURLE_HTTP_RETURNED_ERROR: return status == 404 || status == 410 ? kHttpNotFound : kHttpRefused;
