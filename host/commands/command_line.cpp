@@ -173,6 +173,16 @@ std::string SetHidden(SessionOptions& session, std::string_view value) {
     return {};
 }
 
+std::string AddAnswer(SessionOptions& session, std::string_view value) {
+    constexpr std::array<std::string_view, 3> kBeginnings = {"file:", "folder:", "set:"};
+    const bool known =
+        value == "ok" || value == "cancel" ||
+        std::ranges::any_of(kBeginnings, [&](std::string_view start) { return value.starts_with(start); });
+    if (!known) return NotAChoice("--answer", value, "ok, cancel, file:PATH, folder:PATH or set:KEY=VALUE,…");
+    session.answers.emplace_back(value);
+    return {};
+}
+
 std::string SetProgress(SessionOptions& session, std::string_view value) {
     if (value != "auto" && value != "always" && value != "never")
         return NotAChoice("--progress", value, "auto, always or never");
@@ -196,7 +206,7 @@ std::string SetOption(CommandLine& line, int option, const char* value) {
     case kInterfaceVersion: return SetInterfaceVersion(line.session, value);
     case kHostVersion: line.session.host_version = value; return {};
     case kUi: return SetUi(line.session, value);
-    case kAnswer: line.session.answers.emplace_back(value); return {};
+    case kAnswer: return AddAnswer(line.session, value);
     case kJson: line.json = true; return {};
     case kRaw: line.raw = true; return {};
     case kSaveStreams: line.save_streams = value; return {};

@@ -124,6 +124,7 @@ TEST_F(Program, RefusesWrongUse) {
         {"about more", "about does not take \"more\""},
         {"eval --nothing 1", "corvane: unrecognized option '--nothing'"},
         {"eval --ui x 1", "--ui takes"},
+        {"eval --answer OK 1", "--answer takes"},
         {"eval --hidden x 1", "--hidden takes"},
         {"eval --progress x 1", "--progress takes"},
         {"eval --interface-version 5x 1", "--interface-version takes"},
