@@ -44,7 +44,7 @@ other codes of paths, files and servers)",
      R"(container   a container, or a text
 path        the file; a name without extension gets that of the stream's type, where it is one that
             Media_ListImageOutputTypes lists, "snd " or a text
-replace     true: a file that is there is replaced)",
+replace     true: a file that is there is deleted first, and another one made)",
      "Empty text.",
      R"($CODE:MESSAGE as the result:
 20100  not exactly three parameters
