@@ -73,19 +73,22 @@ movie:…
 moviewin:…)"},
     {"Media_MixSounds",
      "Two sounds at the same time, each at half its volume; what is longer goes on as it is.",
-     R"(container1, container2   sounds (see Media_AppendSound). 16-bit little-endian ones, as in WAVE files,
-                         are mixed frame for frame whatever their rate and need as many channels;
-                         others are brought to 16-bit stereo at 44,100 Hz first)",
+     R"(container1, container2   sounds (see Media_AppendSound). 16-bit little-endian ones of up to 65,535 Hz,
+                         as in WAVE files, are mixed frame for frame, to be played at the rate of the
+                         second, and need as many channels, one or two; others are brought to 16-bit
+                         stereo at 44,100 Hz first)",
      R"(Text: the reference to a WAVE file (see Media_AppendSound), or empty. Answers the host 0: a failure is
 only in Media_GetLastError.)",
-     R"(-50    not two parameters, one is no sound, or the sounds differ in channels
+     R"(-4     sounds of more than two channels
+-50    not two parameters, one is no sound, or the sounds differ in channels
 codes of Media_AppendSound)",
      R"(Media_MixSounds ( "/C:/sounds/talk.wav" ; "/C:/sounds/intro.mp3" ))",
      R"(size:0,0
 movie:…
 moviewin:…)"},
     {"Media_Amplify", "A sound, louder or softer.",
-     R"(container   a sound (see Media_AppendSound)
+     R"(container   a sound (see Media_AppendSound) of one or two channels; of more, only as many samples are
+            changed as one channel has: Media_ConvertSound makes it stereo
 factor      what each sample is multiplied by; a negative one turns the wave over
 limit       0 to 1: the part of full scale at which samples are clipped; without it 1. -1 normalises, as
             Media_Normalize does, whatever the factor)",
@@ -102,7 +105,7 @@ moviewin:…)"},
 startTime   H:M:S or H:M:S.F; with a "-" in front counted back from the end
 endTime     the same. Times that are not in order are swapped; a start outside the sound is its beginning,
             an end outside it its end
-level       0 to 1: the volume that is faded to or from
+level       0 to 1: the volume that is faded to or from; outside the fade the sound is as loud as before
 inOrOut     true: out, and the result ends where the fade does; false: in, and it begins where the fade does)",
      "Text: the reference to a WAVE file (see Media_AppendSound).",
      R"(-50    not five parameters, one that can't be read, or a fade that takes no time
@@ -112,7 +115,7 @@ codes of Media_AppendSound)",
 movie:…
 moviewin:…)"},
     {"Media_Normalize", "A sound as loud as it can be without being clipped.",
-     "container   a sound (see Media_AppendSound)",
+     "container   a sound (see Media_AppendSound) of one or two channels (see Media_Amplify)",
      R"(Text: the reference to a WAVE file (see Media_AppendSound), or empty. Answers the host 0: a failure is
 only in Media_GetLastError.)",
      "codes of Media_Amplify", R"(Media_Normalize ( "/C:/sounds/talk.wav" ))",
