@@ -1,8 +1,5 @@
 #include "fuzz/fuzz_target.h"
 #include "fuzz/use_media.h"
-#include "platform/quicktime/movies/importers.h"
-
-#include <array>
 
 /// libsndfile 1.2.0 forgets a block of some KB when it gives up on a damaged Ogg file.
 // NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer looks for this name
@@ -12,14 +9,10 @@ extern "C" __attribute__((visibility("default"))) const char* __lsan_default_sup
 
 // Sound files: whatever an importer makes of one, its samples come in order and lie in the file.
 void Fuzz(std::string_view input) {
-    const std::shared_ptr<qt::DataSource> data = qt::MemorySource(std::as_bytes(std::span(input)));
-    const qt::DataReference reference = qt::MemoryReference();
     for (const auto importer : {qt::ImportSoundFile, qt::ImportMpegAudio}) {
-        const qt::Imported imported = importer({data, &reference, {}});
-        Require((imported.code == noErr) == (imported.movie != nullptr));
-        if (imported.movie == nullptr) continue;
-        qt::MediaRecord& media = *imported.movie->tracks.front()->media;
-        Require(media.samples->duration >= 0 && media.time_scale > 0);
+        const qt::OwnedMovie movie = ImportBytes(importer, input);
+        if (movie == nullptr) continue;
+        qt::MediaRecord& media = *movie->tracks.front()->media;
         if (media.samples->LoadRuns() != noErr) continue;
         TimeValue end = 0;
         for (const qt::SampleRun& run : media.samples->runs) {

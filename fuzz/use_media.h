@@ -1,9 +1,25 @@
 // What may be asked of a media that any bytes gave.
 #pragma once
 
+#include "fuzz/fuzz_target.h"
+#include "platform/quicktime/movies/importers.h"
 #include "platform/quicktime/movies/movie_model.h"
 #include "platform/quicktime/movies/sound_description.h"
 #include "platform/quicktime/movies/sound_renderer.h"
+
+/// The movie that an importer makes of these bytes, whose first media has a length and a time scale; null
+/// when it gives a reason instead.
+inline qt::OwnedMovie ImportBytes(qt::Imported (*import)(const qt::ImportSource&), std::string_view input) {
+    const std::shared_ptr<qt::DataSource> data = qt::MemorySource(std::as_bytes(std::span(input)));
+    const qt::DataReference reference = qt::MemoryReference();
+    qt::Imported imported = import({data, &reference, {}});
+    Require((imported.code == noErr) == (imported.movie != nullptr));
+    if (imported.movie != nullptr) {
+        const qt::MediaRecord& media = *imported.movie->tracks.front()->media;
+        Require(media.samples->duration >= 0 && media.time_scale > 0);
+    }
+    return std::move(imported.movie);
+}
 
 /// Reads first samples, what their description tells, and some of the sound, also backwards.
 inline void UseMedia(Media media) {

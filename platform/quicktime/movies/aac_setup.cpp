@@ -101,8 +101,9 @@ std::uint32_t AacChannels(std::span<const std::byte> setup) {
     if (bits.TakeFlag()) bits.Take(14); // a core coder's delay
     bits.TakeFlag();                    // no extension of these kinds
     if (configuration == 0) return TakeConfiguredChannels(bits);
-    if (kind != kLowComplexity || (!is_extended && rate > kFastestHalved)) return 1;
-    return !is_extended && RulesOutStereo(bits) ? 1 : 0;
+    if (kind != kLowComplexity) return 1;
+    if (is_extended) return 0;
+    return rate > kFastestHalved || RulesOutStereo(bits) ? 1 : 0;
 }
 
 } // namespace qt
