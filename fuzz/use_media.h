@@ -30,15 +30,18 @@ inline void UseMedia(Media media) {
     QTSoundDescriptionGetProperty(description.get(), qt::Code("sdes"), qt::Code("asbd"), data.get());
     QTSoundDescriptionConvertToV1(description.get(), data.get());
     if (GetMediaType(media) != qt::Code("soun")) return;
+    const qt::OpenedReader opened = qt::OpenFrameReader(*media);
+    if (opened.reader == nullptr) return;
+    qt::Bytes block(1U << 12);
     std::unique_ptr<qt::SoundRenderer> renderer;
-    const qt::PcmLayout layout = {qt::SampleEncoding::kSigned16, false, 2,
-                                  static_cast<std::uint32_t>(GetMediaTimeScale(media))}; // no resampler
+    // Another rate than the sound's, but a near one: at a time scale of millions the resampler took all the
+    // time.
+    const std::uint32_t rate = opened.reader->Layout().rate / 2 + 1;
+    const qt::PcmLayout layout = {qt::SampleEncoding::kSigned16, false, 2, rate};
     const Track track = GetMediaTrack(media);
     if (qt::SoundRenderer::Open(*GetTrackMovie(track), track, layout, renderer) != noErr) return;
-    qt::Bytes block(1U << 12);
     for (int i = 0; i < 4 && renderer->Read(block).frames > 0; ++i) {
     }
-    const qt::OpenedReader opened = qt::OpenFrameReader(*media);
-    if (opened.reader == nullptr || opened.reader->Layout().FrameBytes() > block.size()) return;
+    if (opened.reader->Layout().FrameBytes() > block.size()) return;
     for (const std::int64_t start : {1000, 0}) opened.reader->Read(start, block);
 }
