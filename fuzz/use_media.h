@@ -31,17 +31,17 @@ inline void UseMedia(Media media) {
     QTSoundDescriptionConvertToV1(description.get(), data.get());
     if (GetMediaType(media) != qt::Code("soun")) return;
     const qt::OpenedReader opened = qt::OpenFrameReader(*media);
-    if (opened.reader == nullptr) return;
-    qt::Bytes block(1U << 12);
-    std::unique_ptr<qt::SoundRenderer> renderer;
-    // Another rate than the sound's, but a near one: at a time scale of millions the resampler took all the
-    // time.
-    const std::uint32_t rate = opened.reader->Layout().rate / 2 + 1;
-    const qt::PcmLayout layout = {qt::SampleEncoding::kSigned16, false, 2, rate};
+    // With and without the resampler, but at a near rate: at a time scale of millions it took all the time.
+    const std::uint32_t own = opened.reader == nullptr ? 1 : opened.reader->Layout().rate;
     const Track track = GetMediaTrack(media);
-    if (qt::SoundRenderer::Open(*GetTrackMovie(track), track, layout, renderer) != noErr) return;
-    for (int i = 0; i < 4 && renderer->Read(block).frames > 0; ++i) {
+    qt::Bytes block(1U << 12);
+    for (const std::uint32_t rate : {own, own / 2 + 1}) {
+        const qt::PcmLayout layout = {qt::SampleEncoding::kSigned16, false, 2, rate};
+        std::unique_ptr<qt::SoundRenderer> renderer;
+        if (qt::SoundRenderer::Open(*GetTrackMovie(track), track, layout, renderer) != noErr) return;
+        for (int i = 0; i < 4 && renderer->Read(block).frames > 0; ++i) {
+        }
     }
-    if (opened.reader->Layout().FrameBytes() > block.size()) return;
+    if (opened.reader == nullptr || opened.reader->Layout().FrameBytes() > block.size()) return;
     for (const std::int64_t start : {1000, 0}) opened.reader->Read(start, block);
 }
